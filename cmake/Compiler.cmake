@@ -1,0 +1,17 @@
+# Flags that every target of ours shares. Warnings are errors with both compilers.
+add_library(sunpane_flags INTERFACE)
+target_compile_options(sunpane_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wcast-align -Wimplicit-fallthrough -Werror)
+if(SUNPANE_SANITIZE)
+  target_compile_options(sunpane_flags INTERFACE
+    -fsanitize=${SUNPANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(sunpane_flags INTERFACE -fsanitize=${SUNPANE_SANITIZE})
+endif()
+
+# sunpane_library(NAME SOURCES...): one layer. Includes are written from src/, as in "base/Clock.h".
+function(sunpane_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE sunpane_flags)
+endfunction()

@@ -1,0 +1,161 @@
+#include "base/Dates.h"
+
+#include <unicode/basictz.h>
+#include <unicode/gregocal.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/timezone.h>
+
+#include <array>
+#include <cassert>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+namespace sunpane {
+namespace {
+
+constexpr double millisecondsPerDay = 86400000;
+
+icu::UnicodeString toUnicode(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+std::string toUtf8(const icu::UnicodeString& text) {
+    std::string result;
+    text.toUTF8String(result);
+    return result;
+}
+
+UDate toUDate(Instant instant) { return instant.unixTime() * 1000; }
+
+Instant fromUDate(UDate date) { return Instant::fromUnix(date / 1000); }
+
+icu::Locale toLocale(std::string_view name) { return icu::Locale(std::string(name).c_str()); }
+
+// Days between 1 January 1970 and a day of the proleptic Gregorian calendar (H. Hinnant, "chrono-Compatible Low-Level
+// Date Algorithms").
+std::int64_t daysFromCivil(CivilDay civil) {
+    const std::int64_t year = civil.month <= 2 ? civil.year - 1 : civil.year;
+    const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
+    const std::int64_t yearOfEra = year - era * 400;
+    const std::int64_t dayOfYear = (153 * (civil.month + (civil.month > 2 ? -3 : 9)) + 2) / 5 + civil.day - 1;
+    const std::int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    return era * 146097 + dayOfEra - 719468;
+}
+
+CivilDay civilFromDays(std::int64_t days) {
+    days += 719468;
+    const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
+    const std::int64_t dayOfEra = days - era * 146097;
+    const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::int64_t shiftedMonth = (5 * dayOfYear + 2) / 153;
+    const int day = static_cast<int>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1);
+    const int month = static_cast<int>(shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9);
+    return {static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0)), month, day};
+}
+
+}  // namespace
+
+struct LocalCalendar::Zone {
+    std::unique_ptr<icu::TimeZone> timeZone;
+
+    double offset(UDate date) const {
+        std::int32_t raw = 0;
+        std::int32_t daylight = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        timeZone->getOffset(date, 0, raw, daylight, status);
+        return raw + daylight;
+    }
+
+    // The earliest instant whose local reading is `localMilliseconds`, or, when the clocks skip that reading, the
+    // instant at which they do.
+    UDate fromLocal(double localMilliseconds) const {
+        const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(timeZone.get());
+        if (basic == nullptr) return localMilliseconds - offset(localMilliseconds);
+        std::int32_t raw = 0;
+        std::int32_t daylight = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        basic->getOffsetFromLocal(localMilliseconds, UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_FORMER, raw, daylight, status);
+        const UDate date = localMilliseconds - raw - daylight;
+        if (date + offset(date) == localMilliseconds) return date;
+        // Skipped: read with the offset before the gap, `date` lies after the jump by the part of the gap that
+        // `localMilliseconds` is into.
+        icu::TimeZoneTransition transition;
+        if (basic->getPreviousTransition(date, true, transition) != 0) return transition.getTime();
+        return date;
+    }
+};
+
+LocalCalendar::LocalCalendar(const Clock& clock) : LocalCalendar(clock.timeZone(), clock.locale()) {}
+
+LocalCalendar::LocalCalendar(std::string_view timeZone, std::string_view locale)
+    : zone_(std::make_unique<Zone>()), locale_(locale) {
+    zone_->timeZone.reset(icu::TimeZone::createTimeZone(toUnicode(timeZone)));
+    assert(zone_->timeZone);
+}
+
+LocalCalendar::~LocalCalendar() = default;
+LocalCalendar::LocalCalendar(LocalCalendar&&) noexcept = default;
+LocalCalendar& LocalCalendar::operator=(LocalCalendar&&) noexcept = default;
+
+std::optional<Instant> LocalCalendar::startOfDay(CivilDay day) const {
+    if (day.year < 1 || day.month < 1 || day.month > 12 || day.day < 1) return std::nullopt;
+    const std::int64_t days = daysFromCivil(day);
+    if (civilFromDays(days) != day) return std::nullopt;
+    return fromUDate(zone_->fromLocal(static_cast<double>(days) * millisecondsPerDay));
+}
+
+Instant LocalCalendar::startOfDay(Instant instant) const {
+    const auto start = startOfDay(day(instant));
+    return start.value_or(instant);
+}
+
+CivilDay LocalCalendar::day(Instant instant) const {
+    const UDate date = toUDate(instant);
+    return civilFromDays(static_cast<std::int64_t>(std::floor((date + zone_->offset(date)) / millisecondsPerDay)));
+}
+
+Instant LocalCalendar::addingDays(Instant instant, int days) const {
+    const UDate date = toUDate(instant);
+    const double local = date + zone_->offset(date) + days * millisecondsPerDay;
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t raw = 0;
+    std::int32_t daylight = 0;
+    const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(zone_->timeZone.get());
+    if (basic == nullptr) return fromUDate(local - zone_->offset(local));
+    basic->getOffsetFromLocal(local, UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_FORMER, raw, daylight, status);
+    return fromUDate(local - raw - daylight);
+}
+
+Instant LocalCalendar::settingTime(Instant instant, int hour, int minute) const {
+    const double midnight = static_cast<double>(daysFromCivil(day(instant))) * millisecondsPerDay;
+    return fromUDate(zone_->fromLocal(midnight + (hour * 60.0 + minute) * 60000.0));
+}
+
+std::string LocalCalendar::format(Instant instant, std::string_view pattern,
+                                  std::optional<std::string_view> locale) const {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::SimpleDateFormat formatter(toUnicode(pattern), toLocale(locale.value_or(locale_)), status);
+    if (U_FAILURE(status)) return {};
+    formatter.setTimeZone(*zone_->timeZone);
+    icu::UnicodeString result;
+    return toUtf8(formatter.format(toUDate(instant), result));
+}
+
+std::string LocalCalendar::dayString(Instant instant) const {
+    const CivilDay civil = day(instant);
+    std::array<char, 48> buffer{};
+    std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02d", civil.year, civil.month, civil.day);
+    return buffer.data();
+}
+
+std::string LocalCalendar::iso8601(Instant instant) const {
+    return format(instant, "yyyy-MM-dd'T'HH:mm:ssxxx", "en_US_POSIX");
+}
+
+std::string iso8601Utc(Instant instant) {
+    return LocalCalendar("UTC", "en_US_POSIX").format(instant, "yyyy-MM-dd'T'HH:mm:ss'Z'");
+}
+
+}  // namespace sunpane

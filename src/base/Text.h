@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Unicode text in UTF-8. All functions are pure and may run on any thread; they expect valid UTF-8 (`isValidUtf8`).
+///
+/// A *character* is what a person sees as one, an extended grapheme cluster (Unicode Standard Annex 29).
+namespace sunpane::text {
+
+// Classes of code points.
+
+/// General category Zs, or a tab.
+bool isWhitespace(char32_t codePoint);
+/// U+000A to U+000D, U+0085, U+2028 and U+2029.
+bool isNewline(char32_t codePoint);
+/// Whitespace, U+000A to U+000D, or U+0085.
+bool isWhitespaceOrNewline(char32_t codePoint);
+/// General categories L*, M* and N*.
+bool isAlphanumeric(char32_t codePoint);
+
+// Encoding.
+
+bool isValidUtf8(std::string_view bytes);
+/// Replaces what is not valid UTF-8 by U+FFFD.
+std::string toValidUtf8(std::string_view bytes);
+
+/// Takes the code point that starts at `position` and moves `position` past it.
+char32_t nextCodePoint(std::string_view text, std::size_t& position);
+
+// Trimming and splitting; the results point into `text`.
+
+std::string_view trimWhitespace(std::string_view text);
+std::string_view trimWhitespaceAndNewlines(std::string_view text);
+
+/// The pieces between newline code points; a CR LF pair therefore yields an empty line. At least one piece.
+std::vector<std::string_view> lines(std::string_view text);
+
+// Characters.
+
+std::size_t characterCount(std::string_view text);
+/// The first `count` characters, or all when there are fewer.
+std::string_view firstCharacters(std::string_view text, std::size_t count);
+/// What follows the first `count` characters.
+std::string_view dropFirstCharacters(std::string_view text, std::size_t count);
+std::string_view dropLastCharacters(std::string_view text, std::size_t count);
+/// Whether `text` begins with the characters of `prefix`; a combining mark after them makes another character.
+bool hasPrefix(std::string_view text, std::string_view prefix);
+bool hasSuffix(std::string_view text, std::string_view suffix);
+
+// Case (Unicode default mapping, independent of locale).
+
+std::string lowercased(std::string_view text);
+std::string uppercased(std::string_view text);
+/// Whether `text` contains `part`, compared by Unicode case folding.
+bool containsIgnoringCase(std::string_view text, std::string_view part);
+
+/// The runs of alphanumeric code points, in order; the results point into `text`.
+std::vector<std::string_view> alphanumericRuns(std::string_view text);
+
+/// `text` with every occurrence of `part`, left to right, replaced by `replacement`.
+std::string replacingAll(std::string_view text, std::string_view part, std::string_view replacement);
+
+}  // namespace sunpane::text
