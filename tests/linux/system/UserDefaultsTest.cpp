@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "linux/system/JsonUserDefaults.h"
+#include "support/TemporaryFolder.h"
+
+namespace sunpane {
+namespace {
+
+using Presence = UserDefaults::Presence;
+
+struct UserDefaultsTest : ::testing::Test {
+    testing::TemporaryFolder folder;
+    std::string path = folder / "config/defaults.json";
+    JsonUserDefaults defaults{path};
+
+    std::string fileText() const {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+TEST_F(UserDefaultsTest, TellsAbsentAndMistypedFromPresent) {
+    EXPECT_EQ(defaults.read<std::string>("k").presence, Presence::absent);
+    defaults.set("k", std::string("text"));
+    defaults.set("n", std::int64_t{7});
+    defaults.set("list", std::vector<std::string>{"a", "b"});
+    const JsonUserDefaults reopened(path);
+    EXPECT_EQ(reopened.read<std::string>("k").valueOr(""), "text");
+    EXPECT_EQ(reopened.read<bool>("k").presence, Presence::mistyped);
+    EXPECT_EQ(reopened.read<double>("n").valueOr(0), 7.0);
+    EXPECT_EQ(reopened.read<std::int64_t>("k").valueOr(3), 3);
+    EXPECT_EQ(reopened.read<std::vector<std::string>>("list").value->size(), 2U);
+    defaults.remove("k");
+    EXPECT_EQ(reopened.read<std::string>("k").presence, Presence::absent);
+}
+
+TEST_F(UserDefaultsTest, KeepsOtherProcessesWritesAndUnknownMembers) {
+    std::filesystem::create_directories(folder / "config");
+    folder.write("config/defaults.json", R"({"nested":{"a":[1]},"x":true})");
+    EXPECT_EQ(defaults.read<bool>("x").valueOr(false), true);
+    JsonUserDefaults other(path);
+    other.set("y", 0.5);
+    defaults.set("z", false);
+    const std::string text = fileText();
+    EXPECT_NE(text.find("nested"), std::string::npos);
+    EXPECT_EQ(JsonUserDefaults(path).read<double>("y").valueOr(0), 0.5);
+}
+
+TEST_F(UserDefaultsTest, KeepsAnUnreadableFileAside) {
+    std::filesystem::create_directories(folder / "config");
+    folder.write("config/defaults.json", "{\"half\":");
+    EXPECT_EQ(defaults.read<bool>("half").presence, Presence::absent);
+    defaults.set("fresh", true);
+    EXPECT_TRUE(std::filesystem::exists(path + ".unreadable"));
+    EXPECT_EQ(JsonUserDefaults(path).read<bool>("fresh").valueOr(false), true);
+}
+
+TEST_F(UserDefaultsTest, RemembersWhatItCannotWrite) {
+    std::filesystem::create_directories(path);  // a folder stands where the file belongs
+    defaults.set("kept", true);
+    EXPECT_EQ(defaults.read<bool>("kept").valueOr(false), true);
+}
+
+}  // namespace
+}  // namespace sunpane
