@@ -8,18 +8,93 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
+#include <cstring>
 #include <memory>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace sunpane::text {
 namespace {
 
+constexpr std::size_t wordSize = sizeof(std::uint64_t);
+constexpr std::uint64_t highBits = 0x8080808080808080U;
+
+bool isAsciiWord(const char* bytes) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, wordSize);
+    return (word & highBits) == 0;
+}
+
 bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    std::size_t position = 0;
+    for (; position + wordSize <= text.size(); position += wordSize) {
+        if (!isAsciiWord(text.data() + position)) return false;
+    }
+    for (; position < text.size(); ++position) {
+        if (static_cast<unsigned char>(text[position]) >= 0x80) return false;
+    }
+    return true;
+}
+
+constexpr std::size_t blockSize = 64;
+
+// Whether a byte is one of the ASCII newlines from `First` to U+000D, or may begin U+0085, U+2028 or U+2029.
+template <char First>
+bool mayBeginNewline(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return static_cast<unsigned char>(value - First) <= '\r' - First || value == 0xC2 || value == 0xE2;
+}
+
+// One bit for each byte of `text` from `start` on, at most `blockSize` of them, that may begin a newline; the first
+// byte's bit is the lowest.
+template <char First>
+std::uint64_t newlineCandidates(std::string_view text, std::size_t start) {
+    const std::string_view block = text.substr(start, blockSize);
+    std::uint64_t mask = 0;
+#if defined(__SSE2__)
+    if (block.size() == blockSize) {
+        for (std::size_t i = 0; i < blockSize; i += sizeof(__m128i)) {
+            const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block.data() + i));
+            const __m128i shifted = _mm_sub_epi8(bytes, _mm_set1_epi8(First));
+            const __m128i ascii = _mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8('\r' - First)), shifted);
+            const __m128i leads = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC2))),
+                                               _mm_cmpeq_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xE2))));
+            const auto bits = static_cast<std::uint64_t>(_mm_movemask_epi8(_mm_or_si128(ascii, leads)));
+            mask |= bits << i;
+        }
+        return mask;
+    }
+#endif
+    for (std::size_t i = 0; i < block.size(); ++i)
+        mask |= std::uint64_t{mayBeginNewline<First>(block[i])} << i;
+    return mask;
+}
+
+// The length in bytes of the newline that starts at `position`, or 0 when none does.
+std::size_t newlineLength(std::string_view text, std::size_t position) {
+    const auto byteAt = [&](std::size_t offset) {
+        return position + offset < text.size() ? static_cast<unsigned char>(text[position + offset]) : 0U;
+    };
+    const unsigned first = byteAt(0);
+    if (first < 0x80) return 1;
+    if (first == 0xC2) return byteAt(1) == 0x85 ? 2 : 0;
+    return byteAt(1) == 0x80 && (byteAt(2) == 0xA8 || byteAt(2) == 0xA9) ? 3 : 0;
+}
+
+// Whether a character ends before `codePoint` when what stands before it is an ordinary ASCII letter or sign.
+bool beginsCharacterAfterAscii(char32_t codePoint) {
+    const auto value = u_getIntPropertyValue(static_cast<UChar32>(codePoint), UCHAR_GRAPHEME_CLUSTER_BREAK);
+    return value != U_GCB_EXTEND && value != U_GCB_SPACING_MARK && value != U_GCB_ZWJ;
 }
 
 // In ASCII the only character of two code points is CR LF.
-bool isPlainAscii(std::string_view text) { return isAscii(text) && text.find("\r\n") == std::string_view::npos; }
+bool isPlainAscii(std::string_view text) {
+    return isAscii(text) && text.find("\r\n") == std::string_view::npos;
+}
 
 /// ICU's character boundaries over a UTF-8 text. The iterator is costly to make, so each thread keeps one.
 class CharacterBoundaries {
@@ -98,6 +173,8 @@ bool isValidUtf8(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size();) {
         if (data[i] < 0x80) {
             ++i;
+            while (i + wordSize <= bytes.size() && isAsciiWord(bytes.data() + i))
+                i += wordSize;
             continue;
         }
         UChar32 codePoint;
@@ -137,21 +214,66 @@ char32_t nextCodePoint(std::string_view text, std::size_t& position) {
     return static_cast<char32_t>(codePoint);
 }
 
-std::string_view trimWhitespace(std::string_view text) { return trim(text, isWhitespace); }
+std::string_view trimWhitespace(std::string_view text) {
+    const auto isAsciiSpace = [](char c) { return c == ' ' || c == '\t'; };
+    while (!text.empty() && isAsciiSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isAsciiSpace(text.back()))
+        text.remove_suffix(1);
+    if (text.empty()) return text;
+    const bool asciiEnds =
+        static_cast<unsigned char>(text.front()) < 0x80 && static_cast<unsigned char>(text.back()) < 0x80;
+    return asciiEnds ? text : trim(text, isWhitespace);
+}
 
-std::string_view trimWhitespaceAndNewlines(std::string_view text) { return trim(text, isWhitespaceOrNewline); }
+std::string_view trimWhitespaceAndNewlines(std::string_view text) {
+    return trim(text, isWhitespaceOrNewline);
+}
+
+bool LineReader::next(std::string_view& line) {
+    for (;;) {
+        while (candidates_ != 0) {
+            const std::size_t at = blockStart_ + static_cast<std::size_t>(std::countr_zero(candidates_));
+            candidates_ &= candidates_ - 1;
+            const std::size_t length = newlineLength(text_, at);
+            if (length == 0) continue;
+            line = text_.substr(lineStart_, at - lineStart_);
+            lineStart_ = at + length;
+            return true;
+        }
+        if (started_) blockStart_ += blockSize;
+        started_ = true;
+        if (blockStart_ >= text_.size()) break;
+        candidates_ = newlineCandidates<'\n'>(text_, blockStart_);
+    }
+    if (finished_) return false;
+    finished_ = true;
+    line = text_.substr(lineStart_);
+    return true;
+}
+
+std::string withPlainNewlines(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    std::size_t start = 0;
+    for (std::size_t block = 0; block < text.size(); block += blockSize) {
+        for (std::uint64_t mask = newlineCandidates<'\v'>(text, block); mask != 0; mask &= mask - 1) {
+            const std::size_t at = block + static_cast<std::size_t>(std::countr_zero(mask));
+            const std::size_t length = newlineLength(text, at);
+            if (length == 0) continue;
+            result.append(text.substr(start, at - start)).push_back('\n');
+            start = at + length;
+        }
+    }
+    result.append(text.substr(start));
+    return result;
+}
 
 std::vector<std::string_view> lines(std::string_view text) {
     std::vector<std::string_view> result;
-    std::size_t start = 0;
-    for (std::size_t position = 0; position < text.size();) {
-        const std::size_t at = position;
-        if (isNewline(nextCodePoint(text, position))) {
-            result.push_back(text.substr(start, at - start));
-            start = position;
-        }
-    }
-    result.push_back(text.substr(start));
+    LineReader reader(text);
+    for (std::string_view line; reader.next(line);)
+        result.push_back(line);
     return result;
 }
 
@@ -160,7 +282,8 @@ std::size_t characterCount(std::string_view text) {
     CharacterBoundaries boundaries(text);
     std::size_t count = 0;
     boundaries.iterator().first();
-    while (boundaries.iterator().next() != icu::BreakIterator::DONE) ++count;
+    while (boundaries.iterator().next() != icu::BreakIterator::DONE)
+        ++count;
     return count;
 }
 
@@ -184,7 +307,8 @@ std::string_view dropLastCharacters(std::string_view text, std::size_t count) {
     if (isPlainAscii(text)) return text.substr(0, text.size() - count);
     CharacterBoundaries boundaries(text);
     std::int32_t end = boundaries.iterator().last();
-    for (std::size_t i = 0; i < count && end != icu::BreakIterator::DONE; ++i) end = boundaries.iterator().previous();
+    for (std::size_t i = 0; i < count && end != icu::BreakIterator::DONE; ++i)
+        end = boundaries.iterator().previous();
     return end == icu::BreakIterator::DONE ? text.substr(0, 0) : text.substr(0, static_cast<std::size_t>(end));
 }
 
@@ -194,6 +318,10 @@ bool hasPrefix(std::string_view text, std::string_view prefix) {
     const char last = prefix.back();
     const char next = text[prefix.size()];
     if (static_cast<unsigned char>(next) < 0x80) return !(last == '\r' && next == '\n');
+    if (last >= ' ' && last < 0x7F) {
+        std::size_t position = prefix.size();
+        return beginsCharacterAfterAscii(nextCodePoint(text, position));
+    }
     // Boundaries depend on what surrounds them only within a few code points, and `prefix` is short.
     CharacterBoundaries boundaries(text);
     return boundaries.iterator().isBoundary(static_cast<std::int32_t>(prefix.size())) != 0;

@@ -36,8 +36,30 @@ char32_t nextCodePoint(std::string_view text, std::size_t& position);
 std::string_view trimWhitespace(std::string_view text);
 std::string_view trimWhitespaceAndNewlines(std::string_view text);
 
-/// The pieces between newline code points; a CR LF pair therefore yields an empty line. At least one piece.
+/// Walks the pieces between newline code points without copying; a CR LF pair therefore yields an empty line, and a
+/// text always has at least one line. The text outlives the reader.
+class LineReader {
+public:
+    explicit LineReader(std::string_view text) : text_(text) {}
+
+    /// Moves to the next line, without its newline. False once the last one has been read; `line` is then unchanged.
+    bool next(std::string_view& line);
+
+private:
+    std::string_view text_;
+    std::size_t lineStart_ = 0;
+    // The block of 64 bytes that is being searched, and which of its bytes may still begin a newline.
+    std::size_t blockStart_ = 0;
+    std::uint64_t candidates_ = 0;
+    bool started_ = false;
+    bool finished_ = false;
+};
+
+/// All lines of a text, as `LineReader` yields them.
 std::vector<std::string_view> lines(std::string_view text);
+
+/// `text` with every newline written as "\n".
+std::string withPlainNewlines(std::string_view text);
 
 // Characters.
 

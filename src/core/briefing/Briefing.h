@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,28 +19,38 @@ public:
     /// Keys are cut to this many characters.
     static constexpr std::size_t maximumKeyCharacters = 100;
 
-    explicit BriefingItem(std::string markdown);
+    /// `markdown` is valid UTF-8.
+    explicit BriefingItem(std::string_view markdown);
 
     /// The key that identifies a card across reloads and across days: the text's words in lower case joined by "-",
     /// so that markup, symbols and punctuation do not count but any change of wording does. Flags, feedback and todos
     /// store it. Empty for a text without a letter, mark or number. `text` is valid UTF-8.
     static std::string key(std::string_view text);
 
-    /// The key of `markdown`. Two cards with the same wording share it.
-    const std::string& id() const { return id_; }
+    /// The key of `markdown`. Two cards with the same wording share it. The view lives as long as any copy of the item.
+    std::string_view id() const { return std::string_view(*storage_).substr(start_ + markdownSize_, idSize_); }
 
-    /// The bullet's text without its marker, with its continuation lines appended, one space before each.
-    const std::string& markdown() const { return markdown_; }
+    /// The bullet's text without its marker, with its continuation lines appended, one space before each. The view
+    /// lives as long as any copy of the item.
+    std::string_view markdown() const { return std::string_view(*storage_).substr(start_, markdownSize_); }
 
     /// What is offered when the card is turned into a todo: its first bold phrase when that says enough, otherwise
     /// its text up to a spaced em dash, or its beginning.
     std::string suggestedTodoText() const;
 
-    friend bool operator==(const BriefingItem&, const BriefingItem&) = default;
+    friend bool operator==(const BriefingItem& a, const BriefingItem& b) { return a.markdown() == b.markdown(); }
 
 private:
-    std::string id_;
-    std::string markdown_;
+    friend class BriefingItemWriter;
+    using Storage = std::shared_ptr<const std::string>;
+    BriefingItem(Storage storage, std::size_t start, std::size_t markdownSize, std::size_t idSize);
+
+    // The cards of a briefing share one text, each holding its markdown and, right behind it, its key: one allocation
+    // instead of two for every card.
+    Storage storage_;
+    std::size_t start_ = 0;
+    std::size_t markdownSize_ = 0;
+    std::size_t idSize_ = 0;
 };
 
 /// A headed part of a briefing. A plain value.

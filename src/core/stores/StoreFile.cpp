@@ -1,0 +1,81 @@
+#include "core/stores/StoreFile.h"
+
+#include <utility>
+
+#include "core/stores/StoreFileWriter.h"
+
+namespace sunpane {
+
+StoreFile::StoreFile(StoreFiles& files, std::string path, std::optional<StoreFormat> format)
+    : files_(files), path_(std::move(path)), self_(std::make_shared<StoreFile*>(this)) {
+    auto onConflict = [&runLoop = files.ports().runLoop,
+                       weak = std::weak_ptr(self_)](const StoreFileWriter::Conflict& conflict) {
+        runLoop.post([weak, conflict] {
+            const auto self = weak.lock();
+            if (!self) return;
+            StoreFile& file = **self;
+            // Once the store has taken over a newer content, a write that includes it is on its way.
+            if (!file.conflict_ || conflict.adoptions != file.writer_->view().adoptions) return;
+            file.writer_->adopt(conflict.theirs, conflict.stamp);
+            file.conflict_({*conflict.theirs, true, conflict.base.get()});
+        });
+    };
+    writer_ = std::make_shared<StoreFileWriter>(files, path_, std::move(format), std::move(onConflict));
+}
+
+StoreFile::~StoreFile() = default;
+
+bool StoreFile::load(const Taker& take) {
+    if (const Content unwritten = writer_->settleAtStart()) return take({*unwritten});
+    FileReading reading = writer_->readFile();
+    if (reading.status != FileReading::Status::read) return false;
+    const auto content = std::make_shared<const std::string>(std::move(reading.bytes));
+    if (take({*content})) {
+        writer_->adopt(content, reading.stamp);
+        return true;
+    }
+    const Content whole = writer_->recoverTruncated(*content);
+    return whole && take({*whole});
+}
+
+StoreFile::Reload StoreFile::reload(const Taker& take) {
+    FileReading reading = writer_->readFile();
+    if (reading.status != FileReading::Status::read) return Reload::failed;
+    const auto view = writer_->view();
+    const auto content = std::make_shared<const std::string>(std::move(reading.bytes));
+    if (!view.unwritten) {
+        if (!take({*content})) return Reload::failed;
+        writer_->adopt(content, reading.stamp);
+        return Reload::taken;
+    }
+    // Memory is ahead of what we wrote ourselves.
+    if ((view.onDisk && *view.onDisk == *content) || (view.writing && *view.writing == *content)) return Reload::taken;
+    if (!take({*content, true, view.onDisk.get()})) return Reload::failed;
+    writer_->adopt(content, reading.stamp);
+    return Reload::merged;
+}
+
+bool StoreFile::changedOnDisk() const {
+    const auto view = writer_->view();
+    if (view.unwritten) return false;
+    const auto stamp = files_.ports().files.stamp(path_);
+    return stamp && stamp != view.stamp;
+}
+
+std::optional<FileTime> StoreFile::modificationTime() const {
+    const auto stamp = files_.ports().files.stamp(path_);
+    return stamp ? std::optional(stamp->modified) : std::nullopt;
+}
+
+void StoreFile::writeAsync(std::string content, std::function<void()> completion) {
+    if (completion) {
+        completion = [weak = std::weak_ptr(self_), inner = std::move(completion)] {
+            if (weak.lock()) inner();
+        };
+    }
+    writer_->submit(std::move(content), std::move(completion));
+}
+
+bool StoreFile::hasUnwritten() const { return writer_->view().unwritten; }
+
+}  // namespace sunpane

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Subscription.h"
+#include "core/stores/Journal.h"
+#include "core/stores/StoreFile.h"
+
+namespace sunpane {
+
+/// The part of a StoreFile that works on the store queue: journal, check, write, retry.
+///
+/// Shared between the StoreFile on the main thread and the tasks on the queue. What both touch is under the mutex; the
+/// rest belongs to whoever runs `process`, `settle` or `recoverTruncated`, one at a time.
+class StoreFileWriter : public std::enable_shared_from_this<StoreFileWriter> {
+public:
+    using Content = StoreFile::Content;
+
+    /// Another program's content that stands where ours should go.
+    struct Conflict {
+        Content base;
+        Content theirs;
+        FileStamp stamp;
+        /// Tells whether the store has taken over another content since.
+        std::uint64_t adoptions = 0;
+    };
+    using ConflictHandler = std::function<void(const Conflict&)>;
+
+    /// Another program of ours that holds the lock is waited for this long (s) before a write goes ahead without it:
+    /// the user's change must reach the journal within a tenth of a second, even when the other program hangs.
+    static constexpr Seconds lockPatience = 0.06;
+    static constexpr Seconds lockPatienceAtStart = 1.0;
+    static constexpr Seconds lockPoll = 0.02;
+    /// Copies of unreadable files made within one second; beyond that the file is left alone.
+    static constexpr int maximumCopiesPerSecond = 9;
+
+    /// `onConflict` is called on the store queue, completions on the main thread.
+    StoreFileWriter(StoreFiles& files, std::string path, std::optional<StoreFormat> format, ConflictHandler onConflict);
+
+    // Main thread.
+
+    void submit(std::string content, std::function<void()> completion);
+    /// Notes that memory now holds what the file held when it was read as `content`.
+    void adopt(Content content, const FileStamp& stamp);
+
+    struct View {
+        bool unwritten = false;
+        Content onDisk;
+        Content writing;
+        std::optional<FileStamp> stamp;
+        std::uint64_t adoptions = 0;
+    };
+    View view() const;
+    FileReading readFile() const { return disk_.read(path_, StoreFile::maximumBytes); }
+
+    // Main thread, before anything was submitted.
+
+    /// Ends an interrupted write. Null when the file is in order afterwards; otherwise the content that it should have
+    /// and that will be written as soon as that is possible.
+    Content settleAtStart();
+    /// Given a file that does not decode: its whole content, when it is the remnant of a write of ours. Rewrites it.
+    Content recoverTruncated(const std::string& remnant);
+
+private:
+    enum class Outcome { written, failed, conflict };
+
+    void process();
+    void finish(Outcome outcome, std::uint64_t adoptions);
+    Outcome write(const Content& content, const Content& onDisk);
+    Outcome clearTheWay(const std::string& content, const Content& onDisk);
+    bool isOurs(const std::string& bytes, const Content& onDisk) const;
+    bool journal(const Content& content, const std::string* base);
+    std::optional<JournalRecord> settle();
+    bool settleRecord(JournalRecord& record);
+    bool keepAside(const FileStamp& stamp);
+    std::unique_ptr<FileLock> waitForLock(Seconds patience);
+    std::optional<JournalRecord> readJournal(const std::string& journalPath) const;
+    void retryLater();
+
+    const StoreFiles::Ports& ports_;
+    FileSystem& disk_;
+    WorkQueue& queue_;
+    const std::string stateFolder_;
+    const std::string path_;
+    const std::optional<StoreFormat> format_;
+    const ConflictHandler onConflict_;
+    const std::string lockPath_;
+    const std::string pendingPath_;
+    const std::string writtenPath_;
+
+    mutable std::mutex mutex_;
+    Content next_;
+    Content current_;
+    std::vector<std::function<void()>> nextCompletions_;
+    bool scheduled_ = false;
+    Content onDisk_;
+    std::optional<FileStamp> stamp_;
+    std::uint64_t adoptions_ = 0;
+
+    std::vector<std::function<void()>> currentCompletions_;
+    // What the pending journal holds, while it is ours.
+    Content journaled_;
+    Content lastWritten_;
+    // What a failed write of ours left in the file.
+    std::optional<std::string> remnant_;
+    std::optional<FileStamp> keptAside_;
+    Conflict found_;
+    Subscription retry_;
+};
+
+}  // namespace sunpane

@@ -1,0 +1,34 @@
+#include "core/stores/StoreFiles.h"
+
+#include <utility>
+
+#include "base/AppIdentity.h"
+
+namespace sunpane {
+
+StoreFiles::StoreFiles(Ports ports, std::string stateFolder)
+    : ports_(std::move(ports)),
+      stateFolder_(std::move(stateFolder)),
+      queue_(ports_.queues.makeQueue(std::string(appIdentifier) + ".store.io")) {
+    ports_.files.createFolders(stateFolder_);
+}
+
+StoreFiles::~StoreFiles() { queue_->drain(); }
+
+void StoreFiles::ensureDownloaded(const std::string& path, Seconds timeout) {
+    if (ports_.files.exists(path)) return;
+    const std::size_t name = path.rfind('/') + 1;
+    const std::string placeholder = path.substr(0, name) + "." + path.substr(name) + ".icloud";
+    if (!ports_.files.exists(placeholder)) return;
+    ports_.cloud.startDownloading(placeholder);
+    // Counted rather than clocked: a wall clock that jumps must neither cut the wait short nor stretch it.
+    for (Seconds waited = 0; waited < timeout && !ports_.files.exists(path); waited += downloadPoll) {
+        ports_.wait(downloadPoll);
+    }
+}
+
+std::string pathInside(const std::string& directory, const std::string& name) {
+    return directory.ends_with('/') ? directory + name : directory + "/" + name;
+}
+
+}  // namespace sunpane
