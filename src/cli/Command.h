@@ -1,0 +1,68 @@
+#pragma once
+
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "base/Clock.h"
+#include "base/WorkQueue.h"
+#include "platform/CloudFiles.h"
+#include "platform/FolderEvents.h"
+#include "platform/UserDefaults.h"
+
+namespace sunpane::cli {
+
+/// How a command ends; the shell sees the number.
+enum ExitCode : int {
+    success = 0,
+    /// The command ran and has something to tell: nothing to show, or findings.
+    negative = 1,
+    /// Wrong usage, or what was named cannot be read.
+    failure = 2,
+};
+
+/// What ends a command that runs until it is told to stop.
+class Interrupt {
+public:
+    virtual ~Interrupt() = default;
+
+    /// From now on, being asked to end no longer ends the process but `wait`. Called before any thread is started.
+    virtual void arm() = 0;
+
+    /// Blocks until someone asks the process to end or nobody reads its output any more.
+    virtual void wait() = 0;
+};
+
+/// What a command works with. Everything outlives the command.
+struct Environment {
+    const Clock& clock;
+    UserDefaults& defaults;
+    WorkQueueFactory& queues;
+    FolderEvents& folderEvents;
+    CloudFiles& cloudFiles;
+    Interrupt& interrupt;
+    std::ostream& out;
+    std::ostream& err;
+    /// Whether `out` is a terminal that understands colours and bold text.
+    bool outIsTerminal = false;
+};
+
+/// The words behind the command's name.
+using Arguments = std::span<const std::string>;
+
+struct Command {
+    std::string_view name;
+    /// What may follow the name, as in "[--json] [FILE]".
+    std::string_view usage;
+    std::string_view summary;
+    int (*run)(Arguments arguments, Environment& environment);
+};
+
+/// Runs what `arguments` (without the program's name) ask for and returns the exit code.
+int runCommandLine(Arguments arguments, Environment& environment);
+
+/// Says on `err` how `command` is used, after one line about what is wrong.
+int usageError(const Command& command, std::string_view problem, Environment& environment);
+
+}  // namespace sunpane::cli

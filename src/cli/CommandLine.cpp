@@ -1,0 +1,62 @@
+#include <algorithm>
+#include <array>
+#include <ostream>
+
+#include "cli/BriefCommand.h"
+#include "cli/CheckCommand.h"
+#include "cli/Command.h"
+#include "cli/WatchCommand.h"
+
+namespace sunpane::cli {
+namespace {
+
+// Every command of the program; a new one is a line here and a pair of files.
+constexpr std::array commands{briefCommand, checkCommand, watchCommand};
+
+void printHelp(std::ostream& out) {
+    out << "dawnlyctl: briefings from the command line\n\nUsage:\n";
+    for (const auto& command : commands) {
+        out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
+    }
+    out << "  dawnlyctl --help | --version\n"
+           "\nA FOLDER that is left out is the one that the panel shows.\n";
+}
+
+}  // namespace
+
+int usageError(const Command& command, std::string_view problem, Environment& environment) {
+    environment.err << "dawnlyctl " << command.name << ": " << problem << "\nusage: dawnlyctl " << command.name << ' '
+                    << command.usage << '\n';
+    return failure;
+}
+
+int runCommandLine(Arguments arguments, Environment& environment) {
+    if (arguments.empty()) {
+        printHelp(environment.err);
+        return failure;
+    }
+    const std::string& name = arguments.front();
+    if (name == "--help" || name == "-h" || name == "help") {
+        printHelp(environment.out);
+        return success;
+    }
+    if (name == "--version") {
+        environment.out << "dawnlyctl " << SUNPANE_VERSION << '\n';
+        return success;
+    }
+    const auto* command =
+        std::find_if(commands.begin(), commands.end(), [&](const Command& c) { return c.name == name; });
+    if (command == commands.end()) {
+        environment.err << "dawnlyctl: there is no such command; see dawnlyctl --help\n";
+        return failure;
+    }
+    const Arguments rest = arguments.subspan(1);
+    if (std::find(rest.begin(), rest.end(), "--help") != rest.end()) {
+        environment.out << "usage: dawnlyctl " << command->name << ' ' << command->usage << "\n"
+                        << command->summary << '\n';
+        return success;
+    }
+    return command->run(rest, environment);
+}
+
+}  // namespace sunpane::cli

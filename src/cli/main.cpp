@@ -1,0 +1,46 @@
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/Command.h"
+#include "cli/ProcessInterrupt.h"
+#include "linux/system/InotifyFolderEvents.h"
+#include "linux/system/JsonUserDefaults.h"
+#include "linux/system/LocalCloudFiles.h"
+#include "linux/system/SystemClock.h"
+#include "linux/system/ThreadWorkQueue.h"
+
+int main(int argc, char** argv) {
+    using namespace sunpane;
+    // A reader that goes away makes writing fail, which is noticed, instead of ending the process in between.
+    std::signal(SIGPIPE, SIG_IGN);
+
+    const SystemClock clock;
+    JsonUserDefaults defaults(JsonUserDefaults::defaultPath());
+    ThreadWorkQueueFactory queues;
+    InotifyFolderEvents folderEvents;
+    LocalCloudFiles cloudFiles;
+    cli::ProcessInterrupt interrupt;
+    const char* terminal = std::getenv("TERM");
+    const bool outIsTerminal = isatty(STDOUT_FILENO) == 1 && terminal != nullptr &&
+                               std::string_view(terminal) != "dumb" && std::getenv("NO_COLOR") == nullptr;
+    cli::Environment environment{.clock = clock,
+                                 .defaults = defaults,
+                                 .queues = queues,
+                                 .folderEvents = folderEvents,
+                                 .cloudFiles = cloudFiles,
+                                 .interrupt = interrupt,
+                                 .out = std::cout,
+                                 .err = std::cerr,
+                                 .outIsTerminal = outIsTerminal};
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const int code = cli::runCommandLine(arguments, environment);
+    std::cout.flush();
+    // Output that did not arrive is a failure even when the command itself went well.
+    return std::cout || code != cli::success ? code : cli::failure;
+}
