@@ -1,0 +1,132 @@
+#include "app/NotchViewModel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+#include "base/Dates.h"
+
+namespace sunpane {
+
+NotchViewModel::NotchViewModel(const Collaborators& collaborators)
+    : with_(collaborators), self_(std::make_shared<NotchViewModel*>(this)) {}
+
+NotchViewModel::~NotchViewModel() {
+    if (provider_) provider_->stop();
+}
+
+void NotchViewModel::postToMain(std::function<void(NotchViewModel&)> task) {
+    with_.runLoop.post([weak = std::weak_ptr(self_), task = std::move(task)] {
+        if (const auto self = weak.lock()) task(**self);
+    });
+}
+
+void NotchViewModel::start() {
+    observers_.push_back(with_.notifications.observe(notification::collapseNotch, [this](const auto&) {
+        postToMain([](NotchViewModel& model) {
+            model.suppressExpandUntil_ = model.with_.clock.now() + suppressAfterCollapse;
+            model.setExpanded(false);
+        });
+    }));
+    observers_.push_back(with_.notifications.observe(notification::revealTodo, [this](const auto&) {
+        postToMain([](NotchViewModel& model) {
+            model.keepOpenUntil_ = model.with_.clock.now() + keepOpenAfterReveal;
+            model.setExpanded(true);
+        });
+    }));
+    startProvider();
+    observers_.push_back(with_.notifications.observe(notification::briefingsFolderChanged, [this](const auto&) {
+        postToMain([](NotchViewModel& model) { model.startProvider(); });
+    }));
+}
+
+void NotchViewModel::startProvider() {
+    const auto cleanUp = [this] {
+        FolderBriefingProvider::cleanupOldBriefings(FolderBriefingProvider::currentDirectory(with_.defaults), keptDays,
+                                                    with_.clock);
+    };
+    cleanUp();
+    cleanupTimer_ = with_.runLoop.every(cleanupInterval, cleanUp);
+
+    if (provider_) provider_->stop();
+    provider_ = std::make_unique<FolderBriefingProvider>(
+        FolderBriefingProvider::currentDirectory(with_.defaults), with_.provider);
+
+    // So that "today" follows the clock without a new file.
+    rolloverTimer_ = with_.runLoop.every(rolloverInterval, [this] { reapply(); });
+
+    // The handler runs on the provider's queue: all it touches is the main loop and a weak reference.
+    provider_->start([&runLoop = with_.runLoop, weak = std::weak_ptr(self_)](std::vector<Briefing> items) {
+        runLoop.post([weak, items = std::move(items)]() mutable {
+            const auto self = weak.lock();
+            if (!self) return;
+            (*self)->lastProviderItems_ = std::move(items);
+            (*self)->apply((*self)->lastProviderItems_);
+        });
+    });
+}
+
+void NotchViewModel::reapply() {
+    postToMain([](NotchViewModel& model) { model.apply(model.lastProviderItems_); });
+}
+
+void NotchViewModel::apply(std::vector<Briefing> items) {
+    std::stable_sort(items.begin(), items.end(), [](const Briefing& a, const Briefing& b) { return a.date > b.date; });
+    updateUnread(items.empty() ? nullptr : &items.front());
+    announceChange();
+    briefings_ = std::move(items);
+    currentIndex_ = 0;
+}
+
+void NotchViewModel::updateUnread(const Briefing* newest) {
+    std::optional<std::size_t> hash;
+    if (newest != nullptr) {
+        const std::hash<std::string> hashOf;
+        hash = hashOf(newest->id) ^ hashOf(newest->markdown);
+    }
+    if (hash == lastNewestHash_) return;
+    const bool firstApplication = !lastNewestHash_;
+    lastNewestHash_ = hash;
+    if (hash && firstApplication) return;
+    announceChange();
+    hasUnread_ = hash.has_value();
+}
+
+void NotchViewModel::setExpanded(bool expanded) {
+    announceChange();
+    expanded_ = expanded;
+    if (expanded) hasUnread_ = false;
+}
+
+const Briefing* NotchViewModel::current() const {
+    return currentIndex_ < briefings_.size() ? &briefings_[currentIndex_] : nullptr;
+}
+
+void NotchViewModel::older() {
+    if (!canGoOlder()) return;
+    announceChange();
+    ++currentIndex_;
+}
+
+void NotchViewModel::newer() {
+    if (!canGoNewer()) return;
+    announceChange();
+    --currentIndex_;
+}
+
+void NotchViewModel::setReminderUIOpen(int count) {
+    announceChange();
+    reminderUIOpen_ = std::max(count, 0);
+}
+
+void NotchViewModel::reportBriefContentHeight(double height) {
+    const double measured = std::max(height, 1.0);
+    if (std::abs(briefContentHeight_ - measured) <= 0.5) return;
+    postToMain([measured](NotchViewModel& model) {
+        model.announceChange();
+        model.briefContentHeight_ = measured;
+    });
+}
+
+}  // namespace sunpane

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/LocalNotifications.h"
+#include "base/Observable.h"
+#include "base/RunLoop.h"
+#include "base/WorkQueue.h"
+#include "core/briefing/Briefing.h"
+#include "core/briefing/FolderBriefingProvider.h"
+#include "platform/UserDefaults.h"
+
+namespace sunpane {
+
+/// The names of the notifications that fold and unfold the panel and move its folder.
+namespace notification {
+inline constexpr const char* briefingsFolderChanged = "briefingsFolderChanged";
+inline constexpr const char* collapseNotch = "collapseNotch";
+inline constexpr const char* revealTodo = "revealTodo";
+}  // namespace notification
+
+/// The program's one central state: which briefings are listed and which is on screen, whether the newest is unread,
+/// and whether the panel is folded open.
+///
+/// One instance, created by the start-up code; it lives as long as the process. Main thread only.
+class NotchViewModel : public Observable {
+public:
+    static constexpr Seconds cleanupInterval = 43200;
+    static constexpr Seconds rolloverInterval = 1800;
+    static constexpr int keptDays = 30;
+    /// After a collapse that did not come from the pointer, hovering does not unfold for this long.
+    static constexpr Seconds suppressAfterCollapse = 1.2;
+    static constexpr Seconds keepOpenAfterReveal = 5;
+
+    struct Collaborators {
+        Clock& clock;
+        RunLoop& runLoop;
+        LocalNotifications& notifications;
+        const UserDefaults& defaults;
+        FolderBriefingProvider::Ports provider;
+    };
+
+    explicit NotchViewModel(const Collaborators& collaborators);
+    ~NotchViewModel();
+
+    /// Wires everything and starts watching the briefings folder. Called once.
+    void start();
+
+    /// Folds the panel open or shut. Opening it marks everything as read.
+    void setExpanded(bool expanded);
+
+    /// The briefings shown, newest first.
+    const std::vector<Briefing>& briefings() const { return briefings_; }
+    std::size_t currentIndex() const { return currentIndex_; }
+    /// The briefing on screen; null without one.
+    const Briefing* current() const;
+
+    bool canGoOlder() const { return currentIndex_ + 1 < briefings_.size(); }
+    bool canGoNewer() const { return currentIndex_ > 0; }
+    void older();
+    void newer();
+
+    bool expanded() const { return expanded_; }
+    /// Whether the newest briefing changed since the panel was last opened.
+    bool hasUnread() const { return hasUnread_; }
+    /// How many menus are open that must keep the panel from folding.
+    int reminderUIOpen() const { return reminderUIOpen_; }
+    void setReminderUIOpen(int count);
+
+    /// The panel must not be folded before this time.
+    Instant keepOpenUntil() const { return keepOpenUntil_; }
+    void setKeepOpenUntil(Instant instant) { keepOpenUntil_ = instant; }
+    /// Hovering must not unfold the panel before this time.
+    Instant suppressExpandUntil() const { return suppressExpandUntil_; }
+
+    /// The measured height (points) of the briefing column's content; 0 until it was measured.
+    double briefContentHeight() const { return briefContentHeight_; }
+    /// Takes a new measurement. Anything below 1 counts as 1, and a change of half a point or less is ignored, which
+    /// keeps the panel from oscillating.
+    void reportBriefContentHeight(double height);
+
+private:
+    void startProvider();
+    void apply(std::vector<Briefing> items);
+    void reapply();
+    void updateUnread(const Briefing* newest);
+    // Runs `task` on the main loop unless the view model is gone by then.
+    void postToMain(std::function<void(NotchViewModel&)> task);
+
+    Collaborators with_;
+    std::vector<Briefing> briefings_;
+    std::size_t currentIndex_ = 0;
+    bool expanded_ = false;
+    bool hasUnread_ = false;
+    int reminderUIOpen_ = 0;
+    Instant keepOpenUntil_ = Instant::distantPast();
+    Instant suppressExpandUntil_ = Instant::distantPast();
+    double briefContentHeight_ = 0;
+
+    std::unique_ptr<BriefingProvider> provider_;
+    std::vector<Briefing> lastProviderItems_;
+    std::optional<std::size_t> lastNewestHash_;
+    Subscription cleanupTimer_;
+    Subscription rolloverTimer_;
+    std::vector<Subscription> observers_;
+    // Shared with whatever may call back from another thread or later.
+    std::shared_ptr<NotchViewModel*> self_;
+};
+
+}  // namespace sunpane

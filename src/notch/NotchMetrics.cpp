@@ -1,0 +1,43 @@
+#include "notch/NotchMetrics.h"
+
+#include <algorithm>
+
+namespace sunpane {
+namespace {
+
+constexpr Size virtualNotch{200, 32};
+constexpr double narrowestNotch = 180;
+constexpr double panelWidth = 780;
+constexpr double panelMargin = 24;  // below the tallest card
+constexpr double tallestCard = 920;
+constexpr double tallestCardShare = 0.85;  // of the screen's height
+
+double notchWidth(const Screen& screen) {
+    if (!screen.auxiliaryTopLeft || !screen.auxiliaryTopRight) return virtualNotch.width;
+    return std::max(screen.auxiliaryTopRight->minX() - screen.auxiliaryTopLeft->maxX(), narrowestNotch);
+}
+
+}  // namespace
+
+NotchMetrics::NotchMetrics(const Screen& screen)
+    : screenFrame(screen.frame),
+      notchSize{notchWidth(screen), screen.safeAreaTop > 0 ? screen.safeAreaTop : virtualNotch.height},
+      panelSize{},
+      cardWidth(720),
+      maxCardHeight(std::min(tallestCardShare * screen.frame.height, tallestCard)) {
+    panelSize = {panelWidth, notchSize.height + maxCardHeight + panelMargin};
+}
+
+Rect NotchMetrics::panelFrame() const {
+    return {screenFrame.midX() - panelSize.width / 2, screenFrame.maxY() - panelSize.height, panelSize.width,
+            panelSize.height};
+}
+
+Rect NotchMetrics::hotZone() const {
+    constexpr double reachAbove = 90;
+    const double width = std::max(notchSize.width - 60, 60.0);
+    const double height = std::max(notchSize.height - 6, 10.0);
+    return {screenFrame.midX() - width / 2, screenFrame.maxY() - height, width, height + reachAbove};
+}
+
+}  // namespace sunpane
