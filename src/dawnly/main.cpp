@@ -1,0 +1,80 @@
+#include <QCommandLineParser>
+#include <QGuiApplication>
+#include <QQuickWindow>
+
+#include "app/NotchViewModel.h"
+#include "base/AppIdentity.h"
+#include "dawnly/PanelAssembly.h"
+#include "dawnly/TerminationSignals.h"
+#include "linux/desktop/DBusDistributedNotifications.h"
+#include "linux/desktop/QtRunLoop.h"
+#include "linux/desktop/QtScreens.h"
+#include "linux/desktop/RendererChoice.h"
+#include "linux/desktop/X11EventMonitors.h"
+#include "linux/desktop/X11Events.h"
+#include "linux/system/InotifyFolderEvents.h"
+#include "linux/system/JsonUserDefaults.h"
+#include "linux/system/LocalCloudFiles.h"
+#include "linux/system/ReportFile.h"
+#include "linux/system/SystemClock.h"
+#include "linux/system/ThreadWorkQueue.h"
+#include "notch/NotchController.h"
+#include "views/ThemeStore.h"
+
+namespace {
+
+constexpr const char* reportPath = "/tmp/dawnly-state.json";
+
+/// The parts of the running program, in the order in which they need each other.
+class Program {
+public:
+    Program() {
+        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand", [this] {
+            notifications_.post(sunpane::notification::revealTodo);
+        });
+        controller_.show();
+    }
+
+private:
+    sunpane::SystemClock clock_;
+    sunpane::QtRunLoop runLoop_;
+    sunpane::ThreadWorkQueueFactory queues_;
+    sunpane::LocalNotifications notifications_;
+    sunpane::JsonUserDefaults defaults_{sunpane::JsonUserDefaults::defaultPath()};
+    sunpane::InotifyFolderEvents folderEvents_;
+    sunpane::LocalCloudFiles cloudFiles_;
+    sunpane::X11Events x11Events_;
+    sunpane::QtScreens screens_{defaults_};
+    sunpane::X11EventMonitors monitors_{x11Events_};
+    sunpane::DBusDistributedNotifications distributed_;
+    sunpane::ThemeStore theme_{defaults_};
+    sunpane::NotchViewModel viewModel_{
+        {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}}};
+    sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_}, x11Events_};
+    sunpane::NotchController controller_{
+        {clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
+         [this] { return theme_.themeName(); }, [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
+    sunpane::Subscription expandRequests_;
+};
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    sunpane::chooseRenderer();
+    QCoreApplication::setApplicationName(QStringLiteral("dawnly"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(SUNPANE_VERSION));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Dawnly"));
+    QGuiApplication::setDesktopFileName(QString::fromUtf8(sunpane::appIdentifier.data()));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    const QGuiApplication application(argc, argv);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Shows the day's briefing in a panel under the notch."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+
+    sunpane::quitOnTerminationSignals();
+    const Program program;
+    return QGuiApplication::exec();
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+/// How high the panel folds open. All lengths in points.
+namespace sunpane::panel_layout {
+
+struct Content {
+    double notchHeight = 0;
+    double maxCardHeight = 0;
+    std::size_t todos = 0;
+    /// Whether there is a briefing on screen that has sections.
+    bool hasSections = false;
+    /// The measured height of the briefing column's content; 0 until it was measured.
+    double briefContentHeight = 0;
+    bool hasNextMeeting = false;
+    bool hasTrack = false;
+};
+
+double expandedHeight(const Content& content);
+
+}  // namespace sunpane::panel_layout

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <optional>
+
+#include "app/NotchViewModel.h"
+#include "views/BriefColumnModel.h"
+#include "views/SpringCurve.h"
+
+namespace sunpane {
+
+/// Carries the view model to the panel's QML and the panel's gestures back. Holds no rules. One for each panel
+/// window; main thread only.
+class PanelPresenter : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool expanded READ expanded NOTIFY changed)
+    Q_PROPERTY(bool hasUnread READ hasUnread NOTIFY changed)
+    Q_PROPERTY(bool hasBriefing READ hasBriefing NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString subtitle READ subtitle NOTIFY changed)
+    Q_PROPERTY(QString icon READ icon NOTIFY changed)
+    Q_PROPERTY(bool canGoOlder READ canGoOlder NOTIFY changed)
+    Q_PROPERTY(bool canGoNewer READ canGoNewer NOTIFY changed)
+    Q_PROPERTY(qreal expandedHeight READ expandedHeight NOTIFY changed)
+    /// The id of the one section that is open; -1 when none is.
+    Q_PROPERTY(int openSection READ openSection NOTIFY openSectionChanged)
+    Q_PROPERTY(sunpane::BriefColumnModel* column READ column CONSTANT)
+    Q_PROPERTY(qreal notchWidth READ notchWidth CONSTANT)
+    Q_PROPERTY(qreal notchHeight READ notchHeight CONSTANT)
+    Q_PROPERTY(qreal cardWidth READ cardWidth CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve unfoldSpring READ unfoldSpring CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve foldSpring READ foldSpring CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve accordionSpring READ accordionSpring CONSTANT)
+
+public:
+    struct Collaborators {
+        NotchViewModel& viewModel;
+        RunLoop& runLoop;
+        Clock& clock;
+        LocalNotifications& notifications;
+    };
+
+    /// The panel's fixed measures, in points.
+    struct Measures {
+        Size notch;
+        double cardWidth;
+        double maxCardHeight;
+    };
+
+    PanelPresenter(const Collaborators& collaborators, const Measures& measures);
+
+    bool expanded() const { return with_.viewModel.expanded(); }
+    bool hasUnread() const { return with_.viewModel.hasUnread(); }
+    bool hasBriefing() const { return with_.viewModel.current() != nullptr; }
+    const QString& title() const { return title_; }
+    const QString& subtitle() const { return subtitle_; }
+    const QString& icon() const { return icon_; }
+    bool canGoOlder() const { return with_.viewModel.canGoOlder(); }
+    bool canGoNewer() const { return with_.viewModel.canGoNewer(); }
+    qreal expandedHeight() const;
+    int openSection() const { return openSection_.value_or(-1); }
+    BriefColumnModel* column() { return &column_; }
+    qreal notchWidth() const { return measures_.notch.width; }
+    qreal notchHeight() const { return measures_.notch.height; }
+    qreal cardWidth() const { return measures_.cardWidth; }
+    SpringCurve unfoldSpring() const { return unfoldSpring_; }
+    SpringCurve foldSpring() const { return foldSpring_; }
+    SpringCurve accordionSpring() const { return accordionSpring_; }
+
+    Q_INVOKABLE void older() { with_.viewModel.older(); }
+    Q_INVOKABLE void newer() { with_.viewModel.newer(); }
+    /// Opens the section with that id and folds the one that was open, or folds it when it was the open one.
+    Q_INVOKABLE void toggleSection(int id);
+    Q_INVOKABLE void reportContentHeight(qreal height) { with_.viewModel.reportBriefContentHeight(height); }
+    /// Folds the panel at the user's wish.
+    Q_INVOKABLE void collapse() { with_.notifications.post(notification::collapseNotch); }
+
+signals:
+    void changed();
+    void openSectionChanged();
+
+private:
+    void refresh();
+    void showBriefing(const Briefing* briefing);
+
+    Collaborators with_;
+    Measures measures_;
+    BriefColumnModel column_;
+    std::optional<int> openSection_ = 0;
+    // What `column_` was made from.
+    std::optional<Briefing> shown_;
+    QString title_;
+    QString subtitle_;
+    QString icon_;
+    SpringCurve unfoldSpring_{Spring{0.38, 0.82}};
+    SpringCurve foldSpring_{Spring{0.3, 0.95}};
+    SpringCurve accordionSpring_{Spring{0.35, 0.78}};
+    Subscription modelChanges_;
+    bool refreshPosted_ = false;
+    std::shared_ptr<PanelPresenter*> self_;
+};
+
+}  // namespace sunpane

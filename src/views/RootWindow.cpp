@@ -1,0 +1,47 @@
+#include "views/RootWindow.h"
+
+#include <QQmlComponent>
+#include <QQuickItem>
+#include <QSurfaceFormat>
+#include <cstdlib>
+
+#include "views/NotchOutline.h"
+#include "views/SymbolIcon.h"
+
+// Made by the build from the module's QML files.
+extern void qml_register_types_Sunpane();
+
+namespace sunpane {
+
+void RootWindow::registerTypes() {
+    qml_register_types_Sunpane();
+    qmlRegisterType<NotchOutline>("Sunpane", 1, 0, "NotchOutline");
+    qmlRegisterType<SymbolIcon>("Sunpane", 1, 0, "SymbolIcon");
+}
+
+RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter)
+    : presenter_(std::move(presenter)) {
+    QSurfaceFormat clear = format();
+    clear.setAlphaBufferSize(8);
+    setFormat(clear);
+    setColor(Qt::transparent);
+    setTitle(QStringLiteral("Dawnly"));
+
+    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/Sunpane/NotchRootView.qml")));
+    // The views are part of the program: one that does not load is a build gone wrong.
+    if (!component.isReady()) qFatal("%s", qPrintable(component.errorString()));
+    const QVariantMap properties{{QStringLiteral("presenter"), QVariant::fromValue<QObject*>(presenter_.get())}};
+    rootView_.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties)));
+    if (!rootView_) qFatal("%s", qPrintable(component.errorString()));
+    rootView_->setParentItem(contentItem());
+    const auto fit = [this] { rootView_->setSize(contentItem()->size()); };
+    connect(contentItem(), &QQuickItem::widthChanged, this, fit);
+    connect(contentItem(), &QQuickItem::heightChanged, this, fit);
+    if (const auto* outline = rootView_->findChild<NotchOutline*>()) {
+        connect(outline, &NotchOutline::outlineChanged, this, &RootWindow::outlineChanged);
+    }
+}
+
+RootWindow::~RootWindow() = default;
+
+}  // namespace sunpane

@@ -1,0 +1,94 @@
+import QtQuick
+import Sunpane
+
+// Everything inside the open panel: the header with the way from day to day, and the column.
+Item {
+    id: card
+
+    required property var presenter
+
+    Item {
+        id: header
+        x: Style.margin
+        y: card.presenter.notchHeight
+        width: parent.width - 2 * Style.margin
+        height: 44
+
+        SymbolIcon {
+            id: icon
+            anchors.verticalCenter: parent.verticalCenter
+            width: 20
+            height: 20
+            symbol: card.presenter.icon
+            color: Style.priority
+        }
+        Column {
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.left: icon.right
+            anchors.leftMargin: 10
+            anchors.right: buttons.left
+            anchors.rightMargin: Style.inset
+            spacing: 2
+
+            Text {
+                width: parent.width
+                text: card.presenter.title
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+                maximumLineCount: 1
+                color: Style.text
+                font.family: Style.family
+                font.pixelSize: Style.titleSize
+                font.weight: Font.DemiBold
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
+            }
+            Text {
+                width: parent.width
+                visible: text.length > 0
+                text: card.presenter.subtitle
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+                color: Style.secondaryText
+                font.family: Style.family
+                font.pixelSize: Style.captionSize
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
+        }
+        Row {
+            id: buttons
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.right: parent.right
+            spacing: 6
+
+            IconButton {
+                symbol: "chevron.left"
+                label: qsTr("Older briefing")
+                enabled: card.presenter.canGoOlder
+                onClicked: card.presenter.older()
+            }
+            IconButton {
+                symbol: "chevron.right"
+                label: qsTr("Newer briefing")
+                enabled: card.presenter.canGoNewer
+                onClicked: card.presenter.newer()
+            }
+        }
+    }
+
+    BriefColumn {
+        id: column
+        presenter: card.presenter
+        x: Style.margin
+        anchors.top: header.bottom
+        anchors.topMargin: 14
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Style.margin + 8
+        width: parent.width - 2 * Style.margin
+    }
+
+    function reveal(item) {
+        column.reveal(item);
+    }
+}

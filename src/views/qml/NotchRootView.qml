@@ -1,0 +1,115 @@
+import QtQuick
+import Sunpane
+
+// The panel: the black notch when folded, a card that springs open under it when unfolded.
+FocusScope {
+    id: root
+
+    required property var presenter
+
+    // From 0, folded, to 1, open; the spring takes it a little past either end.
+    property real unfolding: 0
+    readonly property bool open: presenter.expanded
+    readonly property bool folded: !open && unfolding === 0
+    property real openHeight: presenter.expandedHeight
+    readonly property real cardWidth: between(presenter.notchWidth, presenter.cardWidth)
+    readonly property real cardHeight: between(presenter.notchHeight, openHeight)
+
+    focus: true
+
+    function between(from, to) {
+        return from + (to - from) * unfolding;
+    }
+
+    onOpenChanged: {
+        motion.stop();
+        const spring = open ? presenter.unfoldSpring : presenter.foldSpring;
+        motion.to = open ? 1 : 0;
+        motion.duration = spring.duration;
+        motion.easing = spring.curve;
+        content.active = true;
+        motion.start();
+    }
+
+    NumberAnimation {
+        id: motion
+        target: root
+        property: "unfolding"
+    }
+    Behavior on openHeight {
+        enabled: root.open && root.unfolding > 0
+        NumberAnimation {
+            duration: root.presenter.accordionSpring.duration
+            easing: root.presenter.accordionSpring.curve
+        }
+    }
+
+    NotchOutline {
+        id: outline
+        width: parent.width
+        // Drawn into an image of its own; a folded notch needs only a small one.
+        height: root.folded ? root.presenter.notchHeight : parent.height
+        cardWidth: root.cardWidth
+        cardHeight: root.cardHeight
+        bottomRadius: root.between(8, 22)
+        topRadius: root.between(6, 10)
+        topColor: Style.notch
+        bottomColor: root.folded ? Style.notch : Style.panelBottom
+    }
+
+    Item {
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: root.cardWidth
+        height: root.cardHeight
+        clip: true
+        visible: !root.folded
+
+        Loader {
+            id: content
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: root.presenter.cardWidth
+            height: root.openHeight
+            active: false
+            asynchronous: false
+            opacity: Math.max(0, Math.min(1, (root.unfolding - 0.25) / 0.6))
+            sourceComponent: BriefingCard {
+                presenter: root.presenter
+            }
+        }
+    }
+
+    UnreadIndicator {
+        visible: root.presenter.hasUnread && root.folded
+        x: (root.width + root.presenter.notchWidth) / 2 - width - 14
+        y: (root.presenter.notchHeight - height) / 2
+    }
+
+    // The first unfolding must not wait for the content to be made.
+    Timer {
+        interval: 400
+        running: true
+        onTriggered: content.active = true
+    }
+
+    function moveFocus(forward) {
+        const from = Window.activeFocusItem ?? root;
+        const next = from.nextItemInFocusChain(forward);
+        if (!next)
+            return;
+        next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+    }
+    Keys.onEscapePressed: presenter.collapse()
+    Keys.onDownPressed: moveFocus(true)
+    Keys.onUpPressed: moveFocus(false)
+    Keys.onLeftPressed: presenter.older()
+    Keys.onRightPressed: presenter.newer()
+
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged() {
+            const item = root.Window.activeFocusItem;
+            if (item && item.inColumn && content.item)
+                content.item.reveal(item);
+        }
+    }
+}

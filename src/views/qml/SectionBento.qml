@@ -1,0 +1,182 @@
+import QtQuick
+import Sunpane
+
+// A section of the briefing: a header, and when it is open, its introduction and its cards. A recap has no header of
+// its own and stays open.
+Item {
+    id: section
+
+    required property string title
+    required property string spokenTitle
+    required property string intro
+    required property var items
+    required property var spokenItems
+    required property int itemCount
+    required property bool recap
+    required property bool isOpen
+    required property var spring
+    property bool animated: false
+    signal toggled
+
+    readonly property bool unfolded: recap || isOpen
+    readonly property real headerHeight: recap ? 0 : 38
+    // What the section takes once its motion has ended.
+    readonly property real targetHeight: headerHeight + (unfolded && body.item ? body.item.implicitHeight : 0)
+    property real shownHeight: targetHeight
+
+    height: shownHeight
+    implicitHeight: targetHeight
+    clip: true
+
+    Behavior on shownHeight {
+        enabled: section.animated
+        NumberAnimation {
+            duration: section.spring.duration
+            easing: section.spring.curve
+        }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        visible: !section.recap
+        radius: Style.sectionRadius
+        color: Style.section
+        border.color: Style.hairline
+    }
+
+    Item {
+        id: header
+        readonly property bool inColumn: true
+        width: parent.width
+        height: section.headerHeight
+        visible: !section.recap
+        activeFocusOnTab: visible
+
+        Accessible.role: Accessible.Button
+        Accessible.name: qsTr("%1, %n card(s)", "", section.itemCount).arg(section.spokenTitle)
+        Accessible.description: section.isOpen ? qsTr("expanded") : qsTr("collapsed")
+        Accessible.focusable: true
+        Accessible.onPressAction: section.toggled()
+        Keys.onReturnPressed: section.toggled()
+        Keys.onEnterPressed: section.toggled()
+        Keys.onSpacePressed: section.toggled()
+
+        Rectangle {
+            anchors.fill: parent
+            radius: Style.sectionRadius
+            color: area.pressed ? Style.pressed : Style.hover
+            visible: area.containsMouse
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.left: parent.left
+            anchors.leftMargin: Style.inset
+            anchors.right: count.left
+            anchors.rightMargin: Style.gap
+            text: section.title
+            textFormat: Text.StyledText
+            elide: Text.ElideRight
+            maximumLineCount: 1
+            color: Style.text
+            font.family: Style.family
+            font.pixelSize: Style.bodySize
+            font.weight: Font.DemiBold
+        }
+        Text {
+            id: count
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.right: chevron.left
+            anchors.rightMargin: Style.gap
+            text: section.itemCount
+            visible: !section.isOpen && section.itemCount > 0
+            color: Style.secondaryText
+            font.family: Style.family
+            font.pixelSize: Style.bodySize
+        }
+        SymbolIcon {
+            id: chevron
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.right: parent.right
+            anchors.rightMargin: Style.inset
+            width: 11
+            height: 11
+            symbol: "chevron.down"
+            color: Style.secondaryText
+            rotation: section.isOpen ? 0 : -90
+            Behavior on rotation {
+                enabled: section.animated
+                NumberAnimation {
+                    duration: section.spring.duration
+                    easing: section.spring.curve
+                }
+            }
+        }
+        FocusRing {
+            control: header
+            radius: Style.sectionRadius
+        }
+        MouseArea {
+            id: area
+            anchors.fill: parent
+            hoverEnabled: true
+            onClicked: section.toggled()
+        }
+    }
+
+    Loader {
+        id: body
+        y: section.headerHeight
+        width: parent.width
+        // Stays until the section has folded over it.
+        active: section.unfolded || section.shownHeight > section.headerHeight + 0.5
+
+        sourceComponent: Item {
+            readonly property real side: section.recap ? 0 : Style.inset
+            implicitHeight: cards.y + cards.height + (section.recap ? 0 : Style.inset)
+            opacity: section.unfolded ? 1 : 0
+            Behavior on opacity {
+                enabled: section.animated
+                NumberAnimation { duration: 140 }
+            }
+
+            Text {
+                id: introText
+                x: parent.side
+                width: parent.width - 2 * parent.side
+                visible: text.length > 0
+                height: visible ? implicitHeight : 0
+                text: section.intro
+                textFormat: Text.StyledText
+                wrapMode: Text.Wrap
+                color: Style.secondaryText
+                font.family: Style.family
+                font.pixelSize: Style.bodySize
+                lineHeight: 1.15
+            }
+            Column {
+                id: cards
+                x: parent.side
+                y: introText.visible ? introText.height + Style.gap : 0
+                width: parent.width - 2 * parent.side
+                spacing: 6
+                Repeater {
+                    model: section.items
+                    ItemBento {
+                        required property int index
+                        required property string modelData
+                        width: cards.width
+                        markup: modelData
+                        spoken: section.spokenItems[index] ?? ""
+                    }
+                }
+                Text {
+                    visible: section.itemCount > section.items.length
+                    text: qsTr("%n more in the file", "", section.itemCount - section.items.length)
+                    color: Style.tertiaryText
+                    font.family: Style.family
+                    font.pixelSize: Style.captionSize
+                }
+            }
+        }
+    }
+}

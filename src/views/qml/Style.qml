@@ -1,0 +1,33 @@
+pragma Singleton
+import QtQuick
+
+// The panel's look in one place: every colour, size and font that more than one view uses.
+QtObject {
+    readonly property string family: "Inter"
+    readonly property int titleSize: 16
+    readonly property int bodySize: 13
+    readonly property int captionSize: 11
+
+    readonly property color text: Qt.rgba(1, 1, 1, 0.92)
+    readonly property color secondaryText: Qt.rgba(1, 1, 1, 0.55)
+    readonly property color tertiaryText: Qt.rgba(1, 1, 1, 0.40)
+
+    readonly property color notch: "#000000"
+    readonly property color panelBottom: "#1f1b1d"
+    readonly property color section: Qt.rgba(1, 1, 1, 0.06)
+    readonly property color hairline: Qt.rgba(1, 1, 1, 0.07)
+    readonly property color card: Qt.rgba(1, 1, 1, 0.04)
+    readonly property color hover: Qt.rgba(1, 1, 1, 0.04)
+    readonly property color pressed: Qt.rgba(1, 1, 1, 0.08)
+
+    readonly property color priority: "#ff9f0a"
+    readonly property color clear: "#30d158"
+    readonly property color remove: "#ff453a"
+    readonly property color focus: "#0a84ff"
+
+    readonly property int sectionRadius: 14
+    readonly property int cardRadius: 10
+    readonly property int gap: 8
+    readonly property int inset: 12
+    readonly property int margin: 20
+}

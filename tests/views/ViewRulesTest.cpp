@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include "views/BriefSelection.h"
+#include "views/InlineMarkdown.h"
+#include "views/PanelLayout.h"
+
+namespace sunpane {
+namespace {
+
+TEST(PanelLayout, TheHigherColumnDecidesWithinItsLimits) {
+    using panel_layout::Content;
+    struct Case {
+        Content content;
+        double height;
+    };
+    const Case cases[] = {
+        {{32, 850, 0, false, 0, false, false}, 250},      // the empty todo column: 32 + 44 + 144 + 30
+        {{10, 850, 0, false, 0, false, false}, 240},      // never lower
+        {{32, 850, 0, true, 0, false, false}, 386},       // not measured yet
+        {{32, 850, 0, true, 300, false, false}, 424},
+        {{32, 850, 0, true, 300, true, true}, 520},
+        {{32, 850, 0, true, 2000, false, false}, 850},    // never higher
+        {{32, 850, 5, true, 100, false, false}, 362},
+        {{32, 850, 20, true, 100, false, false}, 558},    // counted as 12 todos
+    };
+    for (const auto& c : cases) EXPECT_DOUBLE_EQ(panel_layout::expandedHeight(c.content), c.height);
+}
+
+Briefing briefing(std::string markdown) { return {"2026-11-22.md", {}, "Title", std::move(markdown)}; }
+
+TEST(BriefSelection, ShowsTheRecapFirstAndTheRestInOrder) {
+    struct Case {
+        const char* title;
+        const char* recapTitle;  // null: no recap
+    };
+    const Case cases[] = {{"🌙 Evening", "Evening"},    {"Daily ReCap", "Daily ReCap"}, {"📋 EOD notes", "EOD notes"},
+                          {"Schedule", nullptr},        {"🌒 Evening", nullptr},        {"🌙 — 42", ""}};
+    for (const auto& c : cases) {
+        const auto sections = briefing("### A\n- one\n### " + std::string(c.title) + "\n- two\n### B\n- three").sections();
+        const auto* recap = brief_selection::recapSection(sections);
+        ASSERT_EQ(recap != nullptr, c.recapTitle != nullptr) << c.title;
+        const auto visible = brief_selection::visibleSections(sections);
+        EXPECT_EQ(visible.size(), recap != nullptr ? 2U : 3U);
+        EXPECT_EQ(visible.back().title, "B");
+        if (recap != nullptr) {
+            EXPECT_EQ(recap->id, 1);
+            EXPECT_EQ(brief_selection::recapTitle(*recap), c.recapTitle);
+        }
+    }
+}
+
+TEST(BriefSelection, ShowsOnlyTheBeginningOfAHugeBriefing) {
+    std::string lines;
+    while (lines.size() < 3 * brief_selection::maximumShownBytes) lines += "- card é\n";
+    const auto part = brief_selection::shownPart(briefing(lines));
+    EXPECT_LE(part.markdown.size(), brief_selection::maximumShownBytes);
+    EXPECT_TRUE(part.markdown.ends_with("é"));
+    std::string oneLine = "x";
+    while (oneLine.size() < 2 * brief_selection::maximumShownBytes) oneLine += "é";
+    const auto cut = brief_selection::shownPart(briefing(oneLine));
+    EXPECT_LE(cut.markdown.size(), brief_selection::maximumShownBytes);
+    EXPECT_TRUE(cut.markdown.ends_with("é"));
+    EXPECT_EQ(brief_selection::shownPart(briefing("- short")), briefing("- short"));
+}
+
+TEST(InlineMarkdown, StylesWhatHasAPartnerAndEscapesTheRest) {
+    struct Case {
+        const char* markdown;
+        const char* styled;
+        const char* plain;
+    };
+    const Case cases[] = {
+        {"10:00 **Standup** at", "10:00 <b>Standup</b> at", "10:00 Standup at"},
+        {"**Bold *and* italic**", "<b>Bold <i>and</i> italic</b>", "Bold and italic"},
+        {"`a < b && **c**`", "<code>a &lt; b &amp;&amp; **c**</code>", "a < b && **c**"},
+        {"2 * 3 * 4 and **open", "2 * 3 * 4 and **open", "2 * 3 * 4 and **open"},
+        {"snake_case_name _yes_", "snake_case_name <i>yes</i>", "snake_case_name yes"},
+        {"[Join](https://x.y/z) now", "Join now", "Join now"},
+        {"[a](b", "[a](b", "[a](b"},
+        {"<img src='x'>", "&lt;img src='x'&gt;", "<img src='x'>"},
+        {"one\ntwo", "one<br>two", "one\ntwo"},
+        {"****", "****", "****"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(rendered(c.markdown), c.styled);
+        EXPECT_EQ(plainText(c.markdown), c.plain);
+    }
+    const std::string deep(40000, '*');
+    EXPECT_LT(rendered(deep + "x" + deep).size(), 2 * maximumRenderedBytes);
+}
+
+}  // namespace
+}  // namespace sunpane
