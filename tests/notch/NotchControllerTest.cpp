@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/SimulatedDesktop.h"
+#include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
 #include "support/SimulatedUserDefaults.h"

@@ -1,0 +1,154 @@
+#include "app/NotchViewModel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/SimulatedFileSystem.h"
+#include "support/SimulatedFolderEvents.h"
+#include "support/SimulatedPlatform.h"
+#include "support/SimulatedUserDefaults.h"
+#include "support/TemporaryFolder.h"
+
+namespace sunpane {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct NotchViewModelTest : ::testing::Test {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedFolderEvents folderEvents;
+    testing::SimulatedCloudFiles cloudFiles;
+    testing::SimulatedUserDefaults defaults;
+    testing::TemporaryFolder folder;
+    LocalNotifications notifications;
+    std::optional<NotchViewModel> model;
+
+    void SetUp() override {
+        defaults.set("briefingsFolderPath", folder.path());
+        model.emplace(NotchViewModel::Collaborators{platform.clock, platform.runLoop, notifications, defaults,
+                                                    {platform.clock, platform.queues, folderEvents, cloudFiles}});
+    }
+    void start() {
+        model->start();
+        platform.time.runPending();
+    }
+    // An agent's write, followed by the folder's event and the time that everything needs to settle.
+    void agentWrites(const std::string& name, const std::string& content) {
+        folder.write(name, content);
+        folderEvents.tell(folder.path(), name);
+        platform.time.advance(0.5);
+    }
+    std::vector<std::string> ids() const {
+        std::vector<std::string> result;
+        for (const auto& briefing : model->briefings()) result.push_back(briefing.id);
+        return result;
+    }
+};
+
+TEST_F(NotchViewModelTest, ListsNewestFirstAndStepsBetweenDays) {
+    folder.write("2026-11-21.md", "# Yesterday\n- a");
+    folder.write("2026-11-22.md", "# Today\n- b");
+    start();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-22.md", "2026-11-21.md"));
+    EXPECT_EQ(model->current()->title, "Today");
+    model->newer();
+    EXPECT_EQ(model->currentIndex(), 0U);
+    model->older();
+    model->older();
+    EXPECT_EQ(model->current()->title, "Yesterday");
+    EXPECT_FALSE(model->canGoOlder());
+    EXPECT_TRUE(model->canGoNewer());
+    // Whatever arrives shows the newest again.
+    agentWrites("2026-11-20.md", "# Before");
+    EXPECT_EQ(model->currentIndex(), 0U);
+    EXPECT_EQ(model->briefings().size(), 3U);
+}
+
+TEST_F(NotchViewModelTest, MarksAChangedNewestBriefingUnreadUntilThePanelOpens) {
+    folder.write("2026-11-21.md", "# A");
+    start();
+    EXPECT_FALSE(model->hasUnread());  // what was there at the start is not news
+    agentWrites("2026-11-22.md", "# B\n- one");
+    EXPECT_TRUE(model->hasUnread());
+    model->setExpanded(true);
+    EXPECT_FALSE(model->hasUnread());
+    agentWrites("2026-11-22.md", "# B\n- one");
+    EXPECT_FALSE(model->hasUnread());
+    agentWrites("2026-11-21.md", "# A, edited");  // not the newest
+    EXPECT_FALSE(model->hasUnread());
+    agentWrites("2026-11-22.md", "# B\n- two");
+    EXPECT_TRUE(model->hasUnread());
+    std::filesystem::remove(folder / "2026-11-21.md");
+    std::filesystem::remove(folder / "2026-11-22.md");
+    platform.time.advance(20);
+    EXPECT_EQ(model->current(), nullptr);
+    EXPECT_FALSE(model->hasUnread());
+    // After an empty list the next one counts as the first again.
+    agentWrites("2026-11-22.md", "# C");
+    EXPECT_FALSE(model->hasUnread());
+}
+
+TEST_F(NotchViewModelTest, MovesToAnotherFolderWithOneProviderAtATime) {
+    folder.write("2026-11-22.md", "# Here");
+    start();
+    const testing::TemporaryFolder other;
+    other.write("2026-11-22.md", "# There");
+    defaults.set("briefingsFolderPath", other.path());
+    const auto timers = platform.time.pendingCount();
+    notifications.post("briefingsFolderChanged");
+    platform.time.runPending();
+    EXPECT_EQ(model->current()->title, "There");
+    EXPECT_EQ(folderEvents.watcherCount(), 1U);
+    EXPECT_EQ(platform.time.pendingCount(), timers);
+    agentWrites("2026-11-23.md", "# Ignored: the old folder");
+    EXPECT_EQ(model->briefings().size(), 1U);
+}
+
+TEST_F(NotchViewModelTest, DropsBriefingsOlderThanThirtyDaysNowAndTwiceADay) {
+    folder.write("2026-10-01.md", "# Old");
+    folder.write("2026-11-01.md", "# Kept");
+    start();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-01.md"));
+    platform.time.advance(20 * 86400.0);
+    EXPECT_THAT(ids(), ElementsAre());
+    EXPECT_FALSE(std::filesystem::exists(folder / "2026-11-01.md"));
+}
+
+TEST_F(NotchViewModelTest, AnnouncesEachChangeBeforeItTakesEffect) {
+    folder.write("2026-11-22.md", "# A");
+    start();
+    std::vector<bool> expandedAtAnnouncement;
+    const auto subscription =
+        model->onWillChange([&] { expandedAtAnnouncement.push_back(model->expanded()); });
+    model->setExpanded(true);
+    model->setExpanded(false);
+    EXPECT_THAT(expandedAtAnnouncement, ElementsAre(false, true));
+}
+
+TEST_F(NotchViewModelTest, IgnoresMeasurementsThatDifferByHalfAPoint) {
+    start();
+    struct Step {
+        double reported, kept;
+    };
+    for (const Step step : {Step{0, 1}, {100, 100}, {100.4, 100}, {100.5, 100}, {100.6, 100.6}, {-5, 1}}) {
+        model->reportBriefContentHeight(step.reported);
+        platform.time.runPending();
+        EXPECT_DOUBLE_EQ(model->briefContentHeight(), step.kept);
+    }
+}
+
+TEST_F(NotchViewModelTest, LeavesNothingRunningWhenItGoes) {
+    folder.write("2026-11-22.md", "# A");
+    start();
+    folderEvents.tell(folder.path(), "2026-11-22.md");
+    notifications.post("revealTodo");
+    model.reset();
+    platform.time.advance(100);
+    EXPECT_EQ(folderEvents.watcherCount(), 0U);
+    EXPECT_EQ(platform.time.pendingCount(), 0U);
+}
+
+}  // namespace
+}  // namespace sunpane
