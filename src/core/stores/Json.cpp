@@ -91,6 +91,8 @@ void appendNumber(std::string& out, const std::map<std::string, Instant>& object
 }
 
 bool Reader::read(std::string_view text) {
+    // The library takes a zero byte for the end of the text.
+    if (text.find('\0') != std::string_view::npos) return false;
     return nlohmann::json::sax_parse(text.begin(), text.end(), this) && !tooDeep_;
 }
 

@@ -82,7 +82,7 @@ private:
             place_ = Place::end;
             return true;
         }
-        constexpr unsigned required = bit(Field::id) | bit(Field::text) | bit(Field::done) | bit(Field::createdAt);
+        const unsigned required = bit(Field::id) | bit(Field::text) | bit(Field::done) | bit(Field::createdAt);
         if (place_ != Place::todo || (seen_ & required) != required) return false;
         state_.todos.push_back(std::move(todo_));
         place_ = Place::todos;
