@@ -6,13 +6,16 @@
 namespace sunpane::testing {
 namespace {
 
-std::string parentOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+std::string parentOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
 
 }  // namespace
 
 class SimulatedFileSystem::Lock : public FileLock {
 public:
-    Lock(std::weak_ptr<std::set<std::string>> locks, std::string path) : locks_(std::move(locks)), path_(std::move(path)) {}
+    Lock(std::weak_ptr<std::set<std::string>> locks, std::string path)
+        : locks_(std::move(locks)), path_(std::move(path)) {}
     ~Lock() override {
         if (const auto locks = locks_.lock()) locks->erase(path_);
     }
@@ -87,7 +90,8 @@ bool SimulatedFileSystem::createFolders(const std::string& path) {
     if (isDead()) return false;
     if (folders_.contains(path)) return true;
     if (readOnlyFolders.contains(parentOf(path))) return false;
-    for (std::string folder = path; !folder.empty(); folder = parentOf(folder)) folders_.insert(folder);
+    for (std::string folder = path; !folder.empty(); folder = parentOf(folder))
+        folders_.insert(folder);
     return true;
 }
 

@@ -13,13 +13,15 @@ constexpr std::string_view noBase = "-";
 
 // 64-bit FNV-1a: tells damage and mix-ups, which is all that is asked of it here.
 std::uint64_t checksum(std::string_view bytes, std::uint64_t hash = 0xcbf29ce484222325) {
-    for (const char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    for (const char byte : bytes)
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
     return hash;
 }
 
 std::string hexadecimal(std::uint64_t value) {
     std::string digits(16, '0');
-    for (std::size_t i = digits.size(); i-- > 0; value >>= 4) digits[i] = "0123456789abcdef"[value & 15];
+    for (std::size_t i = digits.size(); i-- > 0; value >>= 4)
+        digits[i] = "0123456789abcdef"[value & 15];
     return digits;
 }
 
@@ -73,8 +75,7 @@ std::optional<JournalRecord> decodeJournal(std::string_view bytes) {
         *content != bytes.size() - *path - *base) {
         return std::nullopt;
     }
-    JournalRecord record{std::string(bytes.substr(0, *path)), std::nullopt,
-                         std::string(bytes.substr(*path + *base))};
+    JournalRecord record{std::string(bytes.substr(0, *path)), std::nullopt, std::string(bytes.substr(*path + *base))};
     if (hasBase) record.base = bytes.substr(*path, *base);
     return record;
 }

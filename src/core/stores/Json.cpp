@@ -38,7 +38,9 @@ void appendEscaped(std::string& out, char c) {
     }
 }
 
-bool needsEscape(char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; }
+bool needsEscape(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
+}
 
 template <class Map, class AppendValue>
 void appendObject(std::string& out, const Map& object, AppendValue appendValue) {

@@ -46,12 +46,14 @@ public:
     }
     bool string(string_t& value) final { return skipsScalar() || onString(value); }
     bool binary(binary_t&) final { return false; }
-    bool start_object(std::size_t) final { return opens() || onStartObject(); }  // NOLINT(readability-identifier-naming)
+    bool start_object(std::size_t) final {
+        return opens() || onStartObject();
+    }  // NOLINT(readability-identifier-naming)
     bool key(string_t& name) final { return skipping_ > 0 || onKey(name); }
-    bool end_object() final { return closes() || onEndObject(); }               // NOLINT(readability-identifier-naming)
-    bool start_array(std::size_t) final { return opens() || onStartArray(); }   // NOLINT(readability-identifier-naming)
-    bool end_array() final { return closes() || onEndArray(); }                 // NOLINT(readability-identifier-naming)
-    bool parse_error(std::size_t, const std::string&,                           // NOLINT(readability-identifier-naming)
+    bool end_object() final { return closes() || onEndObject(); }              // NOLINT(readability-identifier-naming)
+    bool start_array(std::size_t) final { return opens() || onStartArray(); }  // NOLINT(readability-identifier-naming)
+    bool end_array() final { return closes() || onEndArray(); }                // NOLINT(readability-identifier-naming)
+    bool parse_error(std::size_t, const std::string&,                          // NOLINT(readability-identifier-naming)
                      const nlohmann::detail::exception&) final {
         return false;
     }

@@ -76,6 +76,8 @@ void StoreFile::writeAsync(std::string content, std::function<void()> completion
     writer_->submit(std::move(content), std::move(completion));
 }
 
-bool StoreFile::hasUnwritten() const { return writer_->view().unwritten; }
+bool StoreFile::hasUnwritten() const {
+    return writer_->view().unwritten;
+}
 
 }  // namespace sunpane

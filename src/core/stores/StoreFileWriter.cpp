@@ -108,7 +108,8 @@ void StoreFileWriter::finish(Outcome outcome, std::uint64_t adoptions) {
             lastWritten_ = onDisk_;
             stamp_ = disk_.stamp(path_);
         }
-        for (auto& completion : currentCompletions_) ports_.runLoop.post(std::move(completion));
+        for (auto& completion : currentCompletions_)
+            ports_.runLoop.post(std::move(completion));
         currentCompletions_.clear();
         return;
     }
@@ -128,8 +129,7 @@ StoreFileWriter::Outcome StoreFileWriter::write(const Content& content, const Co
     if (way != Outcome::written) return way;
 
     // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
-    const bool written =
-        journaled ? disk_.writeInPlace(path_, *content) : disk_.replaceAtomically(path_, *content);
+    const bool written = journaled ? disk_.writeInPlace(path_, *content) : disk_.replaceAtomically(path_, *content);
     if (!written) {
         const FileReading left = readFile();
         remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
@@ -203,7 +203,8 @@ bool StoreFileWriter::settleRecord(JournalRecord& record) {
         if (format_->decodes(reading.bytes)) {
             record.content = format_->merge(record.base ? &*record.base : nullptr, record.content, reading.bytes);
             record.base = reading.bytes;
-            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(path_, &reading.bytes, record.content))) return false;
+            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(path_, &reading.bytes, record.content)))
+                return false;
         } else if (!keepAside(reading.stamp)) {
             return false;
         }

@@ -13,7 +13,9 @@ StoreFiles::StoreFiles(Ports ports, std::string stateFolder)
     ports_.files.createFolders(stateFolder_);
 }
 
-StoreFiles::~StoreFiles() { queue_->drain(); }
+StoreFiles::~StoreFiles() {
+    queue_->drain();
+}
 
 void StoreFiles::ensureDownloaded(const std::string& path, Seconds timeout) {
     if (ports_.files.exists(path)) return;

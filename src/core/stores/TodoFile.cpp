@@ -58,11 +58,23 @@ public:
 private:
     enum class Place { start, file, fileTodos, fileImportDay, fileDismissed, todos, todo, dismissed, end };
     enum class Field {
-        id, text, tag, done, doneAt, createdAt, prio, sourceItemKey, remindAt, remindRepeat, eventID, source, none
+        id,
+        text,
+        tag,
+        done,
+        doneAt,
+        createdAt,
+        prio,
+        sourceItemKey,
+        remindAt,
+        remindRepeat,
+        eventID,
+        source,
+        none
     };
-    static constexpr std::array<std::string_view, 12> fieldNames{
-        "id", "text", "tag", "done", "doneAt", "createdAt", "prio", "sourceItemKey", "remindAt", "remindRepeat",
-        "eventID", "source"};
+    static constexpr std::array<std::string_view, 12> fieldNames{"id",       "text",         "tag",     "done",
+                                                                 "doneAt",   "createdAt",    "prio",    "sourceItemKey",
+                                                                 "remindAt", "remindRepeat", "eventID", "source"};
 
     bool onStartObject() override {
         if (place_ == Place::start) {
@@ -281,7 +293,9 @@ std::string encodeTodos(const TodoState& state) {
     return out;
 }
 
-std::optional<TodoState> decodeTodos(std::string_view file) { return TodoFileReader().result(file); }
+std::optional<TodoState> decodeTodos(std::string_view file) {
+    return TodoFileReader().result(file);
+}
 
 StoreFormat todoFormat() {
     return {[](std::string_view content) { return decodeTodos(content).has_value(); },

@@ -19,7 +19,8 @@ int group(const Todo& todo) {
 
 ById byId(const std::vector<Todo>& todos) {
     ById index;
-    for (const Todo& todo : todos) index.emplace(todo.id, &todo);
+    for (const Todo& todo : todos)
+        index.emplace(todo.id, &todo);
     return index;
 }
 
@@ -36,8 +37,7 @@ const Value& changed(const Value& base, const Value& ours, const Value& theirs) 
 Todo mergeFields(const Todo& base, const Todo& ours, const Todo& theirs) {
     // When it was done goes with whether it is done.
     const Todo& doneSide = ours.done == base.done && ours.doneAt == base.doneAt ? theirs : ours;
-    const Todo& reminderSide =
-        ours.remindAt == base.remindAt && ours.remindRepeat == base.remindRepeat ? theirs : ours;
+    const Todo& reminderSide = ours.remindAt == base.remindAt && ours.remindRepeat == base.remindRepeat ? theirs : ours;
     return {ours.id,
             changed(base.text, ours.text, theirs.text),
             changed(base.tag, ours.tag, theirs.tag),

@@ -20,7 +20,8 @@ std::optional<std::string> valid(const std::optional<std::string>& text) {
 
 std::set<std::string> textKeys(const std::vector<Todo>& todos) {
     std::set<std::string> keys;
-    for (const Todo& todo : todos) keys.insert(textKey(todo.text));
+    for (const Todo& todo : todos)
+        keys.insert(textKey(todo.text));
     return keys;
 }
 
@@ -244,7 +245,9 @@ void TodoStore::insertOpen(Todo todo) {
     state_.todos.insert(firstDone, std::move(todo));
 }
 
-void TodoStore::forgetDismissed(const std::string& key) { std::erase(state_.dismissed, key); }
+void TodoStore::forgetDismissed(const std::string& key) {
+    std::erase(state_.dismissed, key);
+}
 
 bool TodoStore::take(const StoreFile::Incoming& incoming) {
     auto decoded = decodeTodos(incoming.content);
@@ -281,7 +284,8 @@ void TodoStore::reloadIfChangedExternally() {
 void TodoStore::save() {
     if (state_.dismissed.size() > maximumDismissed) {
         const auto excess = state_.dismissed.size() - maximumDismissed;
-        state_.dismissed.erase(state_.dismissed.begin(), state_.dismissed.begin() + static_cast<std::ptrdiff_t>(excess));
+        state_.dismissed.erase(state_.dismissed.begin(),
+                               state_.dismissed.begin() + static_cast<std::ptrdiff_t>(excess));
     }
     file_.writeAsync(encodeTodos(state_), [this] { lastKnownMtime_ = file_.modificationTime(); });
 }

@@ -144,7 +144,9 @@ std::optional<FileStamp> PosixFileSystem::stamp(const std::string& path) const {
     return toStamp(status);
 }
 
-bool PosixFileSystem::exists(const std::string& path) const { return access(path.c_str(), F_OK) == 0; }
+bool PosixFileSystem::exists(const std::string& path) const {
+    return access(path.c_str(), F_OK) == 0;
+}
 
 bool PosixFileSystem::writeInPlace(const std::string& path, std::string_view bytes) {
     if (exists(path) && !isRegularFile(path)) return false;
@@ -188,7 +190,9 @@ bool PosixFileSystem::rename(const std::string& from, const std::string& to) {
     return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
-bool PosixFileSystem::remove(const std::string& path) { return unlink(path.c_str()) == 0; }
+bool PosixFileSystem::remove(const std::string& path) {
+    return unlink(path.c_str()) == 0;
+}
 
 bool PosixFileSystem::createFolders(const std::string& path) {
     std::error_code error;
@@ -202,6 +206,8 @@ std::unique_ptr<FileLock> PosixFileSystem::tryLock(const std::string& path) {
     return std::make_unique<HeldLock>(std::move(file));
 }
 
-void sleepFor(Seconds seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }
+void sleepFor(Seconds seconds) {
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
 
 }  // namespace sunpane

@@ -20,8 +20,7 @@ using ::testing::Not;
 
 /// A store as small as it can be: a set of letters, written between brackets so that a beginning does not decode.
 struct LetterStore {
-    explicit LetterStore(StoreFixture& machine)
-        : file(*machine.files, StoreFixture::path("letters.json"), format()) {
+    explicit LetterStore(StoreFixture& machine) : file(*machine.files, StoreFixture::path("letters.json"), format()) {
         machine.files->ports().files.createFolders(StoreFixture::folder);
         file.load([this](const StoreFile::Incoming& incoming) { return take(incoming); });
         file.onConflict([this](const StoreFile::Incoming& incoming) {
@@ -31,7 +30,9 @@ struct LetterStore {
     }
 
     static std::set<char> letters(std::string_view text) { return {text.begin() + 1, text.end() - 1}; }
-    static std::string text(const std::set<char>& letters) { return "[" + std::string(letters.begin(), letters.end()) + "]"; }
+    static std::string text(const std::set<char>& letters) {
+        return "[" + std::string(letters.begin(), letters.end()) + "]";
+    }
     static bool decodes(std::string_view content) { return content.starts_with('[') && content.ends_with(']'); }
     static std::set<char> merged(const std::string* base, const std::set<char>& ours, const std::set<char>& theirs) {
         const auto before = base != nullptr ? letters(*base) : std::set<char>{};
@@ -50,7 +51,8 @@ struct LetterStore {
 
     bool take(const StoreFile::Incoming& incoming) {
         if (!decodes(incoming.content)) return false;
-        state = incoming.mustMerge ? merged(incoming.base, state, letters(incoming.content)) : letters(incoming.content);
+        state =
+            incoming.mustMerge ? merged(incoming.base, state, letters(incoming.content)) : letters(incoming.content);
         return true;
     }
     void add(char letter) {
@@ -74,7 +76,8 @@ TEST(Journal, ReadsBackWhatWasNotedAndNothingDamaged) {
         const std::string bytes = encodeJournal("/a folder/x.json", before, "new\ncontent");
         const auto record = decodeJournal(bytes);
         ASSERT_TRUE(record);
-        EXPECT_EQ(*record, (JournalRecord{"/a folder/x.json", before ? std::optional(base) : std::nullopt, "new\ncontent"}));
+        EXPECT_EQ(*record,
+                  (JournalRecord{"/a folder/x.json", before ? std::optional(base) : std::nullopt, "new\ncontent"}));
         for (std::size_t i = 0; i < bytes.size(); ++i) {
             EXPECT_FALSE(decodeJournal(bytes.substr(0, i))) << i;
             std::string damaged = bytes;
@@ -258,9 +261,9 @@ TEST(StoreFile, KeepsAnUnreadableFileAsideOnceBeforeReplacingIt) {
     store.add('c');
     machine.settle();
     EXPECT_EQ(machine.content(name), "[abc]");
-    EXPECT_EQ(machine.disk.content(std::string(StoreFixture::stateFolder) +
-                                   "/letters.unreadable-2026-11-22T09-15-10Z.json"),
-              "nor are these");
+    EXPECT_EQ(
+        machine.disk.content(std::string(StoreFixture::stateFolder) + "/letters.unreadable-2026-11-22T09-15-10Z.json"),
+        "nor are these");
 }
 
 TEST(StoreFile, RecoversATruncatedFileFromTheJournal) {
@@ -332,7 +335,8 @@ TEST(StoreFile, OfWaitingContentsOnlyTheLatestIsWrittenAndEveryCompletionRuns) {
     LetterStore store(machine);
     int contents = 0;
     machine.disk.afterWrite = [&](const std::string&) { ++contents; };
-    for (const char letter : {'a', 'b', 'c'}) store.add(letter);
+    for (const char letter : {'a', 'b', 'c'})
+        store.add(letter);
     EXPECT_EQ(machine.content(name), "(no file)");
     machine.settle();
     EXPECT_EQ(machine.content(name), "[abc]");
@@ -359,8 +363,8 @@ TEST(StoreFile, EndsTheWriteOfAProgramThatDiedBeforeWritingItsOwn) {
 TEST(StoreFile, DoesNotWaitLongForAProgramThatHoldsTheLock) {
     StoreFixture machine;
     LetterStore store(machine);
-    const auto held =
-        machine.disk.tryLock(std::string(StoreFixture::stateFolder) + "/" + journalName(StoreFixture::path(name)) + ".lock");
+    const auto held = machine.disk.tryLock(std::string(StoreFixture::stateFolder) + "/" +
+                                           journalName(StoreFixture::path(name)) + ".lock");
     ASSERT_TRUE(held);
     machine.waited = 0;
     store.add('a');

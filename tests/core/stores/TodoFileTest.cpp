@@ -20,18 +20,30 @@ Todo todo(const std::string& text, bool done = false, std::optional<bool> prio =
 
 std::vector<std::string> texts(const std::vector<Todo>& todos) {
     std::vector<std::string> result;
-    for (const Todo& each : todos) result.push_back(each.text);
+    for (const Todo& each : todos)
+        result.push_back(each.text);
     return result;
 }
 
 TEST(TodoFile, WritesKeysInOrderAndLeavesAbsentOnesOut) {
-    Todo full{*Uuid::parse(idText), "a \"b\"\\\n\t\x01 é/", "WRK", true, Instant{816480000}, Instant{816480000.25}, false,
-              "key", Instant{-1.5}, "daily", "event", "item"};
-    EXPECT_EQ(encodeTodos({{full}, "2026-11-16", {"gone"}}),
-              std::string(R"({"todos":[{"id":")") + idText +
-                  R"(","text":"a \"b\"\\\n\t\u0001 é/","tag":"WRK","done":true,"doneAt":816480000,)"
-                  R"("createdAt":816480000.25,"prio":false,"sourceItemKey":"key","remindAt":-1.5,"remindRepeat":"daily",)"
-                  R"("eventID":"event","source":"item"}],"lastImportDay":"2026-11-16","dismissed":["gone"]})");
+    Todo full{*Uuid::parse(idText),
+              "a \"b\"\\\n\t\x01 é/",
+              "WRK",
+              true,
+              Instant{816480000},
+              Instant{816480000.25},
+              false,
+              "key",
+              Instant{-1.5},
+              "daily",
+              "event",
+              "item"};
+    EXPECT_EQ(
+        encodeTodos({{full}, "2026-11-16", {"gone"}}),
+        std::string(R"({"todos":[{"id":")") + idText +
+            R"(","text":"a \"b\"\\\n\t\u0001 é/","tag":"WRK","done":true,"doneAt":816480000,)"
+            R"("createdAt":816480000.25,"prio":false,"sourceItemKey":"key","remindAt":-1.5,"remindRepeat":"daily",)"
+            R"("eventID":"event","source":"item"}],"lastImportDay":"2026-11-16","dismissed":["gone"]})");
     const Todo bare{full.id, "x", {}, false, {}, Instant{0}, {}, {}, {}, {}, {}, {}};
     EXPECT_EQ(encodeTodos({{bare}, "", {}}),
               std::string(R"({"todos":[{"id":")") + idText +
@@ -67,28 +79,49 @@ TEST(TodoFile, RefusesAFileInWhichAnythingIsNotAsItMustBe) {
     };
     const std::string whole = id + R"(,"text":"x","done":false,"createdAt":1)";
     ASSERT_TRUE(decodeTodos(withTodo(whole)));
-    std::vector<std::string> bad{
-        "", " ", "null", "[]", "{}", "1", "\"x\"", R"({"todos":[]})", R"({"lastImportDay":""})",
-        R"({"todos":{},"lastImportDay":""})", R"({"todos":null,"lastImportDay":""})",
-        R"({"todos":[],"lastImportDay":null})", R"({"todos":[],"lastImportDay":5})",
-        R"({"todos":[[]],"lastImportDay":""})", R"({"todos":["x"],"lastImportDay":""})",
-        R"({"todos":[],"lastImportDay":"","dismissed":[1]})", R"({"todos":[],"lastImportDay":"","dismissed":{}})",
-        R"({"todos":[],"lastImportDay":"","dismissed":"x"})", R"({"todos":[],"lastImportDay":""} x)",
-        R"({"todos":[],"lastImportDay":"")", R"({"todos":[],"lastImportDay":"",})",
-        std::string(R"({"todos":[],"lastImportDay":""})") + '\0', "{\"todos\":[],\"lastImportDay\":\"\xff\"}",
-        R"({"todos":[],"lastImportDay":"\ud800"})", R"({"todos":[],"lastImportDay":"\udc00\ud800"})",
-        std::string(1000000, '['), R"({"x":)" + std::string(1000000, '[') + std::string(1000000, ']') + "}",
-        withTodo(R"("text":"x","done":false,"createdAt":1)"), withTodo(id + R"(,"done":false,"createdAt":1)"),
-        withTodo(id + R"(,"text":"x","createdAt":1)"), withTodo(id + R"(,"text":"x","done":false)"),
-        withTodo(R"("id":"nonsense","text":"x","done":false,"createdAt":1)")};
-    for (const char* member :
-         {R"("text":1)", R"("text":null)", R"("done":1)", R"("done":"true")", R"("createdAt":"1")", R"("createdAt":true)",
-          R"("createdAt":null)", R"("createdAt":NaN)", R"("createdAt":1e999)", R"("createdAt":-1e999)", R"("tag":1)",
-          R"("tag":["x"])", R"("doneAt":"x")", R"("prio":"x")", R"("prio":1)", R"("sourceItemKey":{})",
-          R"("remindAt":[])", R"("remindRepeat":true)", R"("eventID":1)", R"("source":1)", R"("id":1)"}) {
+    std::vector<std::string> bad{"",
+                                 " ",
+                                 "null",
+                                 "[]",
+                                 "{}",
+                                 "1",
+                                 "\"x\"",
+                                 R"({"todos":[]})",
+                                 R"({"lastImportDay":""})",
+                                 R"({"todos":{},"lastImportDay":""})",
+                                 R"({"todos":null,"lastImportDay":""})",
+                                 R"({"todos":[],"lastImportDay":null})",
+                                 R"({"todos":[],"lastImportDay":5})",
+                                 R"({"todos":[[]],"lastImportDay":""})",
+                                 R"({"todos":["x"],"lastImportDay":""})",
+                                 R"({"todos":[],"lastImportDay":"","dismissed":[1]})",
+                                 R"({"todos":[],"lastImportDay":"","dismissed":{}})",
+                                 R"({"todos":[],"lastImportDay":"","dismissed":"x"})",
+                                 R"({"todos":[],"lastImportDay":""} x)",
+                                 R"({"todos":[],"lastImportDay":"")",
+                                 R"({"todos":[],"lastImportDay":"",})",
+                                 std::string(R"({"todos":[],"lastImportDay":""})") + '\0',
+                                 "{\"todos\":[],\"lastImportDay\":\"\xff\"}",
+                                 R"({"todos":[],"lastImportDay":"\ud800"})",
+                                 R"({"todos":[],"lastImportDay":"\udc00\ud800"})",
+                                 std::string(1000000, '['),
+                                 R"({"x":)" + std::string(1000000, '[') + std::string(1000000, ']') + "}",
+                                 withTodo(R"("text":"x","done":false,"createdAt":1)"),
+                                 withTodo(id + R"(,"done":false,"createdAt":1)"),
+                                 withTodo(id + R"(,"text":"x","createdAt":1)"),
+                                 withTodo(id + R"(,"text":"x","done":false)"),
+                                 withTodo(R"("id":"nonsense","text":"x","done":false,"createdAt":1)")};
+    for (const char* member : {R"("text":1)",           R"("text":null)",     R"("done":1)",
+                               R"("done":"true")",      R"("createdAt":"1")", R"("createdAt":true)",
+                               R"("createdAt":null)",   R"("createdAt":NaN)", R"("createdAt":1e999)",
+                               R"("createdAt":-1e999)", R"("tag":1)",         R"("tag":["x"])",
+                               R"("doneAt":"x")",       R"("prio":"x")",      R"("prio":1)",
+                               R"("sourceItemKey":{})", R"("remindAt":[])",   R"("remindRepeat":true)",
+                               R"("eventID":1)",        R"("source":1)",      R"("id":1)"}) {
         bad.push_back(withTodo(whole + "," + member));
     }
-    for (const std::string& file : bad) EXPECT_FALSE(decodeTodos(file)) << file.substr(0, 100);
+    for (const std::string& file : bad)
+        EXPECT_FALSE(decodeTodos(file)) << file.substr(0, 100);
 }
 
 TEST(TodoFile, AMovedTodoLandsWhereSortingTheGroupsWouldPutIt) {
@@ -118,12 +151,8 @@ TEST(TodoMerge, CarriesBothSidesChanges) {
     const auto removeAt = [](std::size_t index) {
         return [index](TodoState& s) { s.todos.erase(s.todos.begin() + static_cast<std::ptrdiff_t>(index)); };
     };
-    const auto append = [](const char* text) {
-        return [text](TodoState& s) { s.todos.push_back(todo(text)); };
-    };
-    const auto finish = [](std::size_t index) {
-        return [index](TodoState& s) { s.todos[index].done = true; };
-    };
+    const auto append = [](const char* text) { return [text](TodoState& s) { s.todos.push_back(todo(text)); }; };
+    const auto finish = [](std::size_t index) { return [index](TodoState& s) { s.todos[index].done = true; }; };
     const auto rename = [](std::size_t index, const char* text) {
         return [=](TodoState& s) { s.todos[index].text = text; };
     };
@@ -144,9 +173,13 @@ TEST(TodoMerge, CarriesBothSidesChanges) {
         {"the same field of one todo", edit(rename(1, "ours")), edit(rename(1, "theirs")), {"a", "ours", "c", "d"}},
         {"an edit outlives their removal", edit(rename(0, "A")), edit(removeAt(0)), {"A", "b", "c", "d"}},
         {"an edit outlives our removal", edit(removeAt(0)), edit(rename(0, "A")), {"A", "b", "c", "d"}},
-        {"our order", edit([](TodoState& s) { std::swap(s.todos[0], s.todos[2]); }), edit(append("t")),
+        {"our order",
+         edit([](TodoState& s) { std::swap(s.todos[0], s.todos[2]); }),
+         edit(append("t")),
          {"c", "b", "a", "d", "t"}},
-        {"their order", edit(append("o")), edit([](TodoState& s) { std::swap(s.todos[0], s.todos[2]); }),
+        {"their order",
+         edit(append("o")),
+         edit([](TodoState& s) { std::swap(s.todos[0], s.todos[2]); }),
          {"c", "b", "a", "d", "o"}}};
     for (const Case& each : cases) {
         EXPECT_EQ(texts(mergeTodos(base, each.ours, each.theirs).todos), each.expected) << each.description;

@@ -28,7 +28,8 @@ protected:
     }
     std::vector<std::string> texts() const {
         std::vector<std::string> result;
-        for (const Todo& todo : store->todos()) result.push_back(todo.text);
+        for (const Todo& todo : store->todos())
+            result.push_back(todo.text);
         return result;
     }
     const Todo& at(const std::string& text) const {
@@ -40,7 +41,8 @@ protected:
     Uuid id(const std::string& text) const { return at(text).id; }
     Instant now() const { return machine.platform.clock.now(); }
     void addAll(std::initializer_list<const char*> all) {
-        for (const char* text : all) store->add(text);
+        for (const char* text : all)
+            store->add(text);
     }
     Briefing briefing(const std::string& day, const std::string& markdown) const {
         const CivilDay civil{std::stoi(day.substr(0, 4)), std::stoi(day.substr(5, 2)), std::stoi(day.substr(8, 2))};
@@ -55,7 +57,8 @@ protected:
 TEST(TextKey, IgnoresCaseOuterSpaceAndDoubledSpacesOnce) {
     const std::pair<const char*, const char*> cases[] = {
         {"  Call  Mum \n", "call mum"}, {"a   b", "a  b"}, {"a    b", "a  b"}, {"É\u00a0", "é"}, {" \t\n", ""}};
-    for (const auto& [text, key] : cases) EXPECT_EQ(textKey(text), key);
+    for (const auto& [text, key] : cases)
+        EXPECT_EQ(textKey(text), key);
 }
 
 TEST_F(TodoStoreTest, AddsTypedTextsTrimmedAboveTheDoneOnes) {

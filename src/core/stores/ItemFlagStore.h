@@ -1,0 +1,105 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/Observable.h"
+#include "core/briefing/Briefing.h"
+#include "core/stores/FlagFile.h"
+#include "core/stores/StoreFile.h"
+#include "core/stores/StoreFiles.h"
+#include "core/stores/Topics.h"
+
+namespace sunpane {
+
+/// Flags that the user put on briefing cards, kept by item key in `itemflags.json` beside the briefings.
+///
+/// One instance, owned by the view model; main thread only. A mutation announces itself, takes effect, and hands
+/// `itemflags.json` and a new `feedback.json` for the agent to the store queue. Flags lapse by themselves; that is
+/// noticed at the next mutation, load or feedback. Failures are silent and leave the last good state.
+///
+/// Texts that are not valid UTF-8 are repaired with U+FFFD.
+class ItemFlagStore : public Observable {
+public:
+    static constexpr const char* fileName = "itemflags.json";
+    static constexpr const char* feedbackName = "feedback.json";
+    /// A priority lapses this long (s) after it was last flagged or referenced,
+    static constexpr Seconds prioTTL = 172800;
+    /// and this long after it was first flagged, whatever happened since.
+    static constexpr Seconds prioMaxAge = 1209600;
+    /// A dismissal lapses, with its hidden mark, this long after it was made.
+    static constexpr Seconds clearedTTL = 1209600;
+    /// A reference counts only when the last one is longer ago than this.
+    static constexpr Seconds referenceInterval = 3600;
+    static constexpr Seconds reloadInterval = 2.0;
+
+    /// Creates `directory` if it is missing and loads the file; may block for `StoreFiles::downloadTimeout`.
+    ItemFlagStore(StoreFiles& files, const std::string& directory);
+    ~ItemFlagStore();
+
+    bool isPrio(const std::string& key) const { return state_.prio.contains(key); }
+    bool isCleared(const std::string& key) const { return state_.cleared.contains(key); }
+    bool isHidden(const std::string& key) const { return state_.hidden.contains(key); }
+
+    const FlagState& state() const { return state_; }
+    const std::string& fileURL() const { return file_.path(); }
+    const std::string& feedbackURL() const { return feedbackFile_.path(); }
+
+    void togglePrio(const BriefingItem& item);
+    void toggleCleared(const BriefingItem& item);
+    void hide(const BriefingItem& item);
+    void unhide(const BriefingItem& item);
+    void unclear(const BriefingItem& item);
+
+    /// Follows the priority of a todo that was made from a card.
+    void setPrio(const std::string& key, std::string_view text, bool on);
+
+    /// Keeps priorities alive whose topic one of the texts still speaks of.
+    void refreshPrioReferences(const std::vector<std::string>& texts);
+
+    /// The cards that the user has not acted on, and the todos with a reminder, for the feedback only.
+    void updateUntouched(const std::vector<std::string>& texts);
+    void updateReminders(const std::vector<std::string>& lines);
+
+    /// Drops what has lapsed and writes the feedback anew.
+    void writeFeedback();
+
+    /// As the free functions of Topics.h.
+    static std::set<std::string> significantWords(std::string_view text) { return sunpane::significantWords(text); }
+    static bool sameTopic(const std::set<std::string>& a, const std::set<std::string>& b) {
+        return sunpane::sameTopic(a, b);
+    }
+
+private:
+    void flag(const std::string& key, std::string text);
+    void retireDismissals(const std::string& text);
+    void prune();
+    void dropPriorities(const std::vector<std::string>& keys);
+    std::vector<std::string> dismissedPriorities();
+    bool take(const StoreFile::Incoming& incoming);
+    void adoptForeignChanges();
+    void reloadIfChangedExternally();
+    void save();
+    // Opens a mutation: announces it and has the next pruning compare topics anew.
+    void beginChange();
+
+    StoreFiles& files_;
+    const Clock& clock_;
+    StoreFile file_;
+    StoreFile feedbackFile_;
+    FlagState state_;
+    std::vector<std::string> untouched_;
+    std::vector<std::string> reminders_;
+    TopicIndex topics_;
+    // Whether no priority can have become older than a dismissal of its topic since they were last compared.
+    bool topicsCompared_ = false;
+    std::optional<FileTime> lastKnownMtime_;
+    Subscription reloadTimer_;
+};
+
+}  // namespace sunpane
