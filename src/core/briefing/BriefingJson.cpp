@@ -9,27 +9,26 @@ namespace {
 
 // JSON lets DEL and the C1 controls stand as they are, but they would act on a terminal that shows the output.
 std::string withControlsEscaped(const std::string& json) {
+    constexpr std::string_view digits = "0123456789abcdef";
     std::string result;
-    result.reserve(json.size());
-    for (std::size_t i = 0; i < json.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(json[i]);
-        const auto next = i + 1 < json.size() ? static_cast<unsigned char>(json[i + 1]) : 0U;
-        if (byte == 0x7F) {
-            result += "\\u007f";
-        } else if (byte == 0xC2 && next < 0xA0) {
-            constexpr std::string_view digits = "0123456789abcdef";
-            result.append("\\u00").append({digits[next >> 4], digits[next & 0x0F]});
-            ++i;
-        } else {
-            result += json[i];
-        }
+    std::size_t start = 0;
+    for (std::size_t at = 0; (at = json.find_first_of("\x7F\xC2", at)) != std::string::npos; ++at) {
+        const bool isDelete = json[at] == '\x7F';
+        const auto code = static_cast<unsigned char>(isDelete ? '\x7F' : json[at + 1]);
+        if (code >= 0xA0) continue;
+        result.append(json, start, at - start).append("\\u00").append({digits[code >> 4], digits[code & 0x0F]});
+        start = at + (isDelete ? 1 : 2);
     }
-    return result;
+    return result.append(json, start);
 }
 
 }  // namespace
 
 std::string toJson(const Briefing& briefing, const LocalCalendar& calendar) {
+    return toJson(briefing, calendar.iso8601(briefing.date), briefing.dateLabel(calendar));
+}
+
+std::string toJson(const Briefing& briefing, std::string_view date, std::string_view dateLabel) {
     // Keeps the order in which members are added.
     using Json = nlohmann::ordered_json;
     Json sections = Json::array();
@@ -48,8 +47,8 @@ std::string toJson(const Briefing& briefing, const LocalCalendar& calendar) {
             Json{{"text", item.text}, {"tag", item.tag ? Json(*item.tag) : Json(nullptr)}, {"done", item.done}});
     }
     const Json json{{"id", briefing.id},
-                    {"date", calendar.iso8601(briefing.date)},
-                    {"dateLabel", briefing.dateLabel(calendar)},
+                    {"date", date},
+                    {"dateLabel", dateLabel},
                     {"title", briefing.title},
                     {"markdown", briefing.markdown},
                     {"sections", std::move(sections)},
