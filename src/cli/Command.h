@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <span>
 #include <string>
@@ -8,6 +9,7 @@
 #include "base/Clock.h"
 #include "base/WorkQueue.h"
 #include "platform/CloudFiles.h"
+#include "platform/FileSystem.h"
 #include "platform/FolderEvents.h"
 #include "platform/UserDefaults.h"
 
@@ -46,6 +48,11 @@ struct Environment {
     std::ostream& err;
     /// Whether `out` is a terminal that understands colours and bold text.
     bool outIsTerminal = false;
+
+    /// What the commands on the stores need beyond that: files, the folder for journals, and how to wait.
+    FileSystem* files = nullptr;
+    std::string stateFolder;
+    std::function<void(Seconds)> wait;
 };
 
 /// The words behind the command's name.

@@ -5,16 +5,19 @@
 #include "cli/BriefCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/Command.h"
+#include "cli/FeedbackCommand.h"
+#include "cli/FlagsCommand.h"
+#include "cli/TodoCommand.h"
 #include "cli/WatchCommand.h"
 
 namespace sunpane::cli {
 namespace {
 
 // Every command of the program; a new one is a line here and a pair of files.
-constexpr std::array commands{briefCommand, checkCommand, watchCommand};
+constexpr std::array commands{briefCommand, checkCommand, watchCommand, todoCommand, flagsCommand, feedbackCommand};
 
 void printHelp(std::ostream& out) {
-    out << "dawnlyctl: briefings from the command line\n\nUsage:\n";
+    out << "dawnlyctl: briefings, todos and flags from the command line\n\nUsage:\n";
     for (const auto& command : commands) {
         out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
     }

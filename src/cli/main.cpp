@@ -12,8 +12,10 @@
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
+#include "linux/system/PosixFileSystem.h"
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
+#include "linux/system/XdgPaths.h"
 
 int main(int argc, char** argv) {
     using namespace sunpane;
@@ -25,6 +27,7 @@ int main(int argc, char** argv) {
     ThreadWorkQueueFactory queues;
     InotifyFolderEvents folderEvents;
     LocalCloudFiles cloudFiles;
+    PosixFileSystem files;
     cli::ProcessInterrupt interrupt;
     const char* terminal = std::getenv("TERM");
     const bool outIsTerminal = isatty(STDOUT_FILENO) == 1 && terminal != nullptr &&
@@ -37,7 +40,10 @@ int main(int argc, char** argv) {
                                  .interrupt = interrupt,
                                  .out = std::cout,
                                  .err = std::cerr,
-                                 .outIsTerminal = outIsTerminal};
+                                 .outIsTerminal = outIsTerminal,
+                                 .files = &files,
+                                 .stateFolder = xdg::stateFolder(),
+                                 .wait = sleepFor};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();

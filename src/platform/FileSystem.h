@@ -58,6 +58,9 @@ public:
 
     virtual bool exists(const std::string& path) const = 0;
 
+    /// One name for all spellings of a path: absolute, links and dots resolved as far as the path exists.
+    virtual std::string canonicalPath(const std::string& path) const = 0;
+
     /// Empties the file, or creates it, writes the bytes into it and waits until they are on the disk. After a failure
     /// or a crash the file holds a beginning of `bytes`, or is untouched when it could not be opened.
     virtual bool writeInPlace(const std::string& path, std::string_view bytes) = 0;

@@ -25,6 +25,7 @@ public:
     FileReading read(const std::string& path, std::size_t maximumBytes) const override;
     std::optional<FileStamp> stamp(const std::string& path) const override;
     bool exists(const std::string& path) const override;
+    std::string canonicalPath(const std::string& path) const override { return path; }
     bool writeInPlace(const std::string& path, std::string_view bytes) override;
     bool replaceAtomically(const std::string& path, std::string_view bytes) override;
     bool copyToNew(const std::string& from, const std::string& to) override;

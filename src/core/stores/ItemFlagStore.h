@@ -48,6 +48,8 @@ public:
 
     const FlagState& state() const { return state_; }
     const std::string& fileURL() const { return file_.path(); }
+    /// Whether a change is not in the files yet.
+    bool hasUnwritten() const { return file_.hasUnwritten() || feedbackFile_.hasUnwritten(); }
     const std::string& feedbackURL() const { return feedbackFile_.path(); }
 
     void togglePrio(const BriefingItem& item);

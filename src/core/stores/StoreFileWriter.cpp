@@ -15,11 +15,12 @@ StoreFileWriter::StoreFileWriter(StoreFiles& files, std::string path, std::optio
       queue_(files.queue()),
       stateFolder_(files.stateFolder()),
       path_(std::move(path)),
+      identity_(disk_.canonicalPath(path_)),
       format_(std::move(format)),
       onConflict_(std::move(onConflict)),
-      lockPath_(pathInside(stateFolder_, journalName(path_) + ".lock")),
-      pendingPath_(pathInside(stateFolder_, journalName(path_) + ".pending")),
-      writtenPath_(pathInside(stateFolder_, journalName(path_) + ".written")) {}
+      lockPath_(pathInside(stateFolder_, journalName(identity_) + ".lock")),
+      pendingPath_(pathInside(stateFolder_, journalName(identity_) + ".pending")),
+      writtenPath_(pathInside(stateFolder_, journalName(identity_) + ".written")) {}
 
 void StoreFileWriter::submit(std::string content, std::function<void()> completion) {
     {
@@ -174,7 +175,7 @@ bool StoreFileWriter::isOurs(const std::string& bytes, const Content& onDisk) co
 }
 
 bool StoreFileWriter::journal(const Content& content, const std::string* base) {
-    const std::string record = encodeJournal(path_, base, *content);
+    const std::string record = encodeJournal(identity_, base, *content);
     bool kept = disk_.replaceAtomically(pendingPath_, record);
     if (!kept && disk_.createFolders(stateFolder_)) kept = disk_.replaceAtomically(pendingPath_, record);
     if (kept) journaled_ = content;
@@ -203,7 +204,7 @@ bool StoreFileWriter::settleRecord(JournalRecord& record) {
         if (format_->decodes(reading.bytes)) {
             record.content = format_->merge(record.base ? &*record.base : nullptr, record.content, reading.bytes);
             record.base = reading.bytes;
-            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(path_, &reading.bytes, record.content)))
+            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(identity_, &reading.bytes, record.content)))
                 return false;
         } else if (!keepAside(reading.stamp)) {
             return false;
@@ -247,7 +248,7 @@ std::optional<JournalRecord> StoreFileWriter::readJournal(const std::string& jou
     const FileReading reading = disk_.read(journalPath, 2 * StoreFile::maximumBytes + 8192);
     if (reading.status != FileReading::Status::read) return std::nullopt;
     auto record = decodeJournal(reading.bytes);
-    if (!record || record->path != path_) return std::nullopt;
+    if (!record || record->path != identity_) return std::nullopt;
     if (format_ && !format_->decodes(record->content)) return std::nullopt;
     return record;
 }

@@ -32,11 +32,11 @@ public:
     };
     using ConflictHandler = std::function<void(const Conflict&)>;
 
-    /// Another program of ours that holds the lock is waited for this long (s) before a write goes ahead without it:
-    /// the user's change must reach the journal within a tenth of a second, even when the other program hangs.
-    static constexpr Seconds lockPatience = 0.06;
+    /// A program of ours holds the lock for the few milliseconds of a write. One that holds it for so long (s) hangs,
+    /// and what the user does here must not stay unwritten for its sake.
+    static constexpr Seconds lockPatience = 3.0;
     static constexpr Seconds lockPatienceAtStart = 1.0;
-    static constexpr Seconds lockPoll = 0.02;
+    static constexpr Seconds lockPoll = 0.005;
     /// Copies of unreadable files made within one second; beyond that the file is left alone.
     static constexpr int maximumCopiesPerSecond = 9;
 
@@ -88,6 +88,8 @@ private:
     WorkQueue& queue_;
     const std::string stateFolder_;
     const std::string path_;
+    // The same file has the same journal, however a program was given its path.
+    const std::string identity_;
     const std::optional<StoreFormat> format_;
     const ConflictHandler onConflict_;
     const std::string lockPath_;

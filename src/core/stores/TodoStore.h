@@ -43,6 +43,8 @@ public:
     /// Text keys of deleted todos, oldest first.
     const std::vector<std::string>& dismissed() const { return state_.dismissed; }
     const std::string& fileURL() const { return file_.path(); }
+    /// Whether a change is not in the file yet.
+    bool hasUnwritten() const { return file_.hasUnwritten(); }
     std::size_t doneCount() const;
     std::optional<std::size_t> indexOf(const Uuid& id) const;
 

@@ -148,6 +148,12 @@ bool PosixFileSystem::exists(const std::string& path) const {
     return access(path.c_str(), F_OK) == 0;
 }
 
+std::string PosixFileSystem::canonicalPath(const std::string& path) const {
+    std::error_code error;
+    const auto canonical = std::filesystem::weakly_canonical(std::filesystem::absolute(path, error), error);
+    return error ? path : canonical.string();
+}
+
 bool PosixFileSystem::writeInPlace(const std::string& path, std::string_view bytes) {
     if (exists(path) && !isRegularFile(path)) return false;
     const Descriptor file(path, O_WRONLY | O_CREAT, 0644);

@@ -1,0 +1,131 @@
+#include "cli/StoreSession.h"
+
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <utility>
+
+#include "cli/TerminalText.h"
+#include "core/briefing/FolderBriefingProvider.h"
+
+namespace sunpane::cli {
+
+/// The main thread's executor for a command: runs what was posted when told to. A command does not live long enough
+/// for timers, so they never fire.
+class CommandLoop : public RunLoop {
+public:
+    void post(Task task) override {
+        const std::lock_guard lock(mutex_);
+        tasks_.push_back(std::move(task));
+    }
+    Subscription after(Seconds, Task) override { return {}; }
+    Subscription every(Seconds, Task) override { return {}; }
+
+    void runPosted() {
+        std::vector<Task> tasks;
+        {
+            const std::lock_guard lock(mutex_);
+            tasks.swap(tasks_);
+        }
+        for (const Task& task : tasks)
+            task();
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<Task> tasks_;
+};
+
+StoreSession::StoreSession(Environment& environment, const std::string& folder)
+    : environment_(environment), folder_(folder), loop_(std::make_unique<CommandLoop>()) {
+    files_ =
+        std::make_unique<StoreFiles>(StoreFiles::Ports{*environment.files, environment.cloudFiles, environment.clock,
+                                                       *loop_, environment.queues, environment.wait},
+                                     environment.stateFolder);
+}
+
+// The stores go before what they write with.
+StoreSession::~StoreSession() {
+    todos_.reset();
+    flags_.reset();
+    files_.reset();
+}
+
+TodoStore& StoreSession::todos() {
+    if (!todos_) {
+        todos_ = std::make_unique<TodoStore>(*files_, folder_);
+        todos_->onPrioChanged = [this](const Todo& todo) {
+            if (todo.sourceItemKey) flags().setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
+        };
+    }
+    return *todos_;
+}
+
+ItemFlagStore& StoreSession::flags() {
+    if (flags_) return *flags_;
+    const auto previous = nlohmann::json::parse(feedback(), nullptr, false);
+    flags_ = std::make_unique<ItemFlagStore>(*files_, folder_);
+    const auto list = [&](const char* key) {
+        std::vector<std::string> texts;
+        if (!previous.is_object() || !previous.contains(key) || !previous[key].is_array()) return texts;
+        for (const auto& text : previous[key]) {
+            if (text.is_string()) texts.push_back(text.get<std::string>());
+        }
+        return texts;
+    };
+    flags_->updateUntouched(list("untouched"));
+    flags_->updateReminders(list("reminders"));
+    return *flags_;
+}
+
+bool StoreSession::finish() {
+    const auto unwritten = [this] { return (todos_ && todos_->hasUnwritten()) || (flags_ && flags_->hasUnwritten()); };
+    files_->drain();
+    for (int round = 0; round < maximumRounds && unwritten(); ++round) {
+        loop_->runPosted();
+        files_->drain();
+    }
+    if (!unwritten()) return true;
+    environment_.err << "dawnlyctl: " << escapedName(folder_)
+                     << " cannot be written now; the change is kept and will be written later\n";
+    return false;
+}
+
+std::string StoreSession::feedback() const {
+    constexpr std::size_t maximumBytes = std::size_t{64} << 20;
+    return environment_.files->read(pathInside(folder_, ItemFlagStore::feedbackName), maximumBytes).bytes;
+}
+
+std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,
+                                                  Environment& environment) {
+    StoreArguments parsed;
+    bool onlyWords = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (onlyWords || !argument.starts_with("--")) {
+            parsed.words.push_back(argument);
+        } else if (argument == "--") {
+            onlyWords = true;
+        } else if (argument == "--json") {
+            parsed.asJson = true;
+        } else if (argument == "--folder" && i + 1 < arguments.size()) {
+            parsed.folder = arguments[++i];
+        } else {
+            usageError(command, "unknown or incomplete option " + escapedName(argument), environment);
+            return std::nullopt;
+        }
+    }
+    if (parsed.folder.empty()) parsed.folder = FolderBriefingProvider::currentDirectory(environment.defaults);
+    return parsed;
+}
+
+std::string joined(std::span<const std::string> words, std::size_t first) {
+    std::string text;
+    for (std::size_t i = first; i < words.size(); ++i) {
+        if (i > first) text += ' ';
+        text += words[i];
+    }
+    return text;
+}
+
+}  // namespace sunpane::cli

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "cli/Command.h"
+#include "core/stores/ItemFlagStore.h"
+#include "core/stores/StoreFiles.h"
+#include "core/stores/TodoStore.h"
+
+namespace sunpane::cli {
+
+class CommandLoop;
+
+/// The stores of one folder for the time of one command. What it changes is in the files when `finish` returns true.
+class StoreSession {
+public:
+    /// How often a change is merged with another program's before it is left to the next start.
+    static constexpr int maximumRounds = 16;
+
+    StoreSession(Environment& environment, const std::string& folder);
+    ~StoreSession();
+
+    /// Made at the first call.
+    TodoStore& todos();
+    /// The same. What the running program last told the agent about untouched cards and reminders stays told.
+    ItemFlagStore& flags();
+
+    /// Waits until everything is written. False, with a line on `err`, when something could not be; it is kept and
+    /// written by the next program that uses the folder.
+    bool finish();
+
+    std::string feedback() const;
+
+private:
+    Environment& environment_;
+    std::string folder_;
+    std::unique_ptr<CommandLoop> loop_;
+    std::unique_ptr<StoreFiles> files_;
+    std::unique_ptr<TodoStore> todos_;
+    std::unique_ptr<ItemFlagStore> flags_;
+};
+
+/// The words behind a command's name, with its options taken out.
+struct StoreArguments {
+    std::string folder;
+    bool asJson = false;
+    std::vector<std::string> words;
+};
+
+/// Absent after a usage error, which was told.
+std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,
+                                                  Environment& environment);
+
+/// The words from `first` on as one text.
+std::string joined(std::span<const std::string> words, std::size_t first);
+
+}  // namespace sunpane::cli
