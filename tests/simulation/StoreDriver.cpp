@@ -1,0 +1,297 @@
+#include "StoreDriver.h"
+
+#include <cmath>
+#include <utility>
+
+#include "base/Dates.h"
+#include "core/stores/Json.h"
+
+namespace sunpane::testing {
+namespace {
+
+using Json = nlohmann::json;
+
+const Json& field(const Json& line, const char* name) {
+    const auto found = line.find(name);
+    if (found == line.end()) throw BadLine(std::string("\"") + name + "\" is missing");
+    return *found;
+}
+
+std::string textField(const Json& line, const char* name) {
+    const Json& value = field(line, name);
+    if (!value.is_string()) throw BadLine(std::string("\"") + name + "\" is not a string");
+    return value.get<std::string>();
+}
+
+std::optional<std::string> optionalText(const Json& line, const char* name) {
+    if (field(line, name).is_null()) return std::nullopt;
+    return textField(line, name);
+}
+
+double numberField(const Json& line, const char* name) {
+    const Json& value = field(line, name);
+    if (!value.is_number()) throw BadLine(std::string("\"") + name + "\" is not a number");
+    return value.get<double>();
+}
+
+std::ptrdiff_t wholeField(const Json& line, const char* name) {
+    const Json& value = field(line, name);
+    if (!value.is_number_integer()) throw BadLine(std::string("\"") + name + "\" is not a whole number");
+    return value.get<std::ptrdiff_t>();
+}
+
+bool truthField(const Json& line, const char* name) {
+    const Json& value = field(line, name);
+    if (!value.is_boolean()) throw BadLine(std::string("\"") + name + "\" is not true or false");
+    return value.get<bool>();
+}
+
+std::vector<std::string> textsField(const Json& line, const char* name) {
+    const Json& value = field(line, name);
+    std::vector<std::string> texts;
+    if (!value.is_array()) throw BadLine(std::string("\"") + name + "\" is not an array");
+    for (const Json& text : value) {
+        if (!text.is_string()) throw BadLine(std::string("\"") + name + "\" holds something else than strings");
+        texts.push_back(text.get<std::string>());
+    }
+    return texts;
+}
+
+BriefingItem itemField(const Json& line) {
+    return BriefingItem(textField(line, "markdown"));
+}
+
+template <class Texts>
+void appendTexts(std::string& out, const Texts& texts) {
+    out += '[';
+    const char* separator = "";
+    for (const std::string& text : texts) {
+        out += separator;
+        json::appendString(out, text);
+        separator = ",";
+    }
+    out += ']';
+}
+
+}  // namespace
+
+StoreDriver::StoreDriver(Instant start, Place place, const MakeDisk& makeDisk)
+    : time_(start), place_(std::move(place)), disk_(makeDisk(clock_)) {
+    clock_.zone = place_.zone;
+    clock_.localeName = place_.locale;
+    this->start();
+    time_.runPending();
+}
+
+StoreDriver::~StoreDriver() {
+    todos_.reset();
+    flags_.reset();
+    files_.reset();
+}
+
+void StoreDriver::start() {
+    files_ = std::make_unique<StoreFiles>(
+        StoreFiles::Ports{*disk_.files, cloud_, clock_, runLoop_, queues_, [](Seconds) {}}, place_.stateFolder);
+    todos_ = std::make_unique<TodoStore>(*files_, place_.folder);
+    flags_ = std::make_unique<ItemFlagStore>(*files_, place_.folder);
+    todos_->onPrioChanged = [this](const Todo& todo) {
+        if (todo.sourceItemKey) flags_->setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
+    };
+}
+
+void StoreDriver::restart() {
+    undo_ = NotchUndo();
+    todos_.reset();
+    flags_.reset();
+    files_.reset();
+    start();
+    time_.runPending();
+}
+
+const std::map<std::string, StoreDriver::Operation>& StoreDriver::operations() {
+    static const std::map<std::string, Operation> table{{"todos.add", &StoreDriver::todosAdd},
+                                                        {"todos.addLinked", &StoreDriver::todosAddLinked},
+                                                        {"todos.toggle", &StoreDriver::todosToggle},
+                                                        {"todos.togglePrio", &StoreDriver::todosTogglePrio},
+                                                        {"todos.rename", &StoreDriver::todosRename},
+                                                        {"todos.setReminder", &StoreDriver::todosSetReminder},
+                                                        {"todos.setEventID", &StoreDriver::todosSetEventID},
+                                                        {"todos.move", &StoreDriver::todosMove},
+                                                        {"todos.delete", &StoreDriver::todosDelete},
+                                                        {"undo", &StoreDriver::undo},
+                                                        {"todos.ingest", &StoreDriver::todosIngest},
+                                                        {"todos.importCalendar", &StoreDriver::todosImportCalendar},
+                                                        {"flags.togglePrio", &StoreDriver::flagsTogglePrio},
+                                                        {"flags.toggleCleared", &StoreDriver::flagsToggleCleared},
+                                                        {"flags.hide", &StoreDriver::flagsHide},
+                                                        {"flags.unhide", &StoreDriver::flagsUnhide},
+                                                        {"flags.unclear", &StoreDriver::flagsUnclear},
+                                                        {"flags.setPrio", &StoreDriver::flagsSetPrio},
+                                                        {"flags.refresh", &StoreDriver::flagsRefresh},
+                                                        {"flags.untouched", &StoreDriver::flagsUntouched},
+                                                        {"flags.reminders", &StoreDriver::flagsReminders},
+                                                        {"external", &StoreDriver::external},
+                                                        {"restart", &StoreDriver::restartOperation},
+                                                        {"wait", &StoreDriver::wait},
+                                                        {"dump", &StoreDriver::dump}};
+    return table;
+}
+
+std::optional<std::string> StoreDriver::run(const Json& line) {
+    if (!line.is_object()) throw BadLine("a line is one JSON object");
+    const Instant at{numberField(line, "at")};
+    if (at < now()) throw BadLine("\"at\" lies before the line above");
+    const auto operation = operations().find(textField(line, "op"));
+    if (operation == operations().end()) throw BadLine("there is no such \"op\"");
+    clock_.pinned.reset();
+    if (at > now()) time_.advanceTo(at);
+    clock_.pinned = at;
+    printed_.reset();
+    (this->*operation->second)(line);
+    time_.runPending();
+    return std::exchange(printed_, std::nullopt);
+}
+
+Uuid StoreDriver::idAt(const Json& line) const {
+    const auto index = wholeField(line, "index");
+    const auto& todos = todos_->todos();
+    if (index < 0 || index >= static_cast<std::ptrdiff_t>(todos.size())) return Uuid::random();
+    return todos[static_cast<std::size_t>(index)].id;
+}
+
+void StoreDriver::todosAdd(const Json& line) {
+    todos_->add(textField(line, "text"));
+}
+
+void StoreDriver::todosAddLinked(const Json& line) {
+    todos_->addLinked(textField(line, "text"), optionalText(line, "sourceKey"), truthField(line, "prio"));
+}
+
+void StoreDriver::todosToggle(const Json& line) {
+    todos_->toggle(idAt(line));
+}
+
+void StoreDriver::todosTogglePrio(const Json& line) {
+    todos_->togglePrio(idAt(line));
+}
+
+void StoreDriver::todosRename(const Json& line) {
+    todos_->rename(idAt(line), textField(line, "text"));
+}
+
+void StoreDriver::todosSetReminder(const Json& line) {
+    const auto date = field(line, "date").is_null() ? std::nullopt : std::optional(Instant{numberField(line, "date")});
+    todos_->setReminder(idAt(line), date, optionalText(line, "rule"));
+}
+
+void StoreDriver::todosSetEventID(const Json& line) {
+    todos_->setEventID(optionalText(line, "eventID"), idAt(line));
+}
+
+void StoreDriver::todosMove(const Json& line) {
+    todos_->move(idAt(line), wholeField(line, "to"));
+}
+
+void StoreDriver::todosDelete(const Json& line) {
+    const Uuid id = idAt(line);
+    if (const auto index = todos_->indexOf(id)) {
+        undo_.push([this, todo = todos_->todos()[*index], index] { todos_->restore(todo, *index); });
+    }
+    todos_->remove(id);
+}
+
+void StoreDriver::undo(const Json&) {
+    undo_.undo();
+}
+
+void StoreDriver::todosIngest(const Json& line) {
+    todos_->ingest({textField(line, "id"), Instant{numberField(line, "date")}, textField(line, "title"),
+                    textField(line, "markdown")});
+}
+
+void StoreDriver::todosImportCalendar(const Json& line) {
+    todos_->importCalendarTodos(textsField(line, "titles"));
+}
+
+void StoreDriver::flagsTogglePrio(const Json& line) {
+    flags_->togglePrio(itemField(line));
+}
+void StoreDriver::flagsToggleCleared(const Json& line) {
+    flags_->toggleCleared(itemField(line));
+}
+void StoreDriver::flagsHide(const Json& line) {
+    flags_->hide(itemField(line));
+}
+void StoreDriver::flagsUnhide(const Json& line) {
+    flags_->unhide(itemField(line));
+}
+void StoreDriver::flagsUnclear(const Json& line) {
+    flags_->unclear(itemField(line));
+}
+
+void StoreDriver::flagsSetPrio(const Json& line) {
+    flags_->setPrio(textField(line, "key"), textField(line, "text"), truthField(line, "on"));
+}
+
+void StoreDriver::flagsRefresh(const Json& line) {
+    flags_->refreshPrioReferences(textsField(line, "texts"));
+}
+void StoreDriver::flagsUntouched(const Json& line) {
+    flags_->updateUntouched(textsField(line, "texts"));
+}
+void StoreDriver::flagsReminders(const Json& line) {
+    flags_->updateReminders(textsField(line, "lines"));
+}
+
+void StoreDriver::external(const Json& line) {
+    const std::string file = textField(line, "file");
+    if (file.empty() || file.find('/') != std::string::npos) throw BadLine("\"file\" is not the name of a file");
+    disk_.writeExternally(pathInside(place_.folder, file), textField(line, "content"));
+}
+
+void StoreDriver::restartOperation(const Json&) {
+    restart();
+}
+
+void StoreDriver::wait(const Json&) {}
+
+void StoreDriver::dump(const Json&) {
+    time_.runPending();
+    std::string out = R"({"todos":[)";
+    const char* separator = "";
+    for (const Todo& todo : todos_->todos()) {
+        out += separator + encodeTodo(todo);
+        separator = ",";
+    }
+    out += R"(],"lastImportDay":)";
+    json::appendString(out, todos_->lastImportDay());
+    out += R"(,"dismissed":)";
+    appendTexts(out, todos_->dismissed());
+    const FlagState& flags = flags_->state();
+    out += R"(,"prio":)";
+    json::appendString(out, flags.prio);
+    out += R"(,"cleared":)";
+    json::appendString(out, flags.cleared);
+    out += R"(,"hidden":)";
+    appendTexts(out, flags.hidden);
+    out += R"(,"dates":)";
+    json::appendNumber(out, flags.dates);
+    out += R"(,"firstFlagged":)";
+    json::appendNumber(out, flags.firstFlagged);
+    out += R"(,"feedback":)" + fileObject(flags_->feedbackURL());
+    out += R"(,"todosFile":)" + fileObject(todos_->fileURL());
+    out += R"(,"flagsFile":)" + fileObject(flags_->fileURL());
+    printed_ = out + "}";
+}
+
+// The file on one line, or null when it is not there or not JSON.
+std::string StoreDriver::fileObject(const std::string& path) const {
+    const FileReading reading = disk_.files->read(path, StoreFile::maximumBytes);
+    if (reading.status != FileReading::Status::read) return "null";
+    // Our own compact form is passed on as it is, digit for digit.
+    if (reading.bytes.find('\n') == std::string::npos && Json::accept(reading.bytes)) return reading.bytes;
+    const auto parsed = nlohmann::ordered_json::parse(reading.bytes, nullptr, false);
+    return parsed.is_discarded() ? "null" : parsed.dump();
+}
+
+}  // namespace sunpane::testing
