@@ -1,0 +1,186 @@
+"""A desktop of its own for one end-to-end test: an X server without a screen, a session bus, a home folder, and the
+real program, driven by a real pointer and keyboard and judged by its files, its state report and its pixels."""
+
+import json
+import os
+import shutil
+import signal
+import struct
+import subprocess
+import tempfile
+import time
+
+REPORT = "/tmp/dawnly-state.json"
+WIDTH, HEIGHT = 1280, 800
+PANEL_LEFT, PANEL_RIGHT = (WIDTH - 780) // 2, (WIDTH + 780) // 2
+NOTCH = (WIDTH // 2, 10)
+AWAY = (100, 700)
+
+
+class Screenshot:
+    """The pixels of the whole screen, as the X Window Dump format (version 7, little-endian true colour) has them."""
+
+    def __init__(self, dump):
+        fields = struct.unpack(">25I", dump[:100])
+        header_size, _, _, _, self.width, self.height = fields[:6]
+        self.bytes_per_pixel, self.stride, colours = fields[11] // 8, fields[12], fields[19]
+        self.pixels = dump[header_size + 12 * colours:]
+        self.wallpaper = self.at(5, self.height - 5)
+
+    def at(self, x, y):
+        blue, green, red = self.pixels[y * self.stride + self.bytes_per_pixel * x:][:3]
+        return red, green, blue
+
+    def is_wallpaper(self, x, y):
+        return self.at(x, y) == self.wallpaper
+
+    def column(self, x, top, bottom):
+        return [self.at(x, y) for y in range(top, bottom)]
+
+    def lowest_panel_row(self):
+        """The last row of the panel at the screen's middle."""
+        y = 0
+        while y + 1 < self.height and not self.is_wallpaper(self.width // 2, y + 1):
+            y += 1
+        return y
+
+    def card_count(self):
+        """How many cards the open section shows, counted by their surfaces in a column that no text reaches."""
+        section_right = PANEL_RIGHT - 30 - 20  # the window's margin and the panel's
+        x, beside = section_right - 12 - 5, section_right - 6  # inside the cards, and right of them
+        cards, run = 0, 0
+        for y in range(90, self.lowest_panel_row() - 20):
+            lighter = sum(self.at(x, y)) - sum(self.at(beside, y)) >= 12
+            run = run + 1 if lighter else 0
+            cards += run == 20  # a symbol in the column is smaller than any card
+        return cards
+
+
+class Desktop:
+    def __init__(self, compositor=False, window_manager=False):
+        self.home = tempfile.mkdtemp(prefix="dawnly-e2e-")
+        self.briefings = os.path.join(self.home, "briefings")
+        os.mkdir(self.briefings)
+        self.processes = []
+        self.environment = dict(os.environ, HOME=self.home, XDG_CONFIG_HOME=self.home + "/config",
+                                XDG_STATE_HOME=self.home + "/state", XDG_DATA_HOME=self.home + "/data",
+                                XDG_RUNTIME_DIR=self.home, LC_ALL="C.UTF-8", QT_QUICK_BACKEND="software")
+        self.environment.pop("WAYLAND_DISPLAY", None)
+        os.makedirs(self.home + "/config/dawnly")
+        with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
+            json.dump({"briefingsFolderPath": self.briefings}, defaults)
+        self._start_server()
+        self._start_bus()
+        self.run("xsetroot", "-solid", "#c84090")
+        if window_manager:
+            self.start("openbox", "--sm-disable")
+        if compositor:
+            self.start("picom", "--backend", "xrender", "--config", "/dev/null")
+            time.sleep(1)
+        self.move(*AWAY)
+        if os.path.lexists(REPORT):
+            os.remove(REPORT)
+        self.program = None
+
+    # The pieces of the desktop.
+
+    def _start_server(self):
+        # The server keeps its screen in a file, as an X Window Dump: what a monitor would show, shapes and all.
+        self.framebuffer = os.path.join(self.home, "Xvfb_screen0")
+        read, write = os.pipe()
+        self.start("Xvfb", "-fbdir", self.home, "-displayfd", str(write), "-screen", "0", "%dx%dx24" % (WIDTH, HEIGHT), "-nolisten", "tcp",
+                   "-noreset", pass_fds=(write,))
+        os.close(write)
+        with os.fdopen(read) as display:
+            self.environment["DISPLAY"] = ":" + display.readline().strip()
+
+    def _start_bus(self):
+        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
+
+    def start(self, *command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        process = subprocess.Popen(command, env=self.environment, **options)
+        self.processes.append(process)
+        return process
+
+    def run(self, *command):
+        return subprocess.run(command, env=self.environment, check=True, stdout=subprocess.PIPE).stdout
+
+    def start_program(self):
+        self.program = self.start(os.environ["DAWNLY"], stderr=None)
+        self.wait_for(lambda: self.report()["panelVisible"], "the panel to show")
+        return self.program
+
+    def close(self):
+        for process in reversed(self.processes):
+            if process.poll() is None:
+                process.send_signal(signal.SIGTERM)
+            try:
+                process.wait(5)
+            except subprocess.TimeoutExpired:
+                process.kill()
+            if process.stdout:
+                process.stdout.close()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    # What a user and an agent do.
+
+    def write_briefing(self, name, text):
+        with open(os.path.join(self.briefings, name), "w") as briefing:
+            briefing.write(text)
+
+    def move(self, x, y):
+        self.run("xdotool", "mousemove", str(x), str(y))
+
+    def click(self, x, y, button=1):
+        self.run("xdotool", "mousemove", str(x), str(y), "click", str(button))
+
+    def key(self, *names):
+        self.run("xdotool", "key", *names)
+
+    def flick(self, start, end, steps=40):
+        """One quick movement, as a mouse reports it: many small steps without a rest."""
+        moves = []
+        for i in range(steps + 1):
+            x = start[0] + (end[0] - start[0]) * i // steps
+            y = start[1] + (end[1] - start[1]) * i // steps
+            moves += ["mousemove", str(x), str(y), "sleep", "0.004"]
+        self.run("xdotool", *moves)
+
+    # What can be seen.
+
+    def signal(self, name):
+        self.run("dbus-send", "--session", "--type=signal", "/", "app.dawnly.Dawnly." + name)
+
+    def report(self):
+        """Asks the program for its state and reads the answer; an empty one when there is none yet."""
+        if os.path.lexists(REPORT):
+            os.remove(REPORT)
+        self.signal("report")
+        end = time.monotonic() + 2
+        while time.monotonic() < end:
+            if os.path.exists(REPORT):
+                with open(REPORT) as report:
+                    return json.load(report)
+            time.sleep(0.01)
+        return {"panelVisible": False, "expanded": None, "briefings": None}
+
+    def screenshot(self):
+        with open(self.framebuffer, "rb") as dump:
+            return Screenshot(dump.read())
+
+    def focused_window(self):
+        return self.run("xdotool", "getwindowfocus").decode().strip()
+
+    @staticmethod
+    def wait_for(condition, what, seconds=10):
+        """Waits until the condition holds and returns how long that took."""
+        start = time.monotonic()
+        while True:
+            if condition():
+                return time.monotonic() - start
+            if time.monotonic() - start > seconds:
+                raise AssertionError("waited %g s in vain for %s" % (seconds, what))
+            time.sleep(0.02)

@@ -1,0 +1,175 @@
+"""The road of a briefing, from an agent's file to cards on the screen, and the panel's manners on the way."""
+
+import os
+import subprocess
+import time
+import unittest
+
+from desktop import AWAY, HEIGHT, NOTCH, PANEL_LEFT, PANEL_RIGHT, REPORT, WIDTH, Desktop
+
+MORNING = "# Morning\n### 📅 Schedule\n- one\n- two **bold**\n- three\n### 🔴 Urgent\n- four\n- five\n"
+
+
+class FirstLight:
+    """The tests, run once with a compositor and once without."""
+
+    compositor = False
+
+    def setUp(self):
+        self.desktop = Desktop(compositor=self.compositor)
+        self.addCleanup(self.desktop.close)
+
+    def open_panel(self):
+        self.desktop.move(*NOTCH)
+        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
+        self.settle()
+
+    def settle(self):
+        """Until the panel's springs are at rest."""
+        time.sleep(0.9)
+
+    def test_a_new_file_becomes_cards_under_the_notch(self):
+        d = self.desktop
+        d.start_program()
+        self.assertEqual(d.report()["briefings"], 0)
+        folded = d.screenshot()
+        self.assertEqual(folded.at(*NOTCH), (0, 0, 0))
+        self.assertLess(folded.lowest_panel_row(), 40)
+        self.assertTrue(folded.is_wallpaper(PANEL_LEFT + 5, 300))
+
+        d.write_briefing("2026-11-22.md", MORNING)
+        took = d.wait_for(lambda: d.report()["briefings"] == 1, "the new briefing")
+        self.assertGreater(took, 0.3)
+        self.assertLess(took, 2)
+
+        self.open_panel()
+        picture = d.screenshot()
+        self.assertGreater(picture.lowest_panel_row(), 240)
+        self.assertEqual(picture.card_count(), 3)
+
+        # The file changes while the panel is open.
+        d.write_briefing("2026-11-22.md", MORNING.replace("- three\n", "- three\n- and a half\n"))
+        d.wait_for(lambda: d.screenshot().card_count() == 4, "the fourth card")
+
+    def test_it_folds_a_bit_more_than_24_points_outside_its_window(self):
+        d = self.desktop
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.start_program()
+        self.open_panel()
+        d.move(PANEL_RIGHT + 23, 300)
+        self.settle()
+        self.assertTrue(d.report()["expanded"])
+        d.move(PANEL_RIGHT + 25, 300)
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 2)
+        self.settle()
+        self.assertLess(d.screenshot().lowest_panel_row(), 40)
+
+    def test_a_click_beside_the_outline_reaches_the_window_below(self):
+        d = self.desktop
+        below = d.start("xev", "-geometry", "%dx%d+0+0" % (WIDTH, HEIGHT), "-event", "button", stdout=subprocess.PIPE)
+        time.sleep(1)
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.start_program()
+        # Folded: only the notch itself is in the way.
+        d.click(WIDTH // 2, 60)
+        d.move(*AWAY)
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to stay folded")
+        self.open_panel()
+        d.click(PANEL_LEFT + 10, 300)        # in the window, left of the card
+        d.click(WIDTH // 2, 200)             # on the card
+        d.click(WIDTH // 2, 620)             # in the window, below the card
+        d.click(PANEL_LEFT + 29, 1)          # in the left flare
+        time.sleep(0.5)
+        below.terminate()
+        output = below.stdout.read().decode()
+        places = [line.split("root:(")[1].split(")")[0] for line in output.splitlines() if "root:(" in line]
+        pressed = places[::2]  # each press is followed by its release
+        self.assertEqual(pressed, ["640,60", "%d,300" % (PANEL_LEFT + 10), "640,620"])
+
+    def test_a_flick_across_the_notch_opens_it(self):
+        d = self.desktop
+        d.start_program()
+        d.flick((WIDTH // 2 - 300, 3), (WIDTH // 2 + 300, 3))
+        d.wait_for(lambda: d.report()["expanded"], "the flick to be noticed", 1)
+
+    def test_the_report_tells_the_state_and_follows_no_planted_link(self):
+        d = self.desktop
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.start_program()
+        victim = os.path.join(d.home, "victim")
+        with open(victim, "w") as file:
+            file.write("untouched")
+        if os.path.lexists(REPORT):
+            os.remove(REPORT)
+        os.symlink(victim, REPORT)
+        d.signal("report")
+        d.wait_for(lambda: not os.path.islink(REPORT), "the report")
+        with open(victim) as file:
+            self.assertEqual(file.read(), "untouched")
+        d.move(333, 222)
+        report = d.report()
+        self.assertEqual(report, {
+            "expanded": False, "theme": "glass", "panelFrame": "{{250, 64}, {780, 736}}", "panelVisible": True,
+            "panelOnScreen": True, "screenFrame": "{{0, 0}, {1280, 800}}", "briefings": 1, "suppressed": False,
+            "pointer": "{333, 578}", "inZone": False, "spaceID": 0, "spaceType": 0})
+        d.move(*NOTCH)
+        self.assertTrue(d.report()["inZone"])
+
+    def test_a_broadcast_unfolds_it(self):
+        d = self.desktop
+        d.start_program()
+        d.signal("expand")
+        d.wait_for(lambda: d.report()["expanded"], "the broadcast to be heard", 2)
+
+    def test_the_keyboard_does_what_the_pointer_does(self):
+        d = self.desktop
+        other = d.start("xev", "-geometry", "200x100+0+600", "-event", "keyboard")
+        time.sleep(1)
+        d.click(50, 650)
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.write_briefing("2026-11-21.md", "# Yesterday\n### Notes\n- only one\n")
+        d.start_program()
+        before = d.run("xdotool", "search", "--name", "Event Tester").decode().split()[0]
+        d.run("xdotool", "windowfocus", "--sync", before)
+        self.open_panel()
+        self.assertEqual(d.focused_window(), before)  # hovering takes no focus
+        d.click(WIDTH // 2, 60)  # on the header
+        d.wait_for(lambda: d.focused_window() != before, "the panel to take the keyboard", 2)
+        self.assertEqual(d.screenshot().card_count(), 3)
+        d.key("Tab", "Tab", "Return")  # the older-day button is first, then the open section
+        self.settle()
+        self.assertEqual(d.screenshot().card_count(), 0)
+        d.key("Down", "Return")  # the next section
+        self.settle()
+        self.assertEqual(d.screenshot().card_count(), 2)
+        d.key("Left")
+        self.settle()
+        d.key("Right")
+        d.key("Escape")
+        d.wait_for(lambda: not d.report()["expanded"], "Escape to fold it", 2)
+        d.wait_for(lambda: d.focused_window() == before, "the keyboard to go back", 2)
+        self.assertIsNone(other.poll())
+
+    def test_days_are_stepped_through_with_the_pointer(self):
+        d = self.desktop
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.write_briefing("2026-11-21.md", "# Yesterday\n### Notes\n- only one\n")
+        d.start_program()
+        self.open_panel()
+        card_right = PANEL_RIGHT - 30
+        d.click(card_right - 20 - 26 - 6 - 13, 54)
+        d.wait_for(lambda: d.screenshot().card_count() == 1, "yesterday's card")
+        d.click(card_right - 20 - 13, 54)
+        d.wait_for(lambda: d.screenshot().card_count() == 3, "today's cards")
+
+
+class WithoutCompositor(FirstLight, unittest.TestCase):
+    pass
+
+
+class WithCompositor(FirstLight, unittest.TestCase):
+    compositor = True
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
