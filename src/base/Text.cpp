@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cstring>
 #include <memory>
+#include <optional>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -20,24 +20,24 @@
 namespace sunpane::text {
 namespace {
 
-constexpr std::size_t wordSize = sizeof(std::uint64_t);
-constexpr std::uint64_t highBits = 0x8080808080808080U;
-
-bool isAsciiWord(const char* bytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, wordSize);
-    return (word & highBits) == 0;
+// How many bytes stand before the first that is not ASCII.
+std::size_t asciiLength(std::string_view text) {
+    std::size_t position = 0;
+#if defined(__SSE2__)
+    for (; position + sizeof(__m128i) <= text.size(); position += sizeof(__m128i)) {
+        const auto* block = reinterpret_cast<const __m128i*>(text.data() + position);
+        const auto high = static_cast<unsigned>(_mm_movemask_epi8(_mm_loadu_si128(block)));
+        if (high != 0) return position + static_cast<std::size_t>(std::countr_zero(high));
+    }
+#endif
+    while (position < text.size() && static_cast<unsigned char>(text[position]) < 0x80) {
+        ++position;
+    }
+    return position;
 }
 
 bool isAscii(std::string_view text) {
-    std::size_t position = 0;
-    for (; position + wordSize <= text.size(); position += wordSize) {
-        if (!isAsciiWord(text.data() + position)) return false;
-    }
-    for (; position < text.size(); ++position) {
-        if (static_cast<unsigned char>(text[position]) >= 0x80) return false;
-    }
-    return true;
+    return asciiLength(text) == text.size();
 }
 
 constexpr std::size_t blockSize = 64;
@@ -94,6 +94,20 @@ bool beginsCharacterAfterAscii(char32_t codePoint) {
 // In ASCII the only character of two code points is CR LF.
 bool isPlainAscii(std::string_view text) {
     return isAscii(text) && text.find("\r\n") == std::string_view::npos;
+}
+
+// The first `count` characters as long as each is a code point: below the combining marks, only CR LF is a character of
+// two. Absent when there are others among them, or behind the last.
+std::optional<std::string_view> firstSimpleCharacters(std::string_view text, std::size_t count) {
+    constexpr unsigned char firstMarkLead = 0xCC;
+    std::size_t position = 0;
+    for (std::size_t seen = 0; position < text.size(); ++seen) {
+        const auto byte = static_cast<unsigned char>(text[position]);
+        if (byte >= firstMarkLead || byte == '\r') return std::nullopt;
+        if (seen == count) return text.substr(0, position);
+        position += byte < 0x80 ? 1 : 2;
+    }
+    return text;
 }
 
 /// ICU's character boundaries over a UTF-8 text. The iterator is costly to make, so each thread keeps one.
@@ -171,12 +185,8 @@ bool isAlphanumeric(char32_t codePoint) {
 bool isValidUtf8(std::string_view bytes) {
     const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
     for (std::size_t i = 0; i < bytes.size();) {
-        if (data[i] < 0x80) {
-            ++i;
-            while (i + wordSize <= bytes.size() && isAsciiWord(bytes.data() + i))
-                i += wordSize;
-            continue;
-        }
+        i += asciiLength(bytes.substr(i));
+        if (i == bytes.size()) break;
         UChar32 codePoint;
         std::int32_t offset = 0;
         const auto left = static_cast<std::int32_t>(std::min<std::size_t>(bytes.size() - i, 4));
@@ -214,16 +224,8 @@ char32_t nextCodePoint(std::string_view text, std::size_t& position) {
     return static_cast<char32_t>(codePoint);
 }
 
-std::string_view trimWhitespace(std::string_view text) {
-    const auto isAsciiSpace = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && isAsciiSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isAsciiSpace(text.back()))
-        text.remove_suffix(1);
-    if (text.empty()) return text;
-    const bool asciiEnds =
-        static_cast<unsigned char>(text.front()) < 0x80 && static_cast<unsigned char>(text.back()) < 0x80;
-    return asciiEnds ? text : trim(text, isWhitespace);
+std::string_view trimUnicodeWhitespace(std::string_view text) {
+    return trim(text, isWhitespace);
 }
 
 std::string_view trimWhitespaceAndNewlines(std::string_view text) {
@@ -292,6 +294,7 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
     if (text.size() <= count) return text;  // a character is at least a byte
     // One byte more than `count` shows whether a mark follows the last character.
     if (isPlainAscii(text.substr(0, count + 1))) return text.substr(0, count);
+    if (const auto simple = firstSimpleCharacters(text, count)) return *simple;
     CharacterBoundaries boundaries(text);
     boundaries.iterator().first();
     const std::int32_t end = boundaries.iterator().next(static_cast<std::int32_t>(count));

@@ -33,7 +33,18 @@ char32_t nextCodePoint(std::string_view text, std::size_t& position);
 
 // Trimming and splitting; the results point into `text`.
 
-std::string_view trimWhitespace(std::string_view text);
+/// Trims whitespace where a code point at an end is not ASCII.
+std::string_view trimUnicodeWhitespace(std::string_view text);
+inline std::string_view trimWhitespace(std::string_view text) {
+    const auto isAsciiSpace = [](char c) { return c == ' ' || c == '\t'; };
+    while (!text.empty() && isAsciiSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isAsciiSpace(text.back()))
+        text.remove_suffix(1);
+    if (text.empty()) return text;
+    // Both bytes of ASCII have the highest bit clear.
+    return ((text.front() | text.back()) & 0x80) == 0 ? text : trimUnicodeWhitespace(text);
+}
 std::string_view trimWhitespaceAndNewlines(std::string_view text);
 
 /// Walks the pieces between newline code points without copying; a CR LF pair therefore yields an empty line, and a

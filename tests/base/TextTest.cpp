@@ -21,6 +21,23 @@ TEST(Text, SplitsLinesAtEveryNewline) {
     EXPECT_THAT(lines(""), ElementsAre(""));
 }
 
+TEST(Text, FindsANewlineWhereverItStandsInABlock) {
+    constexpr std::size_t longest = 200;
+    for (const std::string newline : {"\n", "\v", "\f", "\r", "\u0085", "\u2028", "\u2029"}) {
+        for (std::size_t offset = 0; offset < longest; ++offset) {
+            // The filling is full of bytes that begin newlines among other code points.
+            std::string before;
+            while (before.size() < offset)
+                before += before.size() + 3 <= offset ? "\u2014" : "x";
+            const std::string text = before + newline + "\u00A0y";
+            EXPECT_THAT(lines(text), ElementsAre(before, "\u00A0y"));
+            EXPECT_EQ(withPlainNewlines(text), before + "\n\u00A0y");
+            EXPECT_TRUE(isValidUtf8(text));
+            EXPECT_FALSE(isValidUtf8(before + "\xE2\x80" + newline));
+        }
+    }
+}
+
 TEST(Text, CountsWhatAPersonSees) {
     struct Case {
         const char* text;
@@ -68,7 +85,8 @@ TEST(Text, TellsValidUtf8FromNot) {
         EXPECT_TRUE(isValidUtf8(valid)) << valid;
         EXPECT_EQ(toValidUtf8(valid), valid);
     }
-    const std::string_view invalid[] = {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82", "\xFF"};
+    const std::string_view invalid[] = {"\x80",     "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                                        "\xE2\x82", "\xFF"};
     for (const auto bytes : invalid) {
         EXPECT_FALSE(isValidUtf8(bytes));
         EXPECT_TRUE(isValidUtf8(toValidUtf8(bytes)));

@@ -38,8 +38,18 @@ protected:
     int run(std::vector<std::string> arguments, bool onTerminal = false) {
         out.str("");
         err.str("");
-        Environment environment{platform.clock, defaults, platform.queues, events, cloud, interrupt, out, err,
-                                onTerminal};
+        Environment environment{.clock = platform.clock,
+                                .defaults = defaults,
+                                .queues = platform.queues,
+                                .folderEvents = events,
+                                .cloudFiles = cloud,
+                                .interrupt = interrupt,
+                                .out = out,
+                                .err = err,
+                                .outIsTerminal = onTerminal,
+                                .files = nullptr,
+                                .stateFolder = {},
+                                .wait = {}};
         return runCommandLine(arguments, environment);
     }
 

@@ -71,9 +71,14 @@ bool isSameVersion(const struct stat& a, const struct stat& b) {
 bool readFile(int folder, const char* path, FileText& file) {
     // Merely opening a device can make it act, so what the path stands for is known before. Whatever takes its place
     // in between is not waited for either.
+    struct stat status {};
+    if (fstatat(folder, path, &status, 0) != 0 || !isReadable(status)) return false;
+    return readListedFile(folder, path, file);
+}
+
+bool readListedFile(int folder, const char* name, FileText& file) {
     struct stat before {};
-    if (fstatat(folder, path, &before, 0) != 0 || !isReadable(before)) return false;
-    const Descriptor descriptor(openat(folder, path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    const Descriptor descriptor(openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
     if (descriptor.get() < 0 || fstat(descriptor.get(), &before) != 0 || !isReadable(before)) return false;
     for (int attempt = 0; attempt < maximumReadAttempts; ++attempt) {
         if (!readAll(descriptor.get(), static_cast<std::size_t>(before.st_size), file.bytes)) return false;

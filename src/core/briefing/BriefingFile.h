@@ -26,6 +26,9 @@ struct FileText {
 /// again a few times, so that no half of an old text stands before half of a new one.
 bool readFile(int folder, const char* path, FileText& file);
 
+/// The same for an entry that the folder's listing says is a regular file, which spares asking again.
+bool readListedFile(int folder, const char* name, FileText& file);
+
 /// The briefing that a file of this name and content holds; absent when the content is not UTF-8. A byte order mark
 /// is dropped: it belongs to the encoding, and would hide the title from its reader. A name that is not UTF-8 is
 /// repaired in the id.

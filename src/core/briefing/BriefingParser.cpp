@@ -11,8 +11,8 @@
 
 namespace sunpane {
 
-BriefingItemWriter::BriefingItemWriter(std::size_t expectedSize) {
-    storage_->reserve(expectedSize);
+BriefingItemWriter::BriefingItemWriter(std::size_t expectedSize) : reserve_(std::min(expectedSize, storageSize)) {
+    storage_->reserve(reserve_);
 }
 
 void BriefingItemWriter::begin(std::string_view text) {
@@ -28,7 +28,12 @@ void BriefingItemWriter::add(std::string_view text) {
 BriefingItem BriefingItemWriter::finish() {
     const std::size_t markdownSize = storage_->size() - start_;
     const std::size_t idSize = appendItemKey(std::string_view(*storage_).substr(start_), *storage_);
-    return {storage_, start_, markdownSize, idSize};
+    BriefingItem item(storage_, start_, markdownSize, idSize);
+    if (storage_->size() >= storageSize) {
+        storage_ = std::make_shared<std::string>();
+        storage_->reserve(reserve_);
+    }
+    return item;
 }
 
 namespace briefing {
@@ -39,7 +44,7 @@ bool isAsciiByte(char byte) {
 }
 
 // The ASCII case of hasPrefix, for prefixes whose last character a mark could join.
-bool startsWith(std::string_view text, std::string_view prefix) {
+inline bool startsWith(std::string_view text, std::string_view prefix) {
     if (!text.starts_with(prefix)) return false;
     return text.size() == prefix.size() || isAsciiByte(text[prefix.size()]) || text::hasPrefix(text, prefix);
 }
@@ -77,6 +82,25 @@ std::string lettersOf(std::string_view text) {
 
 constexpr std::string_view workTag = "WRK";
 constexpr std::string_view personalTag = "PRSNL";
+
+bool containsIgnoringAsciiCase(std::string_view text, std::string_view lowercasePart) {
+    return std::search(text.begin(), text.end(), lowercasePart.begin(), lowercasePart.end(), [](char c, char lower) {
+               return (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) == lower;
+           }) != text.end();
+}
+
+// Whether an ASCII letter that is in no tag is a character of its own in `title`, which then cannot consist of a tag's
+// letters. Behind another ASCII byte, every ASCII letter begins a character.
+bool holdsLetterOfNoTag(std::string_view title) {
+    constexpr std::string_view tagLetters = "wrkpsnl";
+    for (std::size_t i = 0; i < title.size(); ++i) {
+        const char lower = static_cast<char>(title[i] | 0x20);
+        if (!isAsciiByte(title[i]) || lower < 'a' || lower > 'z') continue;
+        if (i > 0 && !isAsciiByte(title[i - 1])) continue;
+        if (tagLetters.find(lower) == std::string_view::npos) return true;
+    }
+    return false;
+}
 
 /// Collects the sections of one briefing, line by line.
 class SectionBuilder {
@@ -220,11 +244,13 @@ std::optional<std::string> boldHeaderTitle(std::string_view trimmedLine) {
 
 std::optional<std::string_view> cardText(std::string_view trimmedLine) {
     constexpr std::string_view bullet = "\u2022 ";
-    if (startsWith(trimmedLine, "- ")) {
+    if (trimmedLine.empty()) return std::nullopt;
+    if (trimmedLine.front() == '-' && startsWith(trimmedLine, "- ")) {
         if (startsWith(trimmedLine, "- [")) return std::nullopt;
         return trimmedLine.substr(2);
     }
-    if (startsWith(trimmedLine, bullet)) return trimmedLine.substr(bullet.size());
+    if (trimmedLine.front() == bullet.front() && startsWith(trimmedLine, bullet))
+        return trimmedLine.substr(bullet.size());
     return std::nullopt;
 }
 
@@ -233,7 +259,10 @@ bool isRule(std::string_view trimmedLine) {
 }
 
 bool isActionItemsTitle(std::string_view title) {
-    if (text::containsIgnoringCase(title, "action items")) return true;
+    // No other letters fold to this much of the words, so most titles need no folding.
+    if (containsIgnoringAsciiCase(title, "action item") && text::containsIgnoringCase(title, "action items"))
+        return true;
+    if (holdsLetterOfNoTag(title)) return false;
     const std::string letters = lettersOf(text::lowercased(title));
     return letters == "wrk" || letters == "prsnl";
 }

@@ -49,9 +49,13 @@ bool isActionItemsTitle(std::string_view title);
 
 namespace sunpane {
 
-/// Writes the cards of one briefing into the text that they share.
+/// Writes the cards of one briefing into texts that they share.
 class BriefingItemWriter {
 public:
+    /// Cards share a text until it is this large (bytes), so that one card that is kept does not keep a whole large
+    /// file.
+    static constexpr std::size_t storageSize = std::size_t{64} * 1024;
+
     /// `expectedSize` is how many bytes all cards and keys will take, roughly.
     explicit BriefingItemWriter(std::size_t expectedSize);
 
@@ -61,6 +65,7 @@ public:
     BriefingItem finish();
 
 private:
+    std::size_t reserve_;
     std::shared_ptr<std::string> storage_ = std::make_shared<std::string>();
     std::size_t start_ = 0;
 };

@@ -32,22 +32,29 @@ class FolderListing {
 public:
     explicit FolderListing(const std::string& folder) : stream_(opendir(folder.c_str())) {
         if (!stream_) return;
-        while (const dirent* entry = readdir(stream_.get()))
-            names_.emplace_back(entry->d_name);
+        while (const dirent* entry = readdir(stream_.get())) {
+            entries_.push_back({entry->d_name, entry->d_type == DT_REG});
+        }
         // The order in which a file system lists entries may change with any change of the folder.
-        std::sort(names_.begin(), names_.end());
+        std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
     }
 
-    /// Only while there are names.
+    struct Entry {
+        std::string name;
+        /// False also when the file system does not say.
+        bool isRegularFile;
+    };
+
+    /// Only while there are entries.
     int descriptor() const { return dirfd(stream_.get()); }
-    const std::vector<std::string>& names() const { return names_; }
+    const std::vector<Entry>& entries() const { return entries_; }
 
 private:
     struct Closer {
         void operator()(DIR* stream) const { closedir(stream); }
     };
     std::unique_ptr<DIR, Closer> stream_;
-    std::vector<std::string> names_;
+    std::vector<Entry> entries_;
 };
 
 std::string homeFolder() {
@@ -180,10 +187,11 @@ std::vector<Briefing> FolderBriefingProvider::loadBriefings(const std::string& f
     const FolderListing listing(folder);
     std::vector<Briefing> briefings;
     briefing::FileText file;
-    for (const auto& name : listing.names()) {
+    for (const auto& [name, isRegularFile] : listing.entries()) {
         if (isPlaceholderName(name)) cloudFiles.startDownloading(folder + '/' + name);
         if (!briefing::isMarkdownName(name)) continue;
-        if (!briefing::readFile(listing.descriptor(), name.c_str(), file)) continue;
+        const auto read = isRegularFile ? briefing::readListedFile : briefing::readFile;
+        if (!read(listing.descriptor(), name.c_str(), file)) continue;
         if (auto briefing = briefing::parseText(name, file, calendar)) briefings.push_back(*std::move(briefing));
     }
     std::stable_sort(briefings.begin(), briefings.end(),
@@ -195,14 +203,17 @@ void FolderBriefingProvider::cleanupOldBriefings(const std::string& folder, int 
     const LocalCalendar calendar(clock);
     const Instant cutoff = calendar.addingDays(clock.now(), -keepDays);
     const FolderListing listing(folder);
-    for (const auto& name : listing.names()) {
+    for (const auto& [name, isRegularFile] : listing.entries()) {
         if (!briefing::isMarkdownName(name)) continue;
         const auto date = briefing::dateFromName(briefing::stem(name), calendar);
         if (!date || *date >= cutoff) continue;
         struct stat status {};
-        if (fstatat(listing.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
+        if (!isRegularFile && (fstatat(listing.descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+                               !(S_ISREG(status.st_mode) || S_ISLNK(status.st_mode)))) {
+            continue;
+        }
         // Without the flag for folders, one that has just taken the file's place is not removed either.
-        if (S_ISREG(status.st_mode) || S_ISLNK(status.st_mode)) unlinkat(listing.descriptor(), name.c_str(), 0);
+        unlinkat(listing.descriptor(), name.c_str(), 0);
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -21,6 +22,60 @@ namespace {
 
 constexpr char separator = '-';
 
+// The first byte of a block is the lowest of its halves.
+static_assert(std::endian::native == std::endian::little);
+
+/// Sixteen bytes on their way into a key: letters in lower case, digits, and the separator for all other ASCII.
+class KeyBlock {
+public:
+    static constexpr std::size_t size = 16;
+
+    explicit KeyBlock(const char* bytes);
+
+    /// Writes the bytes from `first` on to `target`, which has room for `size`; what it writes beyond them means
+    /// nothing.
+    void store(unsigned first, char* target) const {
+        constexpr unsigned halfSize = sizeof(std::uint64_t);
+        constexpr unsigned bits = 8;
+        std::array<std::uint64_t, 2> shifted = halves_;
+        if (first >= halfSize) {
+            shifted = {halves_[1] >> (bits * (first - halfSize)), 0};
+        } else if (first > 0) {
+            shifted = {(halves_[0] >> (bits * first)) | (halves_[1] << (bits * (halfSize - first))),
+                       halves_[1] >> (bits * first)};
+        }
+        std::memcpy(target, shifted.data(), size);
+    }
+
+    /// How many bytes stand before the first that is not ASCII.
+    std::size_t asciiCount = size;
+    /// A bit for each separator, the first byte's lowest.
+    unsigned separators = 0;
+
+private:
+    std::array<std::uint64_t, 2> halves_;
+};
+
+#if defined(__SSE2__)
+KeyBlock::KeyBlock(const char* bytes) {
+    const auto inRange = [](__m128i values, char first, char last) {
+        const __m128i shifted = _mm_sub_epi8(values, _mm_set1_epi8(first));
+        return _mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8(static_cast<char>(last - first))), shifted);
+    };
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    asciiCount = static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(block)) | 0x10000U));
+    // Setting the bit that tells the cases apart moves no other ASCII byte onto a letter.
+    const __m128i lowered = _mm_or_si128(block, _mm_set1_epi8(0x20));
+    const __m128i letters = inRange(lowered, 'a', 'z');
+    const __m128i digits = inRange(block, '0', '9');
+    const __m128i kept = _mm_or_si128(letters, digits);
+    separators = static_cast<unsigned>(_mm_movemask_epi8(kept)) ^ 0xFFFFU;
+    const __m128i values = _mm_or_si128(_mm_and_si128(letters, lowered), _mm_and_si128(digits, block));
+    const __m128i result = _mm_or_si128(values, _mm_andnot_si128(kept, _mm_set1_epi8(separator)));
+    halves_[0] = static_cast<std::uint64_t>(_mm_cvtsi128_si64(result));
+    halves_[1] = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(result, result)));
+}
+#else
 // An ASCII letter in lower case, a digit as it is, any other byte as the separator.
 constexpr std::array<char, 256> asciiKeyBytes = [] {
     std::array<char, 256> table{};
@@ -34,6 +89,20 @@ constexpr std::array<char, 256> asciiKeyBytes = [] {
     return table;
 }();
 
+KeyBlock::KeyBlock(const char* bytes) : halves_{} {
+    for (std::size_t i = 0; i < size; ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (byte >= 0x80) asciiCount = std::min(asciiCount, i);
+        const char value = asciiKeyBytes[byte];
+        if (value == separator) separators |= 1U << i;
+        halves_[i / 8] |= std::uint64_t{static_cast<unsigned char>(value)} << (8 * (i % 8));
+    }
+}
+#endif
+
+// The dashes, quotation marks and spaces of written text, among which there is no letter, mark or number.
+constexpr char32_t firstPunctuation = 0x2000;
+constexpr char32_t lastPunctuation = 0x206F;
 constexpr char32_t capitalSigma = 0x3A3;     // its lower case depends on what follows it
 constexpr char32_t capitalIWithDot = 0x130;  // the only letter whose lower case is two code points
 
@@ -44,49 +113,58 @@ public:
     /// Room for the key of any text without combining marks, and for what is written past its end to know where it is.
     static constexpr std::size_t capacity = 512;
     /// More than this is never written at a time.
-    static constexpr std::size_t blockSize = 16;
+    static constexpr std::size_t blockSize = KeyBlock::size;
 
     // Only what is written is ever read, so the rest of the buffer is left as it is.
     KeyWriter() { bytes_[0] = separator; }
 
     bool hasRoom() const { return size_ + blockSize <= capacity; }
-    std::size_t size() const { return size_; }
-    bool isAscii() const { return isAscii_; }
+    /// Whether every code point that was written is a character of its own.
+    bool isSimple() const { return isSimple_; }
+    std::size_t codePointCount() const { return size_ - start - continuationBytes_; }
 
-    void append(char byte) {
-        bytes_[size_] = byte;
-        size_ += byte != separator || bytes_[size_ - 1] != separator ? 1 : 0;
+    void appendSeparator() {
+        bytes_[size_] = separator;
+        size_ += bytes_[size_ - 1] != separator ? 1 : 0;
     }
 
     void appendAlphanumeric(char32_t codePoint) {
+        constexpr char32_t firstCombiningMark = 0x300;
         auto offset = static_cast<std::int32_t>(size_);
         U8_APPEND_UNSAFE(reinterpret_cast<std::uint8_t*>(bytes_.data()), offset, static_cast<UChar32>(codePoint));
+        continuationBytes_ += static_cast<std::size_t>(offset) - size_ - 1;
         size_ = static_cast<std::size_t>(offset);
-        isAscii_ = isAscii_ && codePoint < 0x80;
+        isSimple_ = isSimple_ && codePoint < firstCombiningMark;
     }
 
-#if defined(__SSE2__)
-    /// Takes `blockSize` ASCII bytes at once when no two separators meet in them. False: nothing was written.
-    bool appendBlock(__m128i block) {
-        const auto inRange = [](__m128i bytes, char first, char last) {
-            const __m128i shifted = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
-            return _mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8(static_cast<char>(last - first))), shifted);
-        };
-        // Setting the bit that tells the cases apart moves no other ASCII byte onto a letter.
-        const __m128i lowered = _mm_or_si128(block, _mm_set1_epi8(0x20));
-        const __m128i letters = inRange(lowered, 'a', 'z');
-        const __m128i digits = inRange(block, '0', '9');
-        const __m128i kept = _mm_or_si128(letters, digits);
-        const auto separators = static_cast<unsigned>(_mm_movemask_epi8(kept)) ^ 0xFFFFU;
-        const unsigned follows = (separators << 1) | (bytes_[size_ - 1] == separator ? 1U : 0U);
-        if ((separators & follows) != 0) return false;
-        const __m128i values = _mm_or_si128(_mm_and_si128(letters, lowered), _mm_and_si128(digits, block));
-        const __m128i result = _mm_or_si128(values, _mm_andnot_si128(kept, _mm_set1_epi8(separator)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes_.data() + size_), result);
-        size_ += blockSize;
-        return true;
+    /// Takes what is ASCII at the start of `text`, at most `blockSize` bytes of it, and returns how many that were.
+    std::size_t appendAscii(std::string_view text) {
+        std::array<char, blockSize> copy{};
+        const char* bytes = text.data();
+        std::size_t count = blockSize;
+        if (text.size() < blockSize) {
+            std::memcpy(copy.data(), bytes, text.size());
+            bytes = copy.data();
+            count = text.size();
+        }
+        const KeyBlock block(bytes);
+        count = std::min(count, block.asciiCount);
+        const unsigned all = (1U << count) - 1;
+        const unsigned behindSeparator = (block.separators << 1) | (bytes_[size_ - 1] == separator ? 1U : 0U);
+        // Where two separators meet, only the first stays, so that what is kept falls into a few runs.
+        unsigned kept = all & ~(block.separators & behindSeparator);
+        unsigned skipped = 0;
+        while (kept != 0) {
+            const auto gap = static_cast<unsigned>(std::countr_zero(kept));
+            const auto run = static_cast<unsigned>(std::countr_one(kept >> gap));
+            skipped += gap;
+            block.store(skipped, bytes_.data() + size_);
+            size_ += run;
+            skipped += run;
+            kept >>= gap + run;
+        }
+        return count;
     }
-#endif
 
     std::string_view key() const {
         const std::size_t end = size_ > start && bytes_[size_ - 1] == separator ? size_ - 1 : size_;
@@ -98,52 +176,39 @@ private:
     static constexpr std::size_t start = 1;
     std::array<char, capacity + blockSize + U8_MAX_LENGTH> bytes_;
     std::size_t size_ = start;
-    bool isAscii_ = true;
+    std::size_t continuationBytes_ = 0;
+    bool isSimple_ = true;
 };
 
-// What the key's characters need at most of the written ones: one more shows that the last is complete.
-constexpr std::size_t enoughAscii = BriefingItem::maximumKeyCharacters + 2;
+// Enough to cut a key of simple characters: one more than it keeps, and a separator that may yet be taken off.
+constexpr std::size_t enoughCodePoints = BriefingItem::maximumKeyCharacters + 2;
 
 // Absent when `text` needs the general operations.
 std::optional<std::string_view> writeKey(std::string_view text, KeyWriter& writer) {
     std::size_t position = 0;
-    while (position < text.size() && !(writer.isAscii() && writer.size() > enoughAscii)) {
+    while (position < text.size() && !(writer.isSimple() && writer.codePointCount() >= enoughCodePoints)) {
         if (!writer.hasRoom()) {
             const auto key = text::firstCharacters(writer.key(), BriefingItem::maximumKeyCharacters);
             if (key.size() < writer.key().size()) return key;
             return std::nullopt;  // more marks on its letters than there is room for
         }
-#if defined(__SSE2__)
-        if (text.size() - position >= KeyWriter::blockSize) {
-            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + position));
-            if (_mm_movemask_epi8(block) == 0) {
-                if (!writer.appendBlock(block)) {
-                    for (std::size_t i = 0; i < KeyWriter::blockSize; ++i) {
-                        writer.append(asciiKeyBytes[static_cast<unsigned char>(text[position + i])]);
-                    }
-                }
-                position += KeyWriter::blockSize;
-                continue;
-            }
-        }
-#endif
-        const auto byte = static_cast<unsigned char>(text[position]);
-        if (byte < 0x80) {
-            writer.append(asciiKeyBytes[byte]);
-            ++position;
+        position += writer.appendAscii(text.substr(position));
+        if (position == text.size() || static_cast<unsigned char>(text[position]) < 0x80) continue;
+        const char32_t codePoint = text::nextCodePoint(text, position);
+        if (codePoint >= firstPunctuation && codePoint <= lastPunctuation) {
+            writer.appendSeparator();
             continue;
         }
-        const char32_t codePoint = text::nextCodePoint(text, position);
         if (codePoint == capitalSigma || codePoint == capitalIWithDot) return std::nullopt;
         const auto lowered = static_cast<char32_t>(u_tolower(static_cast<UChar32>(codePoint)));
         if (text::isAlphanumeric(lowered)) {
             writer.appendAlphanumeric(lowered);
         } else {
-            writer.append(separator);
+            writer.appendSeparator();
         }
     }
     const std::string_view key = writer.key();
-    if (writer.isAscii()) return key.substr(0, BriefingItem::maximumKeyCharacters);
+    if (writer.codePointCount() <= BriefingItem::maximumKeyCharacters) return key;
     return text::firstCharacters(key, BriefingItem::maximumKeyCharacters);
 }
 

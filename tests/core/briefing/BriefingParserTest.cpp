@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unicode/unistr.h>
 
 #include <random>
 
@@ -84,6 +85,9 @@ TEST(BriefingParser, CutsSectionsAndCards) {
         {"### A\n-   spaces stay\n• typed bullet\n-\n- \u0301mark",
          {"0 A |  |   spaces stay | typed bullet - - \u0301mark"}},
         {"### A\n- **Done**\n- next", {"0 - Done |  | next"}},
+        {"### ACTION ITEM\u017F\n- a\n### Action Item\n- b", {"0 Action Item |  | b"}},
+        {"### Sn\u00E9\n- a\n### wrk\u0301\n- b\n### \u0600WRK\n- c",
+         {"0 Sn\u00E9 |  | a", "1 wrk\u0301 |  | b", "2 \u0600WRK |  | c"}},
         {"###A\n###\u00A0B\n### \u0301C", {"0 Overview | ###A\n###\u00A0B\n### \u0301C"}},
     };
     for (const auto& c : cases)
@@ -144,6 +148,23 @@ TEST(BriefingParser, ReadsActionItems) {
                 ElementsAre(Item{"a", {}, true}, Item{"b", {}, false}, Item{"b", {}, false}));
 }
 
+// The parser looks no further at a title that does not hold these letters as they are.
+TEST(BriefingParser, NoOtherLetterFoldsToAPartOfActionItem) {
+    constexpr std::string_view words = "action item";
+    for (char32_t codePoint = 0x80; codePoint <= 0x10FFFF; ++codePoint) {
+        if (codePoint >= 0xD800 && codePoint <= 0xDFFF) continue;
+        std::string folded;
+        icu::UnicodeString(static_cast<UChar32>(codePoint)).foldCase().toUTF8String(folded);
+        // Folded text that begins in front of the words, ends behind them or lies within shares an end with them.
+        for (std::size_t size = 1; size <= folded.size(); ++size) {
+            const std::string_view start = std::string_view(folded).substr(0, size);
+            const std::string_view end = std::string_view(folded).substr(folded.size() - size);
+            ASSERT_FALSE(words.ends_with(start) || words.starts_with(end)) << folded;
+        }
+        ASSERT_EQ(words.find(folded), std::string_view::npos) << folded;
+    }
+}
+
 TEST(BriefingItem, KeysFollowTheWordingOnly) {
     const std::string marks = "a" + [] {
         std::string text;
@@ -163,6 +184,8 @@ TEST(BriefingItem, KeysFollowTheWordingOnly) {
         {std::string(100, 'a') + "\u0301b", std::string(100, 'a') + "\u0301"},
         {std::string(100000, 'A'), std::string(100, 'a')},
         {marks, marks},
+        {std::string(98, 'a') + "\u00E9\u00F8b", std::string(98, 'a') + "\u00E9\u00F8"},
+        {std::string(99, 'a') + "\u00E9\u0308b", std::string(99, 'a') + "\u00E9\u0308"},
     };
     for (const auto& [text, key] : cases) {
         EXPECT_EQ(BriefingItem::key(text), key);
