@@ -10,8 +10,7 @@ printf '{"briefingsFolderPath": "%s"}\n' "$HOME/briefings" >"$HOME/.config/dawnl
 sed "s/^# .*/# Morning Briefing, $(date '+%A %-d %B')/" "$here/sample-briefing.md" >"$HOME/briefings/$(date +%F).md"
 printf '# Yesterday\n### Notes\n- Nothing new\n' >"$HOME/briefings/$(date -d yesterday +%F).md"
 
-convert -size 1280x800 gradient:'#3a4a7e-#e8b478' "$HOME/wallpaper.png"
-display -window root "$HOME/wallpaper.png"
+hsetroot -add '#34446f' -add '#b0667e' -add '#e8b478' -gradient 0
 picom --backend xrender --config /dev/null >/dev/null 2>&1 &
 children=($!)
 trap 'kill "${children[@]}" 2>/dev/null; wait 2>/dev/null' EXIT

@@ -1,0 +1,100 @@
+"""Start, memory and idle cost of the folded panel beside a bare window of the same toolkit, size and renderer, in one
+run. Usage: panel_bench.py DIRECTORY-OF-PROGRAMS"""
+
+import mmap
+import os
+import statistics
+import sys
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tests/e2e"))
+from desktop import Desktop  # noqa: E402
+
+STARTS = 15
+IDLE_SECONDS = 30
+
+
+def first_frame(desktop, command):
+    """Seconds from starting the command to a black pixel where the notch is, and the process."""
+    with open(desktop.framebuffer, "rb") as file, mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ) as screen:
+        header = int.from_bytes(screen[0:4], "big")
+        stride, colours = int.from_bytes(screen[48:52], "big"), int.from_bytes(screen[76:80], "big")
+        at = header + 12 * colours + 5 * stride + 4 * 640
+        assert screen[at:at + 3] != b"\0\0\0"
+        start = time.monotonic()
+        process = desktop.start(*command)
+        while screen[at:at + 3] != b"\0\0\0":
+            if time.monotonic() - start > 20:
+                raise SystemExit("nothing was drawn")
+            time.sleep(0.0005)
+        return time.monotonic() - start, process
+
+
+def stop(desktop, process):
+    process.terminate()
+    process.wait()
+    time.sleep(0.3)
+
+
+def memory(process):
+    """Resident and proportional set size in KiB."""
+    fields = {}
+    with open("/proc/%d/smaps_rollup" % process.pid) as rollup:
+        for line in rollup.readlines()[1:]:
+            name, value = line.split()[:2]
+            fields[name.rstrip(":")] = int(value)
+    return fields["Rss"], fields["Pss"]
+
+
+def processor_time(process):
+    """Seconds on a processor, of all threads."""
+    total = 0
+    tasks = "/proc/%d/task" % process.pid
+    for task in os.listdir(tasks):
+        with open(os.path.join(tasks, task, "schedstat")) as stat:
+            total += int(stat.read().split()[0])
+    return total / 1e9
+
+
+def main(programs):
+    desktop = Desktop()
+    sample = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../packaging/sample-briefing.md")
+    with open(sample) as briefing:
+        desktop.write_briefing("2026-11-22.md", briefing.read())
+    dawnly, bare = [os.path.join(programs, "dawnly")], [os.path.join(programs, "bare_window")]
+    try:
+        starts = {"dawnly": [], "bare": []}
+        sizes = {"dawnly": [], "bare": []}
+        for round_number in range(STARTS + 1):
+            for name, command in (("dawnly", dawnly), ("bare", bare)):
+                seconds, process = first_frame(desktop, command)
+                if round_number:  # the first round fills the file caches
+                    starts[name].append(seconds)
+                if round_number in (1, 2, 3):
+                    time.sleep(3)
+                    sizes[name].append(memory(process))
+                stop(desktop, process)
+        ratios = [a / b for a, b in zip(starts["dawnly"], starts["bare"])]
+        print("start to first frame: panel %.0f ms, bare window %.0f ms, ratio %.2f (median of %d pairs)" % (
+            1000 * statistics.median(starts["dawnly"]), 1000 * statistics.median(starts["bare"]),
+            statistics.median(ratios), STARTS))
+        for index, kind in enumerate(("resident", "proportional")):
+            panel = statistics.median(size[index] for size in sizes["dawnly"])
+            peer = statistics.median(size[index] for size in sizes["bare"])
+            print("%s memory, folded: panel %.1f MB, bare window %.1f MB, ratio %.2f" % (
+                kind, panel / 1024, peer / 1024, panel / peer))
+
+        _, panel = first_frame(desktop, dawnly)
+        peer = desktop.start(*bare, "780", "736", "--poll")
+        time.sleep(5)
+        before = processor_time(panel), processor_time(peer)
+        time.sleep(IDLE_SECONDS)
+        spent = processor_time(panel) - before[0], processor_time(peer) - before[1]
+        print("idle for %d s: panel %.1f ms, bare polling window %.1f ms of processor time, ratio %.2f" % (
+            IDLE_SECONDS, 1000 * spent[0], 1000 * spent[1], spent[0] / spent[1]))
+    finally:
+        desktop.close()
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
