@@ -38,6 +38,9 @@ there first) and "op":
   external {file,content}                       flags.reminders {lines}
   restart {}  wait {}                           dump {}
 
+In logs of the simulation also: another device's read and write, device.add {text} and device.clear {markdown}; and,
+without --folder, machine.zone {zone}, machine.fault {kind}, machine.crash {steps}, machine.start {}, machine.wake {}.
+
 An index out of range stands for a todo that is not in the list. Time zone and locale are taken from TZ and LANG.
 A line that is none of this: one line on standard error, exit code 2.
 )";
@@ -97,10 +100,12 @@ struct Run {
         driver = std::make_unique<StoreDriver>(at, place, [this](const Clock& clock) -> DriverDisk {
             if (folder) {
                 real = std::make_shared<ClockedFileSystem>(clock);
-                return {real.get(), [this](const auto& path, const auto& text) { real->writeExternally(path, text); }};
+                return {real.get(), nullptr,
+                        [this](const auto& path, const auto& text) { real->writeExternally(path, text); }};
             }
             memory = std::make_shared<SimulatedFileSystem>(clock);
-            return {memory.get(), [this](const auto& path, const auto& text) { memory->writeExternally(path, text); }};
+            return {memory.get(), memory.get(),
+                    [this](const auto& path, const auto& text) { memory->writeExternally(path, text); }};
         });
     }
 };

@@ -1,6 +1,6 @@
 #include "StoreDriver.h"
 
-#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "base/Dates.h"
@@ -133,7 +133,14 @@ const std::map<std::string, StoreDriver::Operation>& StoreDriver::operations() {
                                                         {"external", &StoreDriver::external},
                                                         {"restart", &StoreDriver::restartOperation},
                                                         {"wait", &StoreDriver::wait},
-                                                        {"dump", &StoreDriver::dump}};
+                                                        {"dump", &StoreDriver::dump},
+                                                        {"device.add", &StoreDriver::deviceAdd},
+                                                        {"device.clear", &StoreDriver::deviceClear},
+                                                        {"machine.zone", &StoreDriver::machineZone},
+                                                        {"machine.fault", &StoreDriver::machineFault},
+                                                        {"machine.crash", &StoreDriver::machineCrash},
+                                                        {"machine.start", &StoreDriver::machineStart},
+                                                        {"machine.wake", &StoreDriver::wait}};
     return table;
 }
 
@@ -144,6 +151,8 @@ std::optional<std::string> StoreDriver::run(const Json& line) {
     const auto operation = operations().find(textField(line, "op"));
     if (operation == operations().end()) throw BadLine("there is no such \"op\"");
     clock_.pinned.reset();
+    // Asleep, the machine's wall clock goes on but its timers do not.
+    if (operation->first == "machine.wake") time_.jumpWallClock(at);
     if (at > now()) time_.advanceTo(at);
     clock_.pinned = at;
     printed_.reset();
@@ -254,6 +263,78 @@ void StoreDriver::restartOperation(const Json&) {
 }
 
 void StoreDriver::wait(const Json&) {}
+
+SimulatedFileSystem& StoreDriver::memory() const {
+    if (disk_.memory == nullptr) throw BadLine("machine operations need the folder in memory");
+    return *disk_.memory;
+}
+
+std::optional<std::string> StoreDriver::content(const std::string& path) const {
+    if (disk_.memory != nullptr) return disk_.memory->content(path);
+    const FileReading reading = disk_.files->read(path, StoreFile::maximumBytes);
+    return reading.status == FileReading::Status::read ? std::optional(reading.bytes) : std::nullopt;
+}
+
+// Another device reads the file, adds to it and writes it back. A file that does not decode it leaves alone.
+void StoreDriver::deviceAdd(const Json& line) {
+    const auto file = content(todos_->fileURL());
+    auto state = file ? decodeTodos(*file) : std::nullopt;
+    const std::string text = textField(line, "text");
+    if (!state) return;
+    state->todos.push_back(Todo::make(text, now()));
+    partition(state->todos);
+    disk_.writeExternally(todos_->fileURL(), encodeTodos(*state));
+}
+
+void StoreDriver::deviceClear(const Json& line) {
+    const auto file = content(flags_->fileURL());
+    auto state = file ? decodeFlags(*file) : std::nullopt;
+    const BriefingItem item = itemField(line);
+    if (!state) return;
+    const std::string key(item.id());
+    state->prio.erase(key);
+    state->firstFlagged.erase(key);
+    state->cleared[key] = item.markdown();
+    state->dates[key] = now();
+    disk_.writeExternally(flags_->fileURL(), encodeFlags(*state));
+}
+
+void StoreDriver::machineZone(const Json& line) {
+    clock_.zone = textField(line, "zone");
+}
+
+void StoreDriver::machineFault(const Json& line) {
+    constexpr std::size_t fewBytes = 40;
+    SimulatedFileSystem& disk = memory();
+    const std::string kind = textField(line, "kind");
+    disk.freeBytes = kind == "fullDisk" ? fewBytes : std::numeric_limits<std::size_t>::max();
+    disk.readOnlyFolders.clear();
+    disk.forbiddenFiles.clear();
+    disk.specialFiles.clear();
+    if (kind == "readOnlyFolder") disk.readOnlyFolders.insert(place_.folder);
+    if (kind == "noJournals") disk.readOnlyFolders.insert(place_.stateFolder);
+    for (const std::string& file : {todos_->fileURL(), flags_->fileURL(), flags_->feedbackURL()}) {
+        if (kind == "noPermission") disk.forbiddenFiles.insert(file);
+        if (kind == "directory") disk.specialFiles.insert(file);
+    }
+    if (kind == "folderGone") disk.removeFolder(place_.folder);
+    if (kind == "none") disk.makeFolder(place_.folder);
+}
+
+void StoreDriver::machineCrash(const Json& line) {
+    memory().dieAfter(static_cast<std::uint64_t>(wholeField(line, "steps")));
+}
+
+void StoreDriver::machineStart(const Json&) {
+    // What the old process still does while it goes must not reach the disk.
+    memory().dieAfter(0);
+    todos_.reset();
+    flags_.reset();
+    files_.reset();
+    memory().revive();
+    undo_ = NotchUndo();
+    start();
+}
 
 void StoreDriver::dump(const Json&) {
     time_.runPending();

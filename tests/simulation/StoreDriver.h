@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -33,6 +34,8 @@ public:
 /// The disk that the driver's stores work on, as far as the driver itself touches it.
 struct DriverDisk {
     FileSystem* files = nullptr;
+    /// The same disk when it is one in memory; the `machine` operations need that.
+    SimulatedFileSystem* memory = nullptr;
     std::function<void(const std::string& path, const std::string& content)> writeExternally;
 };
 
@@ -95,6 +98,14 @@ private:
     void restartOperation(const nlohmann::json& line);
     void wait(const nlohmann::json& line);
     void dump(const nlohmann::json& line);
+    void deviceAdd(const nlohmann::json& line);
+    void deviceClear(const nlohmann::json& line);
+    void machineZone(const nlohmann::json& line);
+    void machineFault(const nlohmann::json& line);
+    void machineCrash(const nlohmann::json& line);
+    void machineStart(const nlohmann::json& line);
+    SimulatedFileSystem& memory() const;
+    std::optional<std::string> content(const std::string& path) const;
 
     Uuid idAt(const nlohmann::json& line) const;
     std::string fileObject(const std::string& path) const;
