@@ -17,8 +17,10 @@
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
+#include "linux/system/PosixFileSystem.h"
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
+#include "linux/system/XdgPaths.h"
 #include "views/RootWindow.h"
 
 namespace {
@@ -56,8 +58,10 @@ int main(int argc, char* argv[]) {
     JsonUserDefaults defaults(JsonUserDefaults::defaultPath());
     InotifyFolderEvents folderEvents;
     LocalCloudFiles cloudFiles;
+    PosixFileSystem files;
+    StoreFiles storeFiles({files, cloudFiles, clock, runLoop, queues, sleepFor}, xdg::stateFolder());
     X11Events events;
-    NotchViewModel model({clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}});
+    NotchViewModel model({clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}, storeFiles});
     model.start();
 
     RootWindow::registerTypes();

@@ -5,12 +5,18 @@
 #include <functional>
 #include <utility>
 
+#include "app/PanelBriefing.h"
 #include "base/Dates.h"
 
 namespace sunpane {
 
 NotchViewModel::NotchViewModel(const Collaborators& collaborators)
-    : with_(collaborators), self_(std::make_shared<NotchViewModel*>(this)) {}
+    : with_(collaborators),
+      todoStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
+      flagStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
+      flagsSettled_(with_.runLoop, storeDebounce, [this] { recomputeUntouched(); }),
+      todosSettled_(with_.runLoop, storeDebounce, [this] { pushReminders(); }),
+      self_(std::make_shared<NotchViewModel*>(this)) {}
 
 NotchViewModel::~NotchViewModel() {
     if (provider_) provider_->stop();
@@ -23,6 +29,7 @@ void NotchViewModel::postToMain(std::function<void(NotchViewModel&)> task) {
 }
 
 void NotchViewModel::start() {
+    watchStores();
     observers_.push_back(with_.notifications.observe(notification::collapseNotch, [this](const auto&) {
         postToMain([](NotchViewModel& model) {
             model.suppressExpandUntil_ = model.with_.clock.now() + suppressAfterCollapse;
@@ -39,6 +46,15 @@ void NotchViewModel::start() {
     observers_.push_back(with_.notifications.observe(notification::briefingsFolderChanged, [this](const auto&) {
         postToMain([](NotchViewModel& model) { model.startProvider(); });
     }));
+}
+
+void NotchViewModel::watchStores() {
+    observers_.push_back(flagStore_.onWillChange([this] { flagsSettled_.trigger(); }));
+    observers_.push_back(todoStore_.onWillChange([this] { todosSettled_.trigger(); }));
+    // Keeps a card's flag in step with the star of the todo that was made from it.
+    todoStore_.onPrioChanged = [this](const Todo& todo) {
+        if (todo.sourceItemKey) flagStore_.setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
+    };
 }
 
 void NotchViewModel::startProvider() {
@@ -58,6 +74,7 @@ void NotchViewModel::startProvider() {
 
     // The handler runs on the provider's queue: all it touches is the main loop and a weak reference.
     provider_->start([&runLoop = with_.runLoop, weak = std::weak_ptr(self_)](std::vector<Briefing> items) {
+        std::for_each(items.begin(), items.end(), limitToPanel);
         runLoop.post([weak, items = std::move(items)]() mutable {
             const auto self = weak.lock();
             if (!self) return;
@@ -77,6 +94,46 @@ void NotchViewModel::apply(std::vector<Briefing> items) {
     announceChange();
     briefings_ = std::move(items);
     currentIndex_ = 0;
+
+    if (!briefings_.empty()) todoStore_.ingest(briefings_.front());
+    refreshPrioReferences();
+    recomputeUntouched();
+}
+
+void NotchViewModel::refreshPrioReferences() {
+    std::vector<std::string> texts;
+    for (const auto& todo : todoStore_.todos()) {
+        if (!todo.done) texts.push_back(todo.text);
+    }
+    flagStore_.refreshPrioReferences(texts);
+}
+
+void NotchViewModel::recomputeUntouched() {
+    std::vector<std::string> untouched;
+    if (!briefings_.empty()) {
+        // The newest briefing counts, whichever is on screen.
+        for (const auto& section : briefings_.front().sections()) {
+            for (const auto& item : section.items) {
+                if (untouched.size() == maximumUntouched) break;
+                const std::string key(item.id());
+                if (flagStore_.isPrio(key) || flagStore_.isCleared(key)) continue;
+                untouched.emplace_back(item.markdown());
+            }
+        }
+    }
+    flagStore_.updateUntouched(untouched);
+}
+
+void NotchViewModel::pushReminders() {
+    const LocalCalendar calendar(with_.clock);
+    std::vector<std::string> lines;
+    for (const auto& todo : todoStore_.todos()) {
+        if (todo.done || !todo.remindAt) continue;
+        std::string line = todo.text + " — reminder set for " + calendar.format(*todo.remindAt, "yyyy-MM-dd HH:mm");
+        if (todo.remindRepeat) line += " (repeats " + *todo.remindRepeat + ")";
+        lines.push_back(std::move(line));
+    }
+    flagStore_.updateReminders(lines);
 }
 
 void NotchViewModel::updateUnread(const Briefing* newest) {

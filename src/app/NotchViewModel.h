@@ -13,6 +13,9 @@
 #include "base/WorkQueue.h"
 #include "core/briefing/Briefing.h"
 #include "core/briefing/FolderBriefingProvider.h"
+#include "core/stores/ItemFlagStore.h"
+#include "core/stores/StoreFiles.h"
+#include "core/stores/TodoStore.h"
 #include "platform/UserDefaults.h"
 
 namespace sunpane {
@@ -25,7 +28,10 @@ inline constexpr const char* revealTodo = "revealTodo";
 }  // namespace notification
 
 /// The program's one central state: which briefings are listed and which is on screen, whether the newest is unread,
-/// and whether the panel is folded open.
+/// and whether the panel is folded open. Owns the todos and the flags, brings the newest briefing's action items into
+/// the todos, and tells the flag store what `feedback.json` needs to know.
+///
+/// The stores keep the folder that was current when the view model was made.
 ///
 /// One instance, created by the start-up code; it lives as long as the process. Main thread only.
 class NotchViewModel : public Observable {
@@ -36,6 +42,10 @@ public:
     /// After a collapse that did not come from the pointer, hovering does not unfold for this long.
     static constexpr Seconds suppressAfterCollapse = 1.2;
     static constexpr Seconds keepOpenAfterReveal = 5;
+    /// Store changes are collected this long before what is derived from them is computed again.
+    static constexpr Seconds storeDebounce = 1;
+    /// The agent is told of at most this many cards that were left untouched.
+    static constexpr std::size_t maximumUntouched = 25;
 
     struct Collaborators {
         Clock& clock;
@@ -43,6 +53,7 @@ public:
         LocalNotifications& notifications;
         const UserDefaults& defaults;
         FolderBriefingProvider::Ports provider;
+        StoreFiles& storeFiles;
     };
 
     explicit NotchViewModel(const Collaborators& collaborators);
@@ -53,6 +64,9 @@ public:
 
     /// Folds the panel open or shut. Opening it marks everything as read.
     void setExpanded(bool expanded);
+
+    TodoStore& todoStore() { return todoStore_; }
+    ItemFlagStore& flagStore() { return flagStore_; }
 
     /// The briefings shown, newest first.
     const std::vector<Briefing>& briefings() const { return briefings_; }
@@ -89,10 +103,16 @@ private:
     void apply(std::vector<Briefing> items);
     void reapply();
     void updateUnread(const Briefing* newest);
+    void watchStores();
+    void recomputeUntouched();
+    void pushReminders();
+    void refreshPrioReferences();
     // Runs `task` on the main loop unless the view model is gone by then.
     void postToMain(std::function<void(NotchViewModel&)> task);
 
     Collaborators with_;
+    TodoStore todoStore_;
+    ItemFlagStore flagStore_;
     std::vector<Briefing> briefings_;
     std::size_t currentIndex_ = 0;
     bool expanded_ = false;
@@ -108,6 +128,8 @@ private:
     Subscription cleanupTimer_;
     Subscription rolloverTimer_;
     std::vector<Subscription> observers_;
+    Debouncer flagsSettled_;
+    Debouncer todosSettled_;
     // Shared with whatever may call back from another thread or later.
     std::shared_ptr<NotchViewModel*> self_;
 };

@@ -15,9 +15,11 @@
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
+#include "linux/system/PosixFileSystem.h"
 #include "linux/system/ReportFile.h"
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
+#include "linux/system/XdgPaths.h"
 #include "notch/NotchController.h"
 #include "views/ThemeStore.h"
 
@@ -43,13 +45,16 @@ private:
     sunpane::JsonUserDefaults defaults_{sunpane::JsonUserDefaults::defaultPath()};
     sunpane::InotifyFolderEvents folderEvents_;
     sunpane::LocalCloudFiles cloudFiles_;
+    sunpane::PosixFileSystem files_;
+    sunpane::StoreFiles storeFiles_{{files_, cloudFiles_, clock_, runLoop_, queues_, sunpane::sleepFor},
+                                    sunpane::xdg::stateFolder()};
     sunpane::X11Events x11Events_;
     sunpane::QtScreens screens_{defaults_};
     sunpane::X11EventMonitors monitors_{x11Events_};
     sunpane::DBusDistributedNotifications distributed_;
     sunpane::ThemeStore theme_{defaults_};
     sunpane::NotchViewModel viewModel_{
-        {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}}};
+        {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}, storeFiles_}};
     sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_}, x11Events_};
     sunpane::NotchController controller_{
         {clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,

@@ -3,21 +3,11 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/Text.h"
 
 namespace sunpane::brief_selection {
-
-Briefing shownPart(const Briefing& briefing) {
-    if (briefing.markdown.size() <= maximumShownBytes) return briefing;
-    // Without a line's end in reach the cut falls between two code points.
-    std::size_t end = briefing.markdown.rfind('\n', maximumShownBytes);
-    if (end == std::string::npos) {
-        end = maximumShownBytes;
-        while (end > 0 && (static_cast<unsigned char>(briefing.markdown[end]) & 0xC0) == 0x80) --end;
-    }
-    return Briefing{briefing.id, briefing.date, briefing.title, briefing.markdown.substr(0, end)};
-}
 
 bool isRecap(const BriefingSection& section) {
     return text::hasPrefix(section.title, "🌙") || text::containsIgnoringCase(section.title, "recap") ||
@@ -39,11 +29,21 @@ std::string recapTitle(const BriefingSection& recap) {
     return {};
 }
 
-std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>& sections) {
+std::vector<BriefingItem> visibleItems(const BriefingSection& section, const IsHidden& isHidden) {
+    std::vector<BriefingItem> items;
+    std::copy_if(section.items.begin(), section.items.end(), std::back_inserter(items),
+                 [&](const BriefingItem& item) { return !isHidden(item.id()); });
+    return items;
+}
+
+std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>& sections, const IsHidden& isHidden) {
     const BriefingSection* recap = recapSection(sections);
     std::vector<BriefingSection> visible;
     for (const auto& section : sections) {
-        if (&section == recap || (section.intro.empty() && section.items.empty())) continue;
+        if (&section == recap) continue;
+        const bool allHidden = std::all_of(section.items.begin(), section.items.end(),
+                                           [&](const BriefingItem& item) { return isHidden(item.id()); });
+        if (section.intro.empty() && allHidden) continue;
         visible.push_back(section);
     }
     return visible;

@@ -1,20 +1,14 @@
 #pragma once
 
-#include <optional>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/briefing/Briefing.h"
 
 /// Which parts of a briefing the column shows, and where.
 namespace sunpane::brief_selection {
-
-/// A briefing is shown up to this many bytes; a person reads a few thousand.
-inline constexpr std::size_t maximumShownBytes = 1 << 20;
-
-/// What is shown of `briefing`: all of it, or when it is longer than `maximumShownBytes`, its beginning, cut at a
-/// line's end where one is in reach.
-Briefing shownPart(const Briefing& briefing);
 
 /// Whether a section looks back on the day, by its title: it begins with "🌙", or mentions "recap" or "eod".
 bool isRecap(const BriefingSection& section);
@@ -25,7 +19,14 @@ const BriefingSection* recapSection(const std::vector<BriefingSection>& sections
 /// A recap's title without the symbols and spaces that lead it.
 std::string recapTitle(const BriefingSection& recap);
 
-/// The sections that fold open one at a time, in document order: all but the recap and those with nothing to show.
-std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>& sections);
+/// Whether the user has hidden the card with that key.
+using IsHidden = std::function<bool(std::string_view key)>;
+
+/// A section's cards that are not hidden, in document order.
+std::vector<BriefingItem> visibleItems(const BriefingSection& section, const IsHidden& isHidden);
+
+/// The sections that fold open one at a time, in document order: all but the recap and those with nothing to show, so
+/// that a section whose cards are all hidden tidies itself away. Their items are still complete.
+std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>& sections, const IsHidden& isHidden);
 
 }  // namespace sunpane::brief_selection

@@ -35,8 +35,8 @@ void PanelPresenter::showBriefing(const Briefing* briefing) {
         icon_ = QStringLiteral("sun.max.fill");
         return;
     }
-    if (Briefing part = brief_selection::shownPart(*briefing); shown_ != part) {
-        shown_ = std::move(part);
+    if (shown_ != *briefing) {
+        shown_ = *briefing;
         const auto sections = shown_->sections();
         const BriefingSection* recap = brief_selection::recapSection(sections);
         column_.show(recap, brief_selection::visibleSections(sections));

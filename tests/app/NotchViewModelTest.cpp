@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
+#include "app/PanelBriefing.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
@@ -22,13 +24,17 @@ struct NotchViewModelTest : ::testing::Test {
     testing::SimulatedCloudFiles cloudFiles;
     testing::SimulatedUserDefaults defaults;
     testing::TemporaryFolder folder;
+    testing::SimulatedFileSystem files{platform.clock};
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues,
+                           [this](Seconds seconds) { platform.time.advance(seconds); }},
+                          "/state"};
     LocalNotifications notifications;
     std::optional<NotchViewModel> model;
 
     void SetUp() override {
         defaults.set("briefingsFolderPath", folder.path());
         model.emplace(NotchViewModel::Collaborators{platform.clock, platform.runLoop, notifications, defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles}});
+                                                    {platform.clock, platform.queues, folderEvents, cloudFiles}, storeFiles});
     }
     void start() {
         model->start();
@@ -139,6 +145,64 @@ TEST_F(NotchViewModelTest, IgnoresMeasurementsThatDifferByHalfAPoint) {
     }
 }
 
+TEST_F(NotchViewModelTest, TellsTheAgentWhatIsUntouchedASecondAfterTheLastFlag) {
+    std::string cards = "# A\n### S\n";
+    for (int i = 1; i <= 30; ++i) cards += "- **Card** " + std::to_string(i) + "\n";
+    folder.write("2026-11-22.md", cards + "### Action Items\n- [ ] Send the deck\n");
+    start();
+    const auto feedback = [&] {
+        storeFiles.drain();
+        return nlohmann::json::parse(files.content(folder / "feedback.json").value());
+    };
+    EXPECT_EQ(feedback()["untouched"].size(), 25U);
+    EXPECT_EQ(feedback()["untouched"][0], "Card 1");
+    for (int i = 1; i <= 10; ++i) model->flagStore().togglePrio(BriefingItem("**Card** " + std::to_string(i)));
+    platform.time.advance(0.9);
+    EXPECT_EQ(feedback()["untouched"][0], "Card 1");
+    platform.time.advance(0.2);
+    EXPECT_EQ(feedback()["untouched"].size(), 20U);
+    EXPECT_EQ(feedback()["untouched"][0], "Card 11");
+
+    ASSERT_EQ(model->todoStore().todos().size(), 1U);
+    const Todo todo = model->todoStore().todos().front();
+    EXPECT_EQ(todo.text, "Send the deck");
+    const LocalCalendar calendar(platform.clock);
+    const auto due = calendar.settingTime(*calendar.startOfDay(CivilDay{2027, 1, 5}), 9, 5);
+    model->todoStore().setReminder(todo.id, due, "weekly");
+    platform.time.advance(1.1);
+    EXPECT_EQ(feedback()["reminders"], nlohmann::json::array({"Send the deck — reminder set for 2027-01-05 09:05 "
+                                                              "(repeats weekly)"}));
+    model->todoStore().toggle(todo.id);
+    platform.time.advance(1.1);
+    EXPECT_TRUE(feedback()["reminders"].empty());
+}
+
+TEST_F(NotchViewModelTest, AStarOnATodoFlagsTheCardItWasMadeFrom) {
+    start();
+    const BriefingItem card("**Reply to Legal** — due Friday");
+    const std::string key(card.id());
+    model->todoStore().addLinked(card.suggestedTodoText(), key, false);
+    model->todoStore().togglePrio(model->todoStore().todos().front().id);
+    EXPECT_TRUE(model->flagStore().isPrio(key));
+    model->todoStore().togglePrio(model->todoStore().todos().front().id);
+    EXPECT_FALSE(model->flagStore().isPrio(key));
+}
+
+TEST_F(NotchViewModelTest, WorksWithTheBeginningOfAHugeBriefing) {
+    std::string lines = "# Huge\n";
+    while (lines.size() < 3 * maximumPanelBytes) lines += "- card é\n";
+    folder.write("2026-11-22.md", lines);
+    start();
+    EXPECT_LE(model->current()->markdown.size(), maximumPanelBytes);
+    EXPECT_TRUE(model->current()->markdown.ends_with("é"));
+    std::string oneLine = "x";
+    while (oneLine.size() < 2 * maximumPanelBytes) oneLine += "é";
+    Briefing briefing{"a.md", {}, "A", oneLine};
+    limitToPanel(briefing);
+    EXPECT_LE(briefing.markdown.size(), maximumPanelBytes);
+    EXPECT_TRUE(briefing.markdown.ends_with("é"));
+}
+
 TEST_F(NotchViewModelTest, LeavesNothingRunningWhenItGoes) {
     folder.write("2026-11-22.md", "# A");
     start();
@@ -146,6 +210,7 @@ TEST_F(NotchViewModelTest, LeavesNothingRunningWhenItGoes) {
     notifications.post("revealTodo");
     model.reset();
     platform.time.advance(100);
+    storeFiles.drain();
     EXPECT_EQ(folderEvents.watcherCount(), 0U);
     EXPECT_EQ(platform.time.pendingCount(), 0U);
 }

@@ -29,6 +29,8 @@ struct NotchControllerTest : ::testing::Test {
     testing::SimulatedCloudFiles cloudFiles;
     testing::SimulatedUserDefaults defaults;
     testing::TemporaryFolder folder;
+    testing::SimulatedFileSystem files{platform.clock};
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}}, "/state"};
     LocalNotifications notifications;
     std::optional<NotchViewModel> model;
     std::optional<NotchController> controller;
@@ -38,7 +40,7 @@ struct NotchControllerTest : ::testing::Test {
         defaults.set("briefingsFolderPath", folder.path());
         model.emplace(NotchViewModel::Collaborators{
             platform.clock, platform.runLoop, notifications, defaults,
-            {platform.clock, platform.queues, folderEvents, cloudFiles}});
+            {platform.clock, platform.queues, folderEvents, cloudFiles}, storeFiles});
         controller.emplace(NotchController::Collaborators{
             platform.clock, platform.runLoop, screens, pointer, windows, broadcasts, *model,
             [] { return std::string("glass"); }, [this](const std::string& json) { report = json; }});

@@ -39,7 +39,7 @@ TEST(BriefSelection, ShowsTheRecapFirstAndTheRestInOrder) {
         const auto sections = briefing("### A\n- one\n### " + std::string(c.title) + "\n- two\n### B\n- three").sections();
         const auto* recap = brief_selection::recapSection(sections);
         ASSERT_EQ(recap != nullptr, c.recapTitle != nullptr) << c.title;
-        const auto visible = brief_selection::visibleSections(sections);
+        const auto visible = brief_selection::visibleSections(sections, [](std::string_view) { return false; });
         EXPECT_EQ(visible.size(), recap != nullptr ? 2U : 3U);
         EXPECT_EQ(visible.back().title, "B");
         if (recap != nullptr) {
@@ -49,18 +49,15 @@ TEST(BriefSelection, ShowsTheRecapFirstAndTheRestInOrder) {
     }
 }
 
-TEST(BriefSelection, ShowsOnlyTheBeginningOfAHugeBriefing) {
-    std::string lines;
-    while (lines.size() < 3 * brief_selection::maximumShownBytes) lines += "- card é\n";
-    const auto part = brief_selection::shownPart(briefing(lines));
-    EXPECT_LE(part.markdown.size(), brief_selection::maximumShownBytes);
-    EXPECT_TRUE(part.markdown.ends_with("é"));
-    std::string oneLine = "x";
-    while (oneLine.size() < 2 * brief_selection::maximumShownBytes) oneLine += "é";
-    const auto cut = brief_selection::shownPart(briefing(oneLine));
-    EXPECT_LE(cut.markdown.size(), brief_selection::maximumShownBytes);
-    EXPECT_TRUE(cut.markdown.ends_with("é"));
-    EXPECT_EQ(brief_selection::shownPart(briefing("- short")), briefing("- short"));
+TEST(BriefSelection, SectionsWhoseCardsAreAllHiddenTidyThemselvesAway) {
+    const auto sections = briefing("### A\n- one\n- two\n### B\nwords\n- three\n### C\n- four").sections();
+    const auto hidden = [](std::string_view key) { return key == "one" || key == "three" || key == "four"; };
+    const auto visible = brief_selection::visibleSections(sections, hidden);
+    ASSERT_EQ(visible.size(), 2U);
+    EXPECT_EQ(visible[0].title, "A");
+    EXPECT_EQ(brief_selection::visibleItems(visible[0], hidden), std::vector{BriefingItem("two")});
+    EXPECT_EQ(visible[1].title, "B");  // stays for its introduction
+    EXPECT_TRUE(brief_selection::visibleItems(visible[1], hidden).empty());
 }
 
 TEST(InlineMarkdown, StylesWhatHasAPartnerAndEscapesTheRest) {
