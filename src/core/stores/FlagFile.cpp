@@ -1,7 +1,9 @@
 #include "core/stores/FlagFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -225,9 +227,20 @@ std::string encodeFeedback(const Feedback& feedback, const Clock& clock) {
         const std::string* text;
     };
     const LocalCalendar calendar(clock);
+    // Days repeat, and formatting one takes longer than all the rest. Keyed by year, month and day.
+    std::map<std::array<int, 3>, std::string> days;
+    const auto sinceOf = [&](Instant instant) {
+        // A file may hold instants that no calendar counts in days.
+        constexpr double calendarReach = 1e13;
+        if (std::abs(instant.sinceReference) > calendarReach) return calendar.format(instant, "yyyy-MM-dd");
+        const CivilDay day = calendar.day(instant);
+        std::string& since = days[{day.year, day.month, day.day}];
+        if (since.empty()) since = calendar.format(instant, "yyyy-MM-dd");
+        return since;
+    };
     std::vector<Entry> priorities;
     for (const auto& priority : feedback.prio) {
-        priorities.push_back({calendar.format(priority.since, "yyyy-MM-dd"), &priority.text});
+        priorities.push_back({sinceOf(priority.since), &priority.text});
     }
     std::stable_sort(priorities.begin(), priorities.end(),
                      [](const Entry& a, const Entry& b) { return a.since > b.since; });

@@ -22,6 +22,27 @@ Instant dateOf(const FlagState& state, const std::string& key) {
 
 }  // namespace
 
+std::vector<std::string> dismissedPriorities(const FlagState& state, TopicIndex& topics) {
+    std::vector<std::string> dismissed;
+    if (state.prio.empty() || state.cleared.empty()) return dismissed;
+    using Dismissal = std::pair<Instant, const std::string*>;
+    std::vector<Dismissal> latestFirst;
+    for (const auto& [key, text] : state.cleared)
+        latestFirst.emplace_back(dateOf(state, key), &text);
+    std::sort(latestFirst.begin(), latestFirst.end(),
+              [](const Dismissal& a, const Dismissal& b) { return a.first > b.first; });
+    topics.clear();
+    for (const auto& [date, text] : latestFirst)
+        topics.add(*text);
+    for (const auto& [key, text] : state.prio) {
+        const Instant date = dateOf(state, key);
+        const auto later = std::partition_point(latestFirst.begin(), latestFirst.end(),
+                                                [&](const Dismissal& dismissal) { return dismissal.first > date; });
+        if (topics.matches(text, static_cast<std::size_t>(later - latestFirst.begin()))) dismissed.push_back(key);
+    }
+    return dismissed;
+}
+
 ItemFlagStore::ItemFlagStore(StoreFiles& files, const std::string& directory)
     : files_(files),
       clock_(files.ports().clock),
@@ -172,7 +193,8 @@ void ItemFlagStore::prune() {
         state_.cleared.erase(key);
         state_.hidden.erase(key);
     }
-    dropPriorities(dismissedPriorities());
+    // Time alone puts no dismissal after a priority, so topics are compared only after a change.
+    if (!std::exchange(topicsCompared_, true)) dropPriorities(dismissedPriorities(state_, topics_));
     lapsed.clear();
     for (const auto& [key, first] : state_.firstFlagged) {
         if (now - first > prioMaxAge && state_.prio.contains(key)) lapsed.push_back(key);
@@ -194,29 +216,6 @@ void ItemFlagStore::dropPriorities(const std::vector<std::string>& keys) {
     announceChange();
     for (const std::string& key : keys)
         state_.prio.erase(key);
-}
-
-// The priorities whose topic was dismissed after they were last flagged or referenced. Time alone makes none, so they
-// are looked for only after a change.
-std::vector<std::string> ItemFlagStore::dismissedPriorities() {
-    std::vector<std::string> dismissed;
-    if (std::exchange(topicsCompared_, true) || state_.prio.empty() || state_.cleared.empty()) return dismissed;
-    using Dismissal = std::pair<Instant, const std::string*>;
-    std::vector<Dismissal> latestFirst;
-    for (const auto& [key, text] : state_.cleared)
-        latestFirst.emplace_back(dateOf(state_, key), &text);
-    std::sort(latestFirst.begin(), latestFirst.end(),
-              [](const Dismissal& a, const Dismissal& b) { return a.first > b.first; });
-    topics_.clear();
-    for (const auto& [date, text] : latestFirst)
-        topics_.add(*text);
-    for (const auto& [key, text] : state_.prio) {
-        const Instant date = dateOf(state_, key);
-        const auto later = std::partition_point(latestFirst.begin(), latestFirst.end(),
-                                                [&](const Dismissal& dismissal) { return dismissal.first > date; });
-        if (topics_.matches(text, static_cast<std::size_t>(later - latestFirst.begin()))) dismissed.push_back(key);
-    }
-    return dismissed;
 }
 
 bool ItemFlagStore::take(const StoreFile::Incoming& incoming) {

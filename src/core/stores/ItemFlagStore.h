@@ -17,6 +17,10 @@
 
 namespace sunpane {
 
+/// The keys of the priorities whose topic was dismissed after they were last flagged or referenced. The entries of
+/// `topics` are replaced.
+std::vector<std::string> dismissedPriorities(const FlagState& state, TopicIndex& topics);
+
 /// Flags that the user put on briefing cards, kept by item key in `itemflags.json` beside the briefings.
 ///
 /// One instance, owned by the view model; main thread only. A mutation announces itself, takes effect, and hands
@@ -42,9 +46,9 @@ public:
     ItemFlagStore(StoreFiles& files, const std::string& directory);
     ~ItemFlagStore();
 
-    bool isPrio(const std::string& key) const { return state_.prio.contains(key); }
-    bool isCleared(const std::string& key) const { return state_.cleared.contains(key); }
-    bool isHidden(const std::string& key) const { return state_.hidden.contains(key); }
+    bool isPrio(std::string_view key) const { return state_.prio.contains(std::string(key)); }
+    bool isCleared(std::string_view key) const { return state_.cleared.contains(std::string(key)); }
+    bool isHidden(std::string_view key) const { return state_.hidden.contains(std::string(key)); }
 
     const FlagState& state() const { return state_; }
     const std::string& fileURL() const { return file_.path(); }
@@ -82,7 +86,6 @@ private:
     void retireDismissals(const std::string& text);
     void prune();
     void dropPriorities(const std::vector<std::string>& keys);
-    std::vector<std::string> dismissedPriorities();
     bool take(const StoreFile::Incoming& incoming);
     void adoptForeignChanges();
     void reloadIfChangedExternally();

@@ -11,6 +11,8 @@
 namespace sunpane {
 namespace {
 
+constexpr std::size_t usualTodoBytes = 160;
+
 void appendMember(std::string& out, std::string_view key, std::string_view value) {
     out += key;
     json::appendString(out, value);
@@ -50,7 +52,11 @@ void appendTodo(std::string& out, const Todo& todo) {
 /// Reads the file into records as its events arrive, without a tree in between.
 class TodoFileReader : public json::Reader {
 public:
+    /// A file is not trusted with more memory than this many todos before it is read.
+    static constexpr std::size_t maximumReserved = 16384;
+
     std::optional<TodoState> result(std::string_view file) {
+        state_.todos.reserve(std::min(file.size() / usualTodoBytes, maximumReserved));
         if (!read(file) || !hasTodos_ || !hasImportDay_ || place_ != Place::end) return std::nullopt;
         return std::move(state_);
     }
@@ -85,7 +91,7 @@ private:
         place_ = Place::todo;
         field_ = Field::none;
         seen_ = 0;
-        todo_ = blank_;
+        state_.todos.push_back(blank_);
         return true;
     }
 
@@ -96,7 +102,6 @@ private:
         }
         const unsigned required = bit(Field::id) | bit(Field::text) | bit(Field::done) | bit(Field::createdAt);
         if (place_ != Place::todo || (seen_ & required) != required) return false;
-        state_.todos.push_back(std::move(todo_));
         place_ = Place::todos;
         return true;
     }
@@ -134,21 +139,27 @@ private:
         return true;
     }
 
+    Todo& todo() { return state_.todos.back(); }
+
     bool onTodoKey(const std::string& name) {
-        const auto found = std::find(fieldNames.begin(), fieldNames.end(), name);
+        // Members mostly come in the order in which we write them.
+        const auto expected = fieldNames.begin() + (field_ == Field::none ? 0 : static_cast<int>(field_) + 1);
+        auto found = std::find(expected, fieldNames.end(), name);
+        if (found == fieldNames.end()) found = std::find(fieldNames.begin(), fieldNames.end(), name);
         field_ = static_cast<Field>(found - fieldNames.begin());
         return field_ == Field::none ? skipValue() : true;
     }
 
+    // Values are copied: what is moved out of the library's buffer it would have to grow anew for the next value.
     bool onString(std::string& value) override {
         switch (place_) {
             case Place::fileImportDay:
                 hasImportDay_ = true;
-                state_.lastImportDay = std::move(value);
+                state_.lastImportDay = value;
                 place_ = Place::file;
                 return true;
             case Place::dismissed:
-                state_.dismissed.push_back(std::move(value));
+                state_.dismissed.push_back(value);
                 return true;
             case Place::todo:
                 return onTodoString(value);
@@ -157,32 +168,32 @@ private:
         }
     }
 
-    bool onTodoString(std::string& value) {
+    bool onTodoString(const std::string& value) {
         mark();
         switch (field_) {
             case Field::id:
                 if (const auto id = Uuid::parse(value)) {
-                    todo_.id = *id;
+                    todo().id = *id;
                     return true;
                 }
                 return false;
             case Field::text:
-                todo_.text = std::move(value);
+                todo().text = value;
                 return true;
             case Field::tag:
-                todo_.tag = std::move(value);
+                todo().tag = value;
                 return true;
             case Field::sourceItemKey:
-                todo_.sourceItemKey = std::move(value);
+                todo().sourceItemKey = value;
                 return true;
             case Field::remindRepeat:
-                todo_.remindRepeat = std::move(value);
+                todo().remindRepeat = value;
                 return true;
             case Field::eventID:
-                todo_.eventID = std::move(value);
+                todo().eventID = value;
                 return true;
             case Field::source:
-                todo_.source = std::move(value);
+                todo().source = value;
                 return true;
             default:
                 return false;
@@ -192,8 +203,8 @@ private:
     bool onBoolean(bool value) override {
         if (place_ != Place::todo) return false;
         mark();
-        if (field_ == Field::prio) todo_.prio = value;
-        if (field_ == Field::done) todo_.done = value;
+        if (field_ == Field::prio) todo().prio = value;
+        if (field_ == Field::done) todo().done = value;
         return field_ == Field::prio || field_ == Field::done;
     }
 
@@ -202,13 +213,13 @@ private:
         mark();
         switch (field_) {
             case Field::doneAt:
-                todo_.doneAt = Instant{value};
+                todo().doneAt = Instant{value};
                 return true;
             case Field::createdAt:
-                todo_.createdAt = Instant{value};
+                todo().createdAt = Instant{value};
                 return true;
             case Field::remindAt:
-                todo_.remindAt = Instant{value};
+                todo().remindAt = Instant{value};
                 return true;
             default:
                 return false;
@@ -225,28 +236,28 @@ private:
         if (place_ != Place::todo) return false;
         switch (field_) {
             case Field::tag:
-                todo_.tag.reset();
+                todo().tag.reset();
                 return true;
             case Field::doneAt:
-                todo_.doneAt.reset();
+                todo().doneAt.reset();
                 return true;
             case Field::prio:
-                todo_.prio.reset();
+                todo().prio.reset();
                 return true;
             case Field::sourceItemKey:
-                todo_.sourceItemKey.reset();
+                todo().sourceItemKey.reset();
                 return true;
             case Field::remindAt:
-                todo_.remindAt.reset();
+                todo().remindAt.reset();
                 return true;
             case Field::remindRepeat:
-                todo_.remindRepeat.reset();
+                todo().remindRepeat.reset();
                 return true;
             case Field::eventID:
-                todo_.eventID.reset();
+                todo().eventID.reset();
                 return true;
             case Field::source:
-                todo_.source.reset();
+                todo().source.reset();
                 return true;
             default:
                 return false;
@@ -262,7 +273,6 @@ private:
     unsigned seen_ = 0;
     bool hasTodos_ = false;
     bool hasImportDay_ = false;
-    Todo todo_ = blank_;
     TodoState state_;
 };
 
@@ -275,7 +285,6 @@ std::string encodeTodo(const Todo& todo) {
 }
 
 std::string encodeTodos(const TodoState& state) {
-    constexpr std::size_t usualTodoBytes = 192;
     std::string out;
     out.reserve((state.todos.size() + state.dismissed.size() + 1) * usualTodoBytes);
     out += R"({"todos":[)";
