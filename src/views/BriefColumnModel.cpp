@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "views/BriefSelection.h"
 #include "views/InlineMarkdown.h"
 
 namespace sunpane {
@@ -14,35 +15,48 @@ QString toQt(const std::string& text) { return QString::fromStdString(text); }
 
 BriefColumnModel::BriefColumnModel(QObject* parent) : QAbstractListModel(parent) {}
 
-BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap) {
+BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap,
+                                               const ItemFlagStore& flags) {
     Row row;
     row.sectionId = section.id;
     row.title = toQt(rendered(section.title));
     row.spokenTitle = toQt(plainText(section.title));
     row.intro = toQt(rendered(section.intro));
-    row.itemCount = static_cast<int>(section.items.size());
     row.recap = recap;
-    const std::size_t shown = std::min(section.items.size(), maximumItems);
-    for (std::size_t i = 0; i < shown; ++i) {
-        row.items.append(toQt(rendered(section.items[i].markdown())));
-        row.spokenItems.append(toQt(plainText(section.items[i].markdown())));
+    row.shown = brief_selection::visibleItems(
+        section, [&](std::string_view key) { return flags.isHidden(std::string(key)); });
+    row.itemCount = static_cast<int>(row.shown.size());
+    if (row.shown.size() > maximumItems) row.shown.erase(row.shown.begin() + maximumItems, row.shown.end());
+    for (const BriefingItem& item : row.shown) {
+        const std::string key(item.id());
+        row.items.append(toQt(rendered(item.markdown())));
+        row.spokenItems.append(toQt(plainText(item.markdown())));
+        row.flags.append((flags.isPrio(key) ? priorityFlag : 0) | (flags.isCleared(key) ? clearedFlag : 0));
     }
     return row;
 }
 
-void BriefColumnModel::show(const BriefingSection* recap, const std::vector<BriefingSection>& sections) {
+void BriefColumnModel::replaceRow(int index, Row next) {
+    Row& row = rows_[static_cast<std::size_t>(index)];
+    if (row == next) return;
+    // A flag alone must not make the cards anew: one of them may have the keyboard.
+    QVariantList nextFlags = std::exchange(next.flags, row.flags);
+    const bool onlyFlags = row == next;
+    row = std::move(next);
+    row.flags = std::move(nextFlags);
+    const QModelIndex changed = this->index(index);
+    emit dataChanged(changed, changed, onlyFlags ? QList<int>{flagsRole} : QList<int>{});
+}
+
+void BriefColumnModel::show(const BriefingSection* recap, const std::vector<BriefingSection>& sections,
+                            const ItemFlagStore& flags) {
     std::vector<Row> next;
-    if (recap != nullptr) next.push_back(makeRow(*recap, true));
+    if (recap != nullptr) next.push_back(makeRow(*recap, true, flags));
     const std::size_t shown = std::min(sections.size(), maximumSections);
-    for (std::size_t i = 0; i < shown; ++i) next.push_back(makeRow(sections[i], false));
+    for (std::size_t i = 0; i < shown; ++i) next.push_back(makeRow(sections[i], false, flags));
 
     const std::size_t common = std::min(rows_.size(), next.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        if (rows_[i] == next[i]) continue;
-        rows_[i] = std::move(next[i]);
-        const QModelIndex changed = index(static_cast<int>(i));
-        emit dataChanged(changed, changed);
-    }
+    for (std::size_t i = 0; i < common; ++i) replaceRow(static_cast<int>(i), std::move(next[i]));
     const auto first = static_cast<int>(common);
     if (next.size() > common) {
         beginInsertRows({}, first, static_cast<int>(next.size()) - 1);
@@ -57,6 +71,15 @@ void BriefColumnModel::show(const BriefingSection* recap, const std::vector<Brie
     }
 }
 
+const BriefingItem* BriefColumnModel::item(int sectionId, int index) const {
+    for (const Row& row : rows_) {
+        if (row.sectionId != sectionId) continue;
+        return index >= 0 && index < static_cast<int>(row.shown.size()) ? &row.shown[static_cast<std::size_t>(index)]
+                                                                       : nullptr;
+    }
+    return nullptr;
+}
+
 int BriefColumnModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
 
 QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
@@ -69,6 +92,7 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
         case introRole: return row.intro;
         case itemsRole: return row.items;
         case spokenItemsRole: return row.spokenItems;
+        case flagsRole: return row.flags;
         case itemCountRole: return row.itemCount;
         case recapRole: return row.recap;
         default: return {};
@@ -79,7 +103,8 @@ QHash<int, QByteArray> BriefColumnModel::roleNames() const {
     return {{sectionIdRole, "sectionId"}, {titleRole, "title"},
             {spokenTitleRole, "spokenTitle"}, {introRole, "intro"},
             {itemsRole, "items"},         {spokenItemsRole, "spokenItems"},
-            {itemCountRole, "itemCount"}, {recapRole, "recap"}};
+            {flagsRole, "flags"},         {itemCountRole, "itemCount"},
+            {recapRole, "recap"}};
 }
 
 }  // namespace sunpane

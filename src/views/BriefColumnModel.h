@@ -3,9 +3,11 @@
 #include <QAbstractListModel>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 #include <vector>
 
 #include "core/briefing/Briefing.h"
+#include "core/stores/ItemFlagStore.h"
 
 namespace sunpane {
 
@@ -27,13 +29,21 @@ public:
         introRole,
         itemsRole,
         spokenItemsRole,
+        flagsRole,
         itemCountRole,
         recapRole,
     };
 
     explicit BriefColumnModel(QObject* parent = nullptr);
 
-    void show(const BriefingSection* recap, const std::vector<BriefingSection>& sections);
+    /// What a card looks like, as bits of the flags role.
+    enum Flag { priorityFlag = 1, clearedFlag = 2 };
+
+    /// `recap` may be null; `sections` are those to show. Hidden cards are left out.
+    void show(const BriefingSection* recap, const std::vector<BriefingSection>& sections, const ItemFlagStore& flags);
+
+    /// The card at that place of the column as it is shown; null when it is not there any more.
+    const BriefingItem* item(int sectionId, int index) const;
 
     int count() const { return static_cast<int>(rows_.size()); }
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -51,12 +61,15 @@ private:
         QString intro;
         QStringList items;
         QStringList spokenItems;
+        QVariantList flags;
         int itemCount = 0;
         bool recap = false;
+        std::vector<BriefingItem> shown;
         friend bool operator==(const Row&, const Row&) = default;
     };
 
-    static Row makeRow(const BriefingSection& section, bool recap);
+    static Row makeRow(const BriefingSection& section, bool recap, const ItemFlagStore& flags);
+    void replaceRow(int index, Row next);
 
     std::vector<Row> rows_;
 };

@@ -1,5 +1,9 @@
 #include "views/PanelPresenter.h"
 
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "base/Dates.h"
@@ -10,26 +14,33 @@ namespace sunpane {
 
 PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measures& measures)
     : with_(collaborators), measures_(measures), self_(std::make_shared<PanelPresenter*>(this)) {
-    modelChanges_ = with_.viewModel.onWillChange([this] {
-        // The change is announced before it takes effect; by the time the posted task runs it is in place.
-        if (std::exchange(refreshPosted_, true)) return;
-        with_.runLoop.post([weak = std::weak_ptr(self_)] {
-            if (const auto self = weak.lock()) (*self)->refresh();
-        });
-    });
+    modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
+    flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
     refresh();
+}
+
+// A panel that goes with its menu open leaves nothing behind that keeps the next one from folding.
+PanelPresenter::~PanelPresenter() { setMenuOpen(false); }
+
+void PanelPresenter::scheduleRefresh() {
+    // A change is announced before it takes effect; by the time the posted task runs it is in place.
+    if (std::exchange(refreshPosted_, true)) return;
+    with_.runLoop.post([weak = std::weak_ptr(self_)] {
+        if (const auto self = weak.lock()) (*self)->refresh();
+    });
 }
 
 void PanelPresenter::refresh() {
     refreshPosted_ = false;
     showBriefing(with_.viewModel.current());
+    showColumn();
     emit changed();
 }
 
 void PanelPresenter::showBriefing(const Briefing* briefing) {
     if (briefing == nullptr) {
         shown_.reset();
-        column_.show(nullptr, {});
+        sections_.clear();
         title_ = QString::fromUtf8(Briefing::defaultTitle.data(), static_cast<int>(Briefing::defaultTitle.size()));
         subtitle_.clear();
         icon_ = QStringLiteral("sun.max.fill");
@@ -37,13 +48,49 @@ void PanelPresenter::showBriefing(const Briefing* briefing) {
     }
     if (shown_ != *briefing) {
         shown_ = *briefing;
-        const auto sections = shown_->sections();
-        const BriefingSection* recap = brief_selection::recapSection(sections);
-        column_.show(recap, brief_selection::visibleSections(sections));
+        sections_ = briefing->sections();
+        const BriefingSection* recap = brief_selection::recapSection(sections_);
         title_ = QString::fromStdString(recap != nullptr ? brief_selection::recapTitle(*recap) : briefing->title);
         icon_ = recap != nullptr ? QStringLiteral("moon.stars.fill") : QStringLiteral("sun.max.fill");
     }
     subtitle_ = QString::fromStdString(briefing->dateLabel(LocalCalendar(with_.clock)));
+}
+
+bool PanelPresenter::isHidden(const BriefingItem& item) const {
+    return with_.viewModel.flagStore().isHidden(std::string(item.id()));
+}
+
+void PanelPresenter::showColumn() {
+    const auto visible = brief_selection::visibleSections(
+        sections_, [this](std::string_view key) { return with_.viewModel.flagStore().isHidden(std::string(key)); });
+    column_.show(brief_selection::recapSection(sections_), visible, with_.viewModel.flagStore());
+    hidden_.clear();
+    for (const auto& section : sections_) {
+        std::copy_if(section.items.begin(), section.items.end(), std::back_inserter(hidden_),
+                     [this](const BriefingItem& item) { return isHidden(item); });
+    }
+}
+
+void PanelPresenter::togglePriority(int sectionId, int index) {
+    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().togglePrio(*item);
+}
+
+void PanelPresenter::toggleCleared(int sectionId, int index) {
+    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().toggleCleared(*item);
+}
+
+void PanelPresenter::hideCard(int sectionId, int index) {
+    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().hide(*item);
+}
+
+void PanelPresenter::setMenuOpen(bool open) {
+    if (std::exchange(menuOpen_, open) == open) return;
+    with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() + (open ? 1 : -1));
+}
+
+void PanelPresenter::showHiddenCards() {
+    const auto hidden = hidden_;
+    for (const auto& item : hidden) with_.viewModel.flagStore().unhide(item);
 }
 
 qreal PanelPresenter::expandedHeight() const {

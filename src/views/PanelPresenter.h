@@ -2,7 +2,9 @@
 
 #include <QObject>
 #include <QString>
+#include <memory>
 #include <optional>
+#include <vector>
 
 #include "app/NotchViewModel.h"
 #include "views/BriefColumnModel.h"
@@ -22,6 +24,8 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(QString icon READ icon NOTIFY changed)
     Q_PROPERTY(bool canGoOlder READ canGoOlder NOTIFY changed)
     Q_PROPERTY(bool canGoNewer READ canGoNewer NOTIFY changed)
+    /// How many cards of the briefing on screen are hidden.
+    Q_PROPERTY(int hiddenCards READ hiddenCards NOTIFY changed)
     Q_PROPERTY(qreal expandedHeight READ expandedHeight NOTIFY changed)
     /// The id of the one section that is open; -1 when none is.
     Q_PROPERTY(int openSection READ openSection NOTIFY openSectionChanged)
@@ -49,6 +53,7 @@ public:
     };
 
     PanelPresenter(const Collaborators& collaborators, const Measures& measures);
+    ~PanelPresenter() override;
 
     bool expanded() const { return with_.viewModel.expanded(); }
     bool hasUnread() const { return with_.viewModel.hasUnread(); }
@@ -58,6 +63,7 @@ public:
     const QString& icon() const { return icon_; }
     bool canGoOlder() const { return with_.viewModel.canGoOlder(); }
     bool canGoNewer() const { return with_.viewModel.canGoNewer(); }
+    int hiddenCards() const { return static_cast<int>(hidden_.size()); }
     qreal expandedHeight() const;
     int openSection() const { return openSection_.value_or(-1); }
     BriefColumnModel* column() { return &column_; }
@@ -73,6 +79,16 @@ public:
     /// Opens the section with that id and folds the one that was open, or folds it when it was the open one.
     Q_INVOKABLE void toggleSection(int id);
     Q_INVOKABLE void reportContentHeight(qreal height) { with_.viewModel.reportBriefContentHeight(height); }
+
+    // What the user says of a card: the card at `index` of the section with that id.
+    Q_INVOKABLE void togglePriority(int sectionId, int index);
+    Q_INVOKABLE void toggleCleared(int sectionId, int index);
+    Q_INVOKABLE void hideCard(int sectionId, int index);
+    /// An open menu keeps the panel from folding.
+    Q_INVOKABLE void setMenuOpen(bool open);
+    /// Brings the hidden cards of the briefing on screen back.
+    Q_INVOKABLE void showHiddenCards();
+
     /// Folds the panel at the user's wish.
     Q_INVOKABLE void collapse() { with_.notifications.post(notification::collapseNotch); }
 
@@ -81,15 +97,19 @@ signals:
     void openSectionChanged();
 
 private:
+    void scheduleRefresh();
     void refresh();
     void showBriefing(const Briefing* briefing);
+    void showColumn();
+    bool isHidden(const BriefingItem& item) const;
 
     Collaborators with_;
     Measures measures_;
     BriefColumnModel column_;
     std::optional<int> openSection_ = 0;
-    // What `column_` was made from.
     std::optional<Briefing> shown_;
+    std::vector<BriefingSection> sections_;  // of `shown_`
+    std::vector<BriefingItem> hidden_;       // among the cards of `sections_`
     QString title_;
     QString subtitle_;
     QString icon_;
@@ -97,7 +117,9 @@ private:
     SpringCurve foldSpring_{Spring{0.3, 0.95}};
     SpringCurve accordionSpring_{Spring{0.35, 0.78}};
     Subscription modelChanges_;
+    Subscription flagChanges_;
     bool refreshPosted_ = false;
+    bool menuOpen_ = false;
     std::shared_ptr<PanelPresenter*> self_;
 };
 

@@ -5,6 +5,7 @@ Flickable {
     id: column
 
     required property var presenter
+    signal cardMenuRequested(Item card, int sectionId, int index, real x, real y, bool byKeyboard)
 
     contentHeight: rows.height
     boundsBehavior: Flickable.StopAtBounds
@@ -37,6 +38,8 @@ Flickable {
                 if (section)
                     total += section.targetHeight + (i > 0 ? spacing : 0);
             }
+            if (hiddenCards.visible)
+                total += hiddenCards.implicitHeight + spacing;
             settledHeight = total;
             if (sections.count > 0)
                 column.presenter.reportContentHeight(total);
@@ -55,7 +58,17 @@ Flickable {
                 animated: column.presenter.expanded
                 onToggled: column.presenter.toggleSection(sectionId)
                 onTargetHeightChanged: Qt.callLater(rows.measure)
+                onCardMenuRequested: (card, index, x, y, byKeyboard) => column.cardMenuRequested(card, sectionId, index, x, y, byKeyboard)
             }
+        }
+
+        TextButton {
+            id: hiddenCards
+            visible: column.presenter.hiddenCards > 0
+            height: visible ? implicitHeight : 0
+            text: Style.counted(column.presenter.hiddenCards, qsTr("Show the hidden card"), qsTr("Show %1 hidden cards"))
+            onClicked: column.presenter.showHiddenCards()
+            onVisibleChanged: Qt.callLater(rows.measure)
         }
     }
 

@@ -86,6 +86,12 @@ Item {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Style.margin + 8
         width: parent.width - 2 * Style.margin
+        onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => menu.openFor(item, sectionId, index, x, y, byKeyboard)
+    }
+
+    CardMenu {
+        id: menu
+        presenter: card.presenter
     }
 
     function reveal(item) {

@@ -6,17 +6,25 @@ Rectangle {
 
     required property string markup
     required property string spoken
+    property bool priority: false
+    property bool cleared: false
+    signal menuRequested(real x, real y, bool byKeyboard)
     readonly property bool inColumn: true
 
     radius: Style.cardRadius
-    color: Style.card
-    border.color: "transparent"
+    color: priority ? Style.priorityCard : Style.card
+    border.color: priority ? Style.priorityEdge : "transparent"
     implicitHeight: label.implicitHeight + 17
     activeFocusOnTab: true
 
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
+    Accessible.description: priority ? qsTr("priority") : cleared ? qsTr("cleared") : ""
     Accessible.focusable: true
+    Accessible.onPressAction: menuRequested(20, height, true)
+    Keys.onMenuPressed: menuRequested(20, height, true)
+    Keys.onReturnPressed: menuRequested(20, height, true)
+    Keys.onEnterPressed: menuRequested(20, height, true)
 
     Rectangle {
         anchors.fill: parent
@@ -32,7 +40,8 @@ Rectangle {
         text: card.markup
         textFormat: Text.StyledText
         wrapMode: Text.Wrap
-        color: Style.text
+        color: card.cleared ? Style.tertiaryText : Style.text
+        font.strikeout: card.cleared
         font.family: Style.family
         font.pixelSize: Style.bodySize
         lineHeight: 1.15
@@ -43,5 +52,9 @@ Rectangle {
     }
     HoverHandler {
         id: hover
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: (point) => card.menuRequested(point.position.x, point.position.y, false)
     }
 }

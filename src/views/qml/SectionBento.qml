@@ -11,12 +11,14 @@ Item {
     required property string intro
     required property var items
     required property var spokenItems
+    required property var flags
     required property int itemCount
     required property bool recap
     required property bool isOpen
     required property var spring
     property bool animated: false
     signal toggled
+    signal cardMenuRequested(Item card, int index, real x, real y, bool byKeyboard)
 
     readonly property bool unfolded: recap || isOpen
     readonly property real headerHeight: recap ? 0 : 38
@@ -53,7 +55,7 @@ Item {
         activeFocusOnTab: visible
 
         Accessible.role: Accessible.Button
-        Accessible.name: qsTr("%1, %n card(s)", "", section.itemCount).arg(section.spokenTitle)
+        Accessible.name: section.spokenTitle + ", " + Style.counted(section.itemCount, qsTr("1 card"), qsTr("%1 cards"))
         Accessible.description: section.isOpen ? qsTr("expanded") : qsTr("collapsed")
         Accessible.focusable: true
         Accessible.onPressAction: section.toggled()
@@ -167,11 +169,14 @@ Item {
                         width: cards.width
                         markup: modelData
                         spoken: section.spokenItems[index] ?? ""
+                        priority: ((section.flags[index] ?? 0) & 1) !== 0
+                        cleared: ((section.flags[index] ?? 0) & 2) !== 0
+                        onMenuRequested: (x, y, byKeyboard) => section.cardMenuRequested(this, index, x, y, byKeyboard)
                     }
                 }
                 Text {
                     visible: section.itemCount > section.items.length
-                    text: qsTr("%n more in the file", "", section.itemCount - section.items.length)
+                    text: qsTr("%1 more in the file").arg(section.itemCount - section.items.length)
                     color: Style.tertiaryText
                     font.family: Style.family
                     font.pixelSize: Style.captionSize

@@ -25,9 +25,16 @@ QtObject {
     readonly property color remove: "#ff453a"
     readonly property color focus: "#0a84ff"
 
+    readonly property color priorityCard: Qt.rgba(1, 0.624, 0.039, 0.17)
+    readonly property color priorityEdge: Qt.rgba(1, 0.624, 0.039, 0.55)
+
     readonly property int sectionRadius: 14
     readonly property int cardRadius: 10
     readonly property int gap: 8
     readonly property int inset: 12
     readonly property int margin: 20
+
+    function counted(count, one, many) {
+        return count === 1 ? one : many.arg(count);
+    }
 }

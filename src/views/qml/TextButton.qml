@@ -1,0 +1,41 @@
+import QtQuick
+
+// A quiet button that is only its words.
+Item {
+    id: button
+
+    required property string text
+    readonly property bool inColumn: true
+    signal clicked
+
+    implicitWidth: label.implicitWidth + 2 * Style.inset
+    implicitHeight: label.implicitHeight + 10
+    activeFocusOnTab: visible
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.focusable: true
+    Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+    Keys.onSpacePressed: clicked()
+
+    Text {
+        id: label
+        anchors.centerIn: parent
+        text: button.text
+        color: area.containsMouse ? Style.text : Style.secondaryText
+        font.family: Style.family
+        font.pixelSize: Style.captionSize
+    }
+    FocusRing {
+        control: button
+        radius: 6
+    }
+    MouseArea {
+        id: area
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: button.clicked()
+    }
+}

@@ -1,0 +1,101 @@
+"""Flags on cards, made with the menu, as the agent reads them in feedback.json and as they stand after a restart."""
+
+import json
+import os
+import time
+import unittest
+
+from desktop import NOTCH, WIDTH, Desktop
+
+MORNING = "# Morning\n### Schedule\n- **Alpha** report\n- **Beta** call\n- **Gamma** lunch\n- [ ] 💼 Send the deck\n"
+CARD_Y = (146, 187, 228)
+ROWS = ("flag", "clear", "hide")
+
+
+class Flags(unittest.TestCase):
+    def setUp(self):
+        self.desktop = Desktop(window_manager=True)
+        self.addCleanup(self.desktop.close)
+        # The checkbox stands alone, or it would be read as the end of the card above.
+        self.desktop.write_briefing("2026-11-22.md", MORNING.replace("- [ ]", "### Action Items\n- [ ]"))
+
+    def read(self, name):
+        with open(os.path.join(self.desktop.briefings, name)) as file:
+            return json.load(file)
+
+    def feedback(self):
+        try:
+            return self.read("feedback.json")
+        except (FileNotFoundError, ValueError):  # not written yet, or being written
+            return {}
+
+    def open_panel(self):
+        self.desktop.move(*NOTCH)
+        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
+
+    def choose(self, card, action):
+        self.desktop.click(WIDTH // 2, CARD_Y[card], button=3)
+        time.sleep(0.3)
+        self.desktop.key(*["Down"] * ROWS.index(action), "Return")
+        time.sleep(0.3)
+
+    def is_priority(self, card):
+        """Whether the card is drawn in the colour of priorities."""
+        red, _, blue = self.desktop.screenshot().at(WIDTH // 2 + 200, CARD_Y[card])
+        return red - blue > 20
+
+    def test_flags_reach_the_agent_and_survive_a_restart(self):
+        d = self.desktop
+        program = d.start_program()
+        d.wait_for(lambda: self.feedback().get("untouched") == ["Alpha report", "Beta call", "Gamma lunch"],
+                   "the untouched cards")
+        self.open_panel()
+        self.assertFalse(self.is_priority(0))
+        self.choose(0, "flag")
+        self.choose(1, "clear")
+        d.wait_for(lambda: self.feedback()["untouched"] == ["Gamma lunch"], "the feedback to follow", 3)
+        self.choose(2, "hide")
+        d.wait_for(lambda: len(self.feedback()["cleared"]) == 2, "the hidden card")
+        feedback = self.feedback()
+        self.assertEqual(list(feedback), ["cleared", "note", "prio", "reminders", "untouched", "updated"])
+        self.assertEqual(feedback["cleared"], ["Beta call", "Gamma lunch"])
+        self.assertEqual([entry["text"] for entry in feedback["prio"]], ["Alpha report"])
+        self.assertTrue(self.is_priority(0))
+        self.assertEqual(d.screenshot().card_count(), 2)
+
+        program.kill()
+        program.wait()
+        d.start_program()
+        d.move(100, 700)
+        self.open_panel()
+        self.assertTrue(self.is_priority(0))
+        self.assertEqual(d.screenshot().card_count(), 2)
+        self.assertEqual([todo["text"] for todo in self.read("todos.json")["todos"]], ["Send the deck"])
+
+        # And everything back again, the hidden card by the button under the sections.
+        self.choose(0, "flag")
+        self.choose(1, "clear")
+        d.click(330, 244)
+        d.wait_for(lambda: d.screenshot().card_count() == 3, "the hidden card to come back")
+        d.wait_for(lambda: self.feedback()["cleared"] == ["Gamma lunch"], "the cleared card to be restored")
+        self.assertEqual(self.feedback()["prio"], [])
+
+    def test_another_programs_flags_show_within_seconds(self):
+        d = self.desktop
+        d.start_program()
+        self.open_panel()
+        self.choose(0, "flag")
+        d.wait_for(lambda: os.path.exists(d.briefings + "/itemflags.json"), "the flags to be written")
+        time.sleep(2.5)
+        flags = self.read("itemflags.json")
+        now = list(flags["dates"].values())[0]
+        flags["prio"] = {"gamma-lunch": "Gamma lunch"}
+        flags["dates"] = {"gamma-lunch": now}
+        with open(d.briefings + "/itemflags.json", "w") as file:
+            json.dump(flags, file)
+        d.wait_for(lambda: self.is_priority(2) and not self.is_priority(0), "the other program's flag", 5)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
