@@ -142,21 +142,21 @@ private:
 
     bool takeHeading(std::string_view trimmed) {
         if (const auto title = markedHeadingTitle(trimmed)) {
-            openSection(std::string(*title));
+            openSection(*title);
             if (cardText(*title) || foreignMarkerSize(*title) > 0)
                 note("a heading that swallows a bullet; put it on a line of its own");
             return true;
         }
-        if (auto title = boldHeaderTitle(trimmed)) {
+        if (const auto title = boldHeaderTitle(trimmed)) {
             const bool isBullet = trimmed.front() == '-' || cardText(trimmed).has_value();
-            openSection(*std::move(title));
+            openSection(*title);
             if (isBullet) note("a bullet that is only a bold phrase becomes a heading; add what it is about");
             return true;
         }
         return false;
     }
 
-    void openSection(std::string title) {
+    void openSection(std::string_view title) {
         closeSection();
         heading_ = line_;
         holdsActionItems_ = isActionItemsTitle(title);

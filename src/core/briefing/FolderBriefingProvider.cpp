@@ -188,7 +188,7 @@ std::vector<Briefing> FolderBriefingProvider::loadBriefings(const std::string& f
     std::vector<Briefing> briefings;
     briefing::FileText file;
     for (const auto& [name, isRegularFile] : listing.entries()) {
-        if (isPlaceholderName(name)) cloudFiles.startDownloading(folder + '/' + name);
+        if (isPlaceholderName(name)) cloudFiles.startDownloading(std::string(folder).append("/").append(name));
         if (!briefing::isMarkdownName(name)) continue;
         const auto read = isRegularFile ? briefing::readListedFile : briefing::readFile;
         if (!read(listing.descriptor(), name.c_str(), file)) continue;

@@ -27,6 +27,7 @@ public:
 
 std::vector<std::string> ids(const std::vector<Briefing>& briefings) {
     std::vector<std::string> result;
+    result.reserve(briefings.size());
     for (const auto& briefing : briefings)
         result.push_back(briefing.id);
     return result;

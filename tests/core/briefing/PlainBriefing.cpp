@@ -140,7 +140,7 @@ UnicodeString suggestion(UnicodeString markdown) {
     UErrorCode status = U_ZERO_ERROR;
     icu::RegexMatcher matcher(u"\\*\\*([^*]+)\\*\\*", markdown, 0, status);
     if (matcher.find()) {
-        const UnicodeString phrase = trim(dropLast(dropFirst(matcher.group(status), 2), 2));
+        UnicodeString phrase = trim(dropLast(dropFirst(matcher.group(status), 2), 2));
         if (characters(phrase).size() >= 8) return phrase;
     }
     markdown.findAndReplace(u"**", u"").findAndReplace(u"`", u"");
