@@ -26,7 +26,8 @@ int main(int argc, char* argv[]) {
 
     QQmlEngine engine;
     QQmlComponent component(&engine);
-    component.setData("import QtQuick\nRectangle { color: 'black'; width: 200; height: 32; x: (780 - 200) / 2 }", QUrl());
+    component.setData("import QtQuick\nRectangle { color: 'black'; width: 200; height: 32; x: (780 - 200) / 2 }",
+                      QUrl());
     const std::unique_ptr<QObject> rectangle(component.create());
     qobject_cast<QQuickItem*>(rectangle.get())->setParentItem(window.contentItem());
     window.show();

@@ -35,10 +35,14 @@ public:
     void print(const char* name) {
         const auto longest = std::max_element(times_.begin(), times_.end()) - times_.begin();
         std::sort(times_.begin(), times_.end());
-        const auto at = [&](double share) { return times_[static_cast<std::size_t>(share * double(times_.size() - 1))]; };
+        const auto at = [&](double share) {
+            return times_[static_cast<std::size_t>(share * double(times_.size() - 1))];
+        };
         const auto late = std::count_if(times_.begin(), times_.end(), [](double t) { return t > frameBudget; });
-        std::printf("%-10s %4zu frames: median %5.2f ms, 99 %% %5.2f ms, longest %5.2f ms; longest is frame %td; over 16.7 ms: %td\n",
-                    name, times_.size(), at(0.5), at(0.99), at(1), longest, late);
+        std::printf(
+            "%-10s %4zu frames: median %5.2f ms, 99 %% %5.2f ms, longest %5.2f ms; longest is frame %td; over 16.7 ms: "
+            "%td\n",
+            name, times_.size(), at(0.5), at(0.99), at(1), longest, late);
     }
 
 private:
@@ -61,14 +65,16 @@ int main(int argc, char* argv[]) {
     PosixFileSystem files;
     StoreFiles storeFiles({files, cloudFiles, clock, runLoop, queues, sleepFor}, xdg::stateFolder());
     X11Events events;
-    NotchViewModel model({clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}, storeFiles});
+    NotchViewModel model(
+        {clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}, storeFiles});
     model.start();
 
     RootWindow::registerTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
-    auto presenter = std::make_unique<PanelPresenter>(PanelPresenter::Collaborators{model, runLoop, clock, notifications},
-                                                      PanelPresenter::Measures{{200, 32}, 720, 680});
+    auto presenter =
+        std::make_unique<PanelPresenter>(PanelPresenter::Collaborators{model, runLoop, clock, notifications},
+                                         PanelPresenter::Measures{{200, 32}, 720, 680});
     auto root = std::make_unique<RootWindow>(engine, std::move(presenter));
     RootWindow& window = *root;
     X11PanelWindow panel(std::move(root), {250, 64, 780, 736}, events);

@@ -66,8 +66,8 @@ void NotchViewModel::startProvider() {
     cleanupTimer_ = with_.runLoop.every(cleanupInterval, cleanUp);
 
     if (provider_) provider_->stop();
-    provider_ = std::make_unique<FolderBriefingProvider>(
-        FolderBriefingProvider::currentDirectory(with_.defaults), with_.provider);
+    provider_ = std::make_unique<FolderBriefingProvider>(FolderBriefingProvider::currentDirectory(with_.defaults),
+                                                         with_.provider);
 
     // So that "today" follows the clock without a new file.
     rolloverTimer_ = with_.runLoop.every(rolloverInterval, [this] { reapply(); });

@@ -11,7 +11,8 @@ void limitToPanel(Briefing& briefing) {
     if (end == std::string::npos) {
         // Between two code points, then.
         end = maximumPanelBytes;
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+            --end;
     }
     text.resize(end);
     text.shrink_to_fit();

@@ -26,11 +26,17 @@ std::string toUtf8(const icu::UnicodeString& text) {
     return result;
 }
 
-UDate toUDate(Instant instant) { return instant.unixTime() * 1000; }
+UDate toUDate(Instant instant) {
+    return instant.unixTime() * 1000;
+}
 
-Instant fromUDate(UDate date) { return Instant::fromUnix(date / 1000); }
+Instant fromUDate(UDate date) {
+    return Instant::fromUnix(date / 1000);
+}
 
-icu::Locale toLocale(std::string_view name) { return icu::Locale(std::string(name).c_str()); }
+icu::Locale toLocale(std::string_view name) {
+    return icu::Locale(std::string(name).c_str());
+}
 
 // Days between 1 January 1970 and a day of the proleptic Gregorian calendar (H. Hinnant, "chrono-Compatible Low-Level
 // Date Algorithms").

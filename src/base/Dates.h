@@ -7,7 +7,6 @@
 
 #include "base/Clock.h"
 
-
 namespace sunpane {
 
 /// A day of the Gregorian calendar.

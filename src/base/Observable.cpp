@@ -4,9 +4,13 @@
 
 namespace sunpane {
 
-Subscription Observable::onWillChange(std::function<void()> handler) { return observers_.add(std::move(handler)); }
+Subscription Observable::onWillChange(std::function<void()> handler) {
+    return observers_.add(std::move(handler));
+}
 
-void Observable::announceChange() const { observers_.call(); }
+void Observable::announceChange() const {
+    observers_.call();
+}
 
 Debouncer::Debouncer(SerialExecutor& executor, Seconds interval, std::function<void()> task)
     : executor_(executor), interval_(interval), task_(std::move(task)) {}
@@ -16,6 +20,8 @@ void Debouncer::trigger() {
     pending_ = executor_.after(interval_, task_);
 }
 
-void Debouncer::cancel() { pending_.cancel(); }
+void Debouncer::cancel() {
+    pending_.cancel();
+}
 
 }  // namespace sunpane

@@ -11,7 +11,9 @@ constexpr double settledWithin = 0.001;
 // Enough for a thousandth of error, and no more than the toolkit's easing curves have room for.
 constexpr int splineSegments = 10;
 
-double angularFrequency(const Spring& spring) { return 2 * std::numbers::pi / spring.response; }
+double angularFrequency(const Spring& spring) {
+    return 2 * std::numbers::pi / spring.response;
+}
 
 // The derivative of position; the released spring starts at rest.
 double velocity(const Spring& spring, Seconds time) {
@@ -40,7 +42,8 @@ Seconds Spring::settlingTime() const {
     const double slowest = std::min(dampingFraction, 1.0) * omega;
     Seconds time = 2 * -std::log(settledWithin) / slowest;
     const Seconds step = response / 200;
-    while (time > step && std::abs(position(time - step) - 1) <= settledWithin) time -= step;
+    while (time > step && std::abs(position(time - step) - 1) <= settledWithin)
+        time -= step;
     return time;
 }
 
@@ -54,7 +57,8 @@ std::vector<Point> Spring::bezierSpline() const {
         // Hermite form: control points a third of the step along the tangents.
         const Seconds start = i * step;
         const Seconds end = (i + 1) * step;
-        points.push_back({(start + step / 3) / duration, scale * (position(start) + velocity(*this, start) * step / 3)});
+        points.push_back(
+            {(start + step / 3) / duration, scale * (position(start) + velocity(*this, start) * step / 3)});
         points.push_back({(end - step / 3) / duration, scale * (position(end) - velocity(*this, end) * step / 3)});
         points.push_back({end / duration, scale * position(end)});
     }

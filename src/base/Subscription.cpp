@@ -16,7 +16,9 @@ Subscription& Subscription::operator=(Subscription&& other) noexcept {
     return *this;
 }
 
-Subscription::~Subscription() { cancel(); }
+Subscription::~Subscription() {
+    cancel();
+}
 
 void Subscription::cancel() {
     if (auto cancel = std::exchange(cancel_, nullptr)) cancel();

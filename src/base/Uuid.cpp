@@ -7,7 +7,9 @@ namespace {
 
 constexpr std::size_t textLength = 36;
 
-bool isDashPosition(std::size_t index) { return index == 8 || index == 13 || index == 18 || index == 23; }
+bool isDashPosition(std::size_t index) {
+    return index == 8 || index == 13 || index == 18 || index == 23;
+}
 
 int hexValue(char character) {
     if (character >= '0' && character <= '9') return character - '0';
@@ -23,7 +25,8 @@ Uuid Uuid::random() {
     std::array<std::uint8_t, 16> bytes{};
     for (std::size_t i = 0; i < bytes.size(); i += 4) {
         const auto word = entropy();
-        for (std::size_t j = 0; j < 4; ++j) bytes[i + j] = static_cast<std::uint8_t>(word >> (8 * j));
+        for (std::size_t j = 0; j < 4; ++j)
+            bytes[i + j] = static_cast<std::uint8_t>(word >> (8 * j));
     }
     bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);  // version 4
     bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);  // the RFC's variant

@@ -24,7 +24,8 @@ void quitOnTerminationSignals() {
     if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) return;
     auto* notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, qApp);  // owned by the application
     QObject::connect(notifier, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) std::signal(signal, announce);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(signal, announce);
 }
 
 }  // namespace sunpane

@@ -31,9 +31,8 @@ constexpr const char* reportPath = "/tmp/dawnly-state.json";
 class Program {
 public:
     Program() {
-        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand", [this] {
-            notifications_.post(sunpane::notification::revealTodo);
-        });
+        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand",
+                                               [this] { notifications_.post(sunpane::notification::revealTodo); });
         controller_.show();
     }
 
@@ -56,9 +55,9 @@ private:
     sunpane::NotchViewModel viewModel_{
         {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}, storeFiles_}};
     sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_}, x11Events_};
-    sunpane::NotchController controller_{
-        {clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
-         [this] { return theme_.themeName(); }, [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
+    sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
+                                          [this] { return theme_.themeName(); },
+                                          [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
     sunpane::Subscription expandRequests_;
 };
 

@@ -78,8 +78,7 @@ void NotchController::pointerMoved() {
     if (lastPointer_ == pointer) return;
 
     const Rect zone = metrics_->hotZone();
-    const bool inside =
-        zone.contains(pointer) || (lastPointer_ && crossesTopEdgeInside(zone, *lastPointer_, pointer));
+    const bool inside = zone.contains(pointer) || (lastPointer_ && crossesTopEdgeInside(zone, *lastPointer_, pointer));
     lastPointer_ = pointer;
 
     NotchViewModel& model = with_.viewModel;

@@ -14,11 +14,8 @@ NotchShape::Path NotchShape::path(const Rect& rect) const {
     const auto curve = [](Point control, Point end) { return Segment{Segment::Kind::quadratic, control, end}; };
     return {{left - t, top},
             {curve({left, top}, {left, top + t}),  // the left flare
-             line({left, bottom - b}),
-             curve({left, bottom}, {left + b, bottom}),
-             line({right - b, bottom}),
-             curve({right, bottom}, {right, bottom - b}),
-             line({right, top + t}),
+             line({left, bottom - b}), curve({left, bottom}, {left + b, bottom}), line({right - b, bottom}),
+             curve({right, bottom}, {right, bottom - b}), line({right, top + t}),
              curve({right, top}, {right + t, top})}};  // the right flare; closing runs back along the top edge
 }
 

@@ -13,7 +13,9 @@ std::string pairText(double first, double second) {
     return buffer.data();
 }
 
-std::string text(Point point) { return pairText(point.x, point.y); }
+std::string text(Point point) {
+    return pairText(point.x, point.y);
+}
 
 std::string text(const Rect& rect) {
     return "{" + pairText(rect.x, rect.y) + ", " + pairText(rect.width, rect.height) + "}";

@@ -19,7 +19,7 @@ struct StateReport {
     bool suppressed = false;
     Point pointer;
     bool inZone = false;
-    std::uint64_t spaceID = 0;   // 0: unknown
+    std::uint64_t spaceID = 0;  // 0: unknown
     std::int32_t spaceType = 0;
 
     /// One JSON object on one line, with a member for each field. Rectangles read "{{x, y}, {width, height}}" and

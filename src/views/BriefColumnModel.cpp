@@ -9,22 +9,24 @@
 namespace sunpane {
 namespace {
 
-QString toQt(const std::string& text) { return QString::fromStdString(text); }
+QString toQt(const std::string& text) {
+    return QString::fromStdString(text);
+}
 
 }  // namespace
 
 BriefColumnModel::BriefColumnModel(QObject* parent) : QAbstractListModel(parent) {}
 
 BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap,
-                                               const ItemFlagStore& flags) {
+                                                const ItemFlagStore& flags) {
     Row row;
     row.sectionId = section.id;
     row.title = toQt(rendered(section.title));
     row.spokenTitle = toQt(plainText(section.title));
     row.intro = toQt(rendered(section.intro));
     row.recap = recap;
-    row.shown = brief_selection::visibleItems(
-        section, [&](std::string_view key) { return flags.isHidden(std::string(key)); });
+    row.shown =
+        brief_selection::visibleItems(section, [&](std::string_view key) { return flags.isHidden(std::string(key)); });
     row.itemCount = static_cast<int>(row.shown.size());
     if (row.shown.size() > maximumItems) row.shown.erase(row.shown.begin() + maximumItems, row.shown.end());
     for (const BriefingItem& item : row.shown) {
@@ -53,10 +55,12 @@ void BriefColumnModel::show(const BriefingSection* recap, const std::vector<Brie
     std::vector<Row> next;
     if (recap != nullptr) next.push_back(makeRow(*recap, true, flags));
     const std::size_t shown = std::min(sections.size(), maximumSections);
-    for (std::size_t i = 0; i < shown; ++i) next.push_back(makeRow(sections[i], false, flags));
+    for (std::size_t i = 0; i < shown; ++i)
+        next.push_back(makeRow(sections[i], false, flags));
 
     const std::size_t common = std::min(rows_.size(), next.size());
-    for (std::size_t i = 0; i < common; ++i) replaceRow(static_cast<int>(i), std::move(next[i]));
+    for (std::size_t i = 0; i < common; ++i)
+        replaceRow(static_cast<int>(i), std::move(next[i]));
     const auto first = static_cast<int>(common);
     if (next.size() > common) {
         beginInsertRows({}, first, static_cast<int>(next.size()) - 1);
@@ -75,36 +79,46 @@ const BriefingItem* BriefColumnModel::item(int sectionId, int index) const {
     for (const Row& row : rows_) {
         if (row.sectionId != sectionId) continue;
         return index >= 0 && index < static_cast<int>(row.shown.size()) ? &row.shown[static_cast<std::size_t>(index)]
-                                                                       : nullptr;
+                                                                        : nullptr;
     }
     return nullptr;
 }
 
-int BriefColumnModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
+int BriefColumnModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
 
 QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
     if (index.row() < 0 || index.row() >= count()) return {};
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
-        case sectionIdRole: return row.sectionId;
-        case titleRole: return row.title;
-        case spokenTitleRole: return row.spokenTitle;
-        case introRole: return row.intro;
-        case itemsRole: return row.items;
-        case spokenItemsRole: return row.spokenItems;
-        case flagsRole: return row.flags;
-        case itemCountRole: return row.itemCount;
-        case recapRole: return row.recap;
-        default: return {};
+        case sectionIdRole:
+            return row.sectionId;
+        case titleRole:
+            return row.title;
+        case spokenTitleRole:
+            return row.spokenTitle;
+        case introRole:
+            return row.intro;
+        case itemsRole:
+            return row.items;
+        case spokenItemsRole:
+            return row.spokenItems;
+        case flagsRole:
+            return row.flags;
+        case itemCountRole:
+            return row.itemCount;
+        case recapRole:
+            return row.recap;
+        default:
+            return {};
     }
 }
 
 QHash<int, QByteArray> BriefColumnModel::roleNames() const {
-    return {{sectionIdRole, "sectionId"}, {titleRole, "title"},
-            {spokenTitleRole, "spokenTitle"}, {introRole, "intro"},
-            {itemsRole, "items"},         {spokenItemsRole, "spokenItems"},
-            {flagsRole, "flags"},         {itemCountRole, "itemCount"},
-            {recapRole, "recap"}};
+    return {{sectionIdRole, "sectionId"}, {titleRole, "title"},         {spokenTitleRole, "spokenTitle"},
+            {introRole, "intro"},         {itemsRole, "items"},         {spokenItemsRole, "spokenItems"},
+            {flagsRole, "flags"},         {itemCountRole, "itemCount"}, {recapRole, "recap"}};
 }
 
 }  // namespace sunpane

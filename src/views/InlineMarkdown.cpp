@@ -65,7 +65,8 @@ private:
             if (inner.find('\n') != std::string_view::npos) continue;
             if (styled_) output_ += mark.open;
             if (mark.isCode) {
-                for (const char c : inner) append(c);
+                for (const char c : inner)
+                    append(c);
             } else {
                 render(inner, depth + 1);
             }
@@ -93,11 +94,20 @@ private:
             return;
         }
         switch (c) {
-            case '&': output_ += "&amp;"; break;
-            case '<': output_ += "&lt;"; break;
-            case '>': output_ += "&gt;"; break;
-            case '\n': output_ += "<br>"; break;
-            default: output_ += c;
+            case '&':
+                output_ += "&amp;";
+                break;
+            case '<':
+                output_ += "&lt;";
+                break;
+            case '>':
+                output_ += "&gt;";
+                break;
+            case '\n':
+                output_ += "<br>";
+                break;
+            default:
+                output_ += c;
         }
     }
 
@@ -109,7 +119,8 @@ std::string run(std::string_view markdown, bool styled) {
     std::string_view shown = markdown;
     if (shown.size() > maximumRenderedBytes) {
         std::size_t end = maximumRenderedBytes;
-        while (end > 0 && (static_cast<unsigned char>(shown[end]) & 0xC0) == 0x80) --end;
+        while (end > 0 && (static_cast<unsigned char>(shown[end]) & 0xC0) == 0x80)
+            --end;
         shown = shown.substr(0, end);
     }
     Renderer renderer(styled);
@@ -121,8 +132,12 @@ std::string run(std::string_view markdown, bool styled) {
 
 }  // namespace
 
-std::string rendered(std::string_view markdown) { return run(markdown, true); }
+std::string rendered(std::string_view markdown) {
+    return run(markdown, true);
+}
 
-std::string plainText(std::string_view markdown) { return run(markdown, false); }
+std::string plainText(std::string_view markdown) {
+    return run(markdown, false);
+}
 
 }  // namespace sunpane

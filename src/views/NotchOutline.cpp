@@ -7,7 +7,9 @@
 
 namespace sunpane {
 
-NotchOutline::NotchOutline(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
+NotchOutline::NotchOutline(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    setAntialiasing(true);
+}
 
 void NotchOutline::change(qreal& field, qreal value) {
     if (field == value) return;

@@ -20,7 +20,9 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
 }
 
 // A panel that goes with its menu open leaves nothing behind that keeps the next one from folding.
-PanelPresenter::~PanelPresenter() { setMenuOpen(false); }
+PanelPresenter::~PanelPresenter() {
+    setMenuOpen(false);
+}
 
 void PanelPresenter::scheduleRefresh() {
     // A change is announced before it takes effect; by the time the posted task runs it is in place.
@@ -90,7 +92,8 @@ void PanelPresenter::setMenuOpen(bool open) {
 
 void PanelPresenter::showHiddenCards() {
     const auto hidden = hidden_;
-    for (const auto& item : hidden) with_.viewModel.flagStore().unhide(item);
+    for (const auto& item : hidden)
+        with_.viewModel.flagStore().unhide(item);
 }
 
 qreal PanelPresenter::expandedHeight() const {

@@ -55,7 +55,9 @@ void drawMoon(QPainter& painter, const QColor& color) {
 
 }  // namespace
 
-SymbolIcon::SymbolIcon(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
+SymbolIcon::SymbolIcon(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    setAntialiasing(true);
+}
 
 void SymbolIcon::setSymbol(const QString& symbol) {
     if (symbol_ == symbol) return;

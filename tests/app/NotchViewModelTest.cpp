@@ -33,8 +33,12 @@ struct NotchViewModelTest : ::testing::Test {
 
     void SetUp() override {
         defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock, platform.runLoop, notifications, defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles}, storeFiles});
+        model.emplace(NotchViewModel::Collaborators{platform.clock,
+                                                    platform.runLoop,
+                                                    notifications,
+                                                    defaults,
+                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
+                                                    storeFiles});
     }
     void start() {
         model->start();
@@ -48,7 +52,8 @@ struct NotchViewModelTest : ::testing::Test {
     }
     std::vector<std::string> ids() const {
         std::vector<std::string> result;
-        for (const auto& briefing : model->briefings()) result.push_back(briefing.id);
+        for (const auto& briefing : model->briefings())
+            result.push_back(briefing.id);
         return result;
     }
 };
@@ -126,8 +131,7 @@ TEST_F(NotchViewModelTest, AnnouncesEachChangeBeforeItTakesEffect) {
     folder.write("2026-11-22.md", "# A");
     start();
     std::vector<bool> expandedAtAnnouncement;
-    const auto subscription =
-        model->onWillChange([&] { expandedAtAnnouncement.push_back(model->expanded()); });
+    const auto subscription = model->onWillChange([&] { expandedAtAnnouncement.push_back(model->expanded()); });
     model->setExpanded(true);
     model->setExpanded(false);
     EXPECT_THAT(expandedAtAnnouncement, ElementsAre(false, true));
@@ -147,7 +151,8 @@ TEST_F(NotchViewModelTest, IgnoresMeasurementsThatDifferByHalfAPoint) {
 
 TEST_F(NotchViewModelTest, TellsTheAgentWhatIsUntouchedASecondAfterTheLastFlag) {
     std::string cards = "# A\n### S\n";
-    for (int i = 1; i <= 30; ++i) cards += "- **Card** " + std::to_string(i) + "\n";
+    for (int i = 1; i <= 30; ++i)
+        cards += "- **Card** " + std::to_string(i) + "\n";
     folder.write("2026-11-22.md", cards + "### Action Items\n- [ ] Send the deck\n");
     start();
     const auto feedback = [&] {
@@ -156,7 +161,8 @@ TEST_F(NotchViewModelTest, TellsTheAgentWhatIsUntouchedASecondAfterTheLastFlag) 
     };
     EXPECT_EQ(feedback()["untouched"].size(), 25U);
     EXPECT_EQ(feedback()["untouched"][0], "Card 1");
-    for (int i = 1; i <= 10; ++i) model->flagStore().togglePrio(BriefingItem("**Card** " + std::to_string(i)));
+    for (int i = 1; i <= 10; ++i)
+        model->flagStore().togglePrio(BriefingItem("**Card** " + std::to_string(i)));
     platform.time.advance(0.9);
     EXPECT_EQ(feedback()["untouched"][0], "Card 1");
     platform.time.advance(0.2);
@@ -190,13 +196,15 @@ TEST_F(NotchViewModelTest, AStarOnATodoFlagsTheCardItWasMadeFrom) {
 
 TEST_F(NotchViewModelTest, WorksWithTheBeginningOfAHugeBriefing) {
     std::string lines = "# Huge\n";
-    while (lines.size() < 3 * maximumPanelBytes) lines += "- card é\n";
+    while (lines.size() < 3 * maximumPanelBytes)
+        lines += "- card é\n";
     folder.write("2026-11-22.md", lines);
     start();
     EXPECT_LE(model->current()->markdown.size(), maximumPanelBytes);
     EXPECT_TRUE(model->current()->markdown.ends_with("é"));
     std::string oneLine = "x";
-    while (oneLine.size() < 2 * maximumPanelBytes) oneLine += "é";
+    while (oneLine.size() < 2 * maximumPanelBytes)
+        oneLine += "é";
     Briefing briefing{"a.md", {}, "A", oneLine};
     limitToPanel(briefing);
     EXPECT_LE(briefing.markdown.size(), maximumPanelBytes);

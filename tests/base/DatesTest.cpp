@@ -14,12 +14,12 @@ TEST(Dates, StartOfDayFollowsTheZoneAcrossDaylightSaving) {
     const Case cases[] = {
         {"UTC", {2026, 11, 16}, "2026-11-16T00:00:00Z"},
         {"Europe/Amsterdam", {2026, 11, 16}, "2026-11-15T23:00:00Z"},
-        {"Europe/Amsterdam", {2026, 3, 29}, "2026-03-28T23:00:00Z"},   // clocks go forward at 02:00
+        {"Europe/Amsterdam", {2026, 3, 29}, "2026-03-28T23:00:00Z"},  // clocks go forward at 02:00
         {"Europe/Amsterdam", {2026, 3, 30}, "2026-03-29T22:00:00Z"},
         {"Asia/Kolkata", {2026, 1, 1}, "2025-12-31T18:30:00Z"},
-        {"Africa/Cairo", {2026, 4, 24}, "2026-04-23T22:00:00Z"},       // midnight is skipped: 00:00 becomes 01:00
-        {"America/Havana", {2025, 11, 2}, "2025-11-02T04:00:00Z"},     // 00:00 to 01:00 happens twice
-        {"Pacific/Apia", {2011, 12, 31}, "2011-12-30T10:00:00Z"},      // the 30th does not exist there
+        {"Africa/Cairo", {2026, 4, 24}, "2026-04-23T22:00:00Z"},    // midnight is skipped: 00:00 becomes 01:00
+        {"America/Havana", {2025, 11, 2}, "2025-11-02T04:00:00Z"},  // 00:00 to 01:00 happens twice
+        {"Pacific/Apia", {2011, 12, 31}, "2011-12-30T10:00:00Z"},   // the 30th does not exist there
     };
     for (const auto& c : cases) {
         const LocalCalendar calendar(c.zone, "en_US");
@@ -33,7 +33,8 @@ TEST(Dates, StartOfDayFollowsTheZoneAcrossDaylightSaving) {
 
 TEST(Dates, DaysThatDoNotExistAreAbsent) {
     const LocalCalendar calendar("Europe/Amsterdam", "en_US");
-    for (const CivilDay day : {CivilDay{2026, 13, 1}, {2026, 0, 1}, {2026, 2, 29}, {2026, 11, 31}, {2026, 4, 0}, {0, 1, 1}}) {
+    for (const CivilDay day :
+         {CivilDay{2026, 13, 1}, {2026, 0, 1}, {2026, 2, 29}, {2026, 11, 31}, {2026, 4, 0}, {0, 1, 1}}) {
         EXPECT_FALSE(calendar.startOfDay(day)) << day.year << '-' << day.month << '-' << day.day;
     }
     EXPECT_TRUE(calendar.startOfDay(CivilDay{2028, 2, 29}));

@@ -13,7 +13,8 @@ using ::testing::ElementsAre;
 TEST(LocalNotifications, ReachObserversOfTheirNameInOrderUntilCancelled) {
     LocalNotifications notifications;
     std::vector<std::string> heard;
-    auto first = notifications.observe("reveal", [&](const auto& object) { heard.push_back("1:" + object.value_or("-")); });
+    auto first =
+        notifications.observe("reveal", [&](const auto& object) { heard.push_back("1:" + object.value_or("-")); });
     auto second = notifications.observe("reveal", [&](const auto&) { heard.push_back("2"); });
     auto other = notifications.observe("collapse", [&](const auto&) { heard.push_back("other"); });
     notifications.post("reveal", "id");

@@ -30,7 +30,8 @@ struct NotchControllerTest : ::testing::Test {
     testing::SimulatedUserDefaults defaults;
     testing::TemporaryFolder folder;
     testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}}, "/state"};
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
+                          "/state"};
     LocalNotifications notifications;
     std::optional<NotchViewModel> model;
     std::optional<NotchController> controller;
@@ -38,12 +39,15 @@ struct NotchControllerTest : ::testing::Test {
 
     void SetUp() override {
         defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{
-            platform.clock, platform.runLoop, notifications, defaults,
-            {platform.clock, platform.queues, folderEvents, cloudFiles}, storeFiles});
-        controller.emplace(NotchController::Collaborators{
-            platform.clock, platform.runLoop, screens, pointer, windows, broadcasts, *model,
-            [] { return std::string("glass"); }, [this](const std::string& json) { report = json; }});
+        model.emplace(NotchViewModel::Collaborators{platform.clock,
+                                                    platform.runLoop,
+                                                    notifications,
+                                                    defaults,
+                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
+                                                    storeFiles});
+        controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
+                                                          broadcasts, *model, [] { return std::string("glass"); },
+                                                          [this](const std::string& json) { report = json; }});
     }
 
     void show() {

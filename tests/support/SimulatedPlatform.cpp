@@ -37,6 +37,8 @@ Subscription SimulatedTime::schedule(Seconds delay, Seconds interval, Task task)
     });
 }
 
-void SimulatedTime::post(Task task) { insert(uptime_, 0, std::move(task)); }
+void SimulatedTime::post(Task task) {
+    insert(uptime_, 0, std::move(task));
+}
 
 }  // namespace sunpane::testing

@@ -14,29 +14,33 @@ TEST(PanelLayout, TheHigherColumnDecidesWithinItsLimits) {
         double height;
     };
     const Case cases[] = {
-        {{32, 850, 0, false, 0, false, false}, 250},      // the empty todo column: 32 + 44 + 144 + 30
-        {{10, 850, 0, false, 0, false, false}, 240},      // never lower
-        {{32, 850, 0, true, 0, false, false}, 386},       // not measured yet
+        {{32, 850, 0, false, 0, false, false}, 250},  // the empty todo column: 32 + 44 + 144 + 30
+        {{10, 850, 0, false, 0, false, false}, 240},  // never lower
+        {{32, 850, 0, true, 0, false, false}, 386},   // not measured yet
         {{32, 850, 0, true, 300, false, false}, 424},
         {{32, 850, 0, true, 300, true, true}, 520},
-        {{32, 850, 0, true, 2000, false, false}, 850},    // never higher
+        {{32, 850, 0, true, 2000, false, false}, 850},  // never higher
         {{32, 850, 5, true, 100, false, false}, 362},
-        {{32, 850, 20, true, 100, false, false}, 558},    // counted as 12 todos
+        {{32, 850, 20, true, 100, false, false}, 558},  // counted as 12 todos
     };
-    for (const auto& c : cases) EXPECT_DOUBLE_EQ(panel_layout::expandedHeight(c.content), c.height);
+    for (const auto& c : cases)
+        EXPECT_DOUBLE_EQ(panel_layout::expandedHeight(c.content), c.height);
 }
 
-Briefing briefing(std::string markdown) { return {"2026-11-22.md", {}, "Title", std::move(markdown)}; }
+Briefing briefing(std::string markdown) {
+    return {"2026-11-22.md", {}, "Title", std::move(markdown)};
+}
 
 TEST(BriefSelection, ShowsTheRecapFirstAndTheRestInOrder) {
     struct Case {
         const char* title;
         const char* recapTitle;  // null: no recap
     };
-    const Case cases[] = {{"🌙 Evening", "Evening"},    {"Daily ReCap", "Daily ReCap"}, {"📋 EOD notes", "EOD notes"},
-                          {"Schedule", nullptr},        {"🌒 Evening", nullptr},        {"🌙 — 42", ""}};
+    const Case cases[] = {{"🌙 Evening", "Evening"}, {"Daily ReCap", "Daily ReCap"}, {"📋 EOD notes", "EOD notes"},
+                          {"Schedule", nullptr},    {"🌒 Evening", nullptr},         {"🌙 — 42", ""}};
     for (const auto& c : cases) {
-        const auto sections = briefing("### A\n- one\n### " + std::string(c.title) + "\n- two\n### B\n- three").sections();
+        const auto sections =
+            briefing("### A\n- one\n### " + std::string(c.title) + "\n- two\n### B\n- three").sections();
         const auto* recap = brief_selection::recapSection(sections);
         ASSERT_EQ(recap != nullptr, c.recapTitle != nullptr) << c.title;
         const auto visible = brief_selection::visibleSections(sections, [](std::string_view) { return false; });

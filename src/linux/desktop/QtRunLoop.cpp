@@ -19,11 +19,17 @@ struct TimerSlot {
 
 }  // namespace
 
-void QtRunLoop::post(Task task) { QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection); }
+void QtRunLoop::post(Task task) {
+    QMetaObject::invokeMethod(&context_, std::move(task), Qt::QueuedConnection);
+}
 
-Subscription QtRunLoop::after(Seconds delay, Task task) { return startTimer(delay, false, std::move(task)); }
+Subscription QtRunLoop::after(Seconds delay, Task task) {
+    return startTimer(delay, false, std::move(task));
+}
 
-Subscription QtRunLoop::every(Seconds interval, Task task) { return startTimer(interval, true, std::move(task)); }
+Subscription QtRunLoop::every(Seconds interval, Task task) {
+    return startTimer(interval, true, std::move(task));
+}
 
 Subscription QtRunLoop::startTimer(Seconds interval, bool repeats, Task task) {
     auto slot = std::make_shared<TimerSlot>();

@@ -8,7 +8,8 @@
 namespace sunpane {
 
 QtScreens::QtScreens(const UserDefaults& defaults) : defaults_(defaults) {
-    for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+    for (QScreen* screen : QGuiApplication::screens())
+        watch(screen);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
         watch(screen);
         observers_.call();
@@ -23,7 +24,8 @@ void QtScreens::watch(QScreen* screen) {
 
 std::vector<Screen> QtScreens::all() const {
     std::vector<Screen> screens;
-    for (const QScreen* screen : QGuiApplication::screens()) screens.push_back(describe(*screen));
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.push_back(describe(*screen));
     return screens;
 }
 
@@ -33,7 +35,9 @@ std::optional<Screen> QtScreens::main() const {
     return describe(*primary);
 }
 
-Subscription QtScreens::onChange(std::function<void()> handler) { return observers_.add(std::move(handler)); }
+Subscription QtScreens::onChange(std::function<void()> handler) {
+    return observers_.add(std::move(handler));
+}
 
 Screen QtScreens::describe(const QScreen& screen) const {
     Screen result{coordinates::toScreenPoints(screen.geometry()), 0, {}, {}};

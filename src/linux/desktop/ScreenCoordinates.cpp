@@ -16,7 +16,9 @@ double baseline() {
 
 }  // namespace
 
-Point toScreenPoints(const QPointF& position) { return {position.x(), baseline() - position.y()}; }
+Point toScreenPoints(const QPointF& position) {
+    return {position.x(), baseline() - position.y()};
+}
 
 Rect toScreenPoints(const QRectF& rectangle) {
     return {rectangle.x(), baseline() - rectangle.y() - rectangle.height(), rectangle.width(), rectangle.height()};

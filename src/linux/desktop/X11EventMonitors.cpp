@@ -14,7 +14,9 @@ X11EventMonitors::X11EventMonitors(X11Events& events) : events_(events) {
     qGuiApp->installEventFilter(this);
 }
 
-Point X11EventMonitors::pointerLocation() const { return coordinates::toScreenPoints(QCursor::pos()); }
+Point X11EventMonitors::pointerLocation() const {
+    return coordinates::toScreenPoints(QCursor::pos());
+}
 
 Subscription X11EventMonitors::onGlobalPointerMoved(std::function<void()> handler) {
     if (!events_.isConnected()) return {};

@@ -29,7 +29,8 @@ X11Events::X11Events() {
         return;
     }
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_.get()));
-    for (int i = 0; i < screenNumber_; ++i) xcb_screen_next(&screens);
+    for (int i = 0; i < screenNumber_; ++i)
+        xcb_screen_next(&screens);
     screen_ = screens.data;
 
     selectRawMotion();
@@ -88,7 +89,8 @@ void X11Events::watchCompositor() {
 
 void X11Events::readEvents() {
     bool moved = false;
-    while (const auto event = own(xcb_poll_for_event(connection_.get()))) moved |= handle(*event);
+    while (const auto event = own(xcb_poll_for_event(connection_.get())))
+        moved |= handle(*event);
     if (xcb_connection_has_error(connection_.get()) != 0) notifier_->setEnabled(false);
     if (moved) emit pointerMoved();
 }

@@ -61,9 +61,13 @@ X11PanelWindow::~X11PanelWindow() {
     window_->removeEventFilter(this);
 }
 
-Rect X11PanelWindow::frame() const { return coordinates::toScreenPoints(window_->geometry()); }
+Rect X11PanelWindow::frame() const {
+    return coordinates::toScreenPoints(window_->geometry());
+}
 
-bool X11PanelWindow::isVisible() const { return window_->isVisible(); }
+bool X11PanelWindow::isVisible() const {
+    return window_->isVisible();
+}
 
 bool X11PanelWindow::isOnScreen() const {
     const QScreen* screen = window_->screen();
@@ -113,7 +117,8 @@ void X11PanelWindow::applyShape() {
     if (outline_.isEmpty() || toolkitConnection() == nullptr) return;
     const qreal scale = window_->devicePixelRatio();
     QPolygonF pixels = outline_;
-    for (QPointF& point : pixels) point *= scale;
+    for (QPointF& point : pixels)
+        point *= scale;
     const auto rectangles = toRectangles(QRegion(pixels.toPolygon()));
     const auto id = static_cast<xcb_window_t>(window_->winId());
     if (events_.hasCompositor()) {

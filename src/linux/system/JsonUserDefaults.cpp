@@ -52,7 +52,9 @@ bool replaceFile(const std::string& path, const std::string& content) {
 
 JsonUserDefaults::JsonUserDefaults(std::string path) : path_(std::move(path)) {}
 
-std::string JsonUserDefaults::defaultPath() { return xdg::configFolder() + "/defaults.json"; }
+std::string JsonUserDefaults::defaultPath() {
+    return xdg::configFolder() + "/defaults.json";
+}
 
 std::optional<UserDefaults::Value> JsonUserDefaults::value(std::string_view key) const {
     const std::lock_guard lock(mutex_);
@@ -95,12 +97,14 @@ void JsonUserDefaults::reloadIfChanged() const {
     unreadable_ = !json.is_object();
     if (unreadable_) return;
     members_.clear();
-    for (const auto& [key, member] : json.items()) members_.emplace(key, member.dump());
+    for (const auto& [key, member] : json.items())
+        members_.emplace(key, member.dump());
 }
 
 void JsonUserDefaults::save() {
     Json json = Json::object();
-    for (const auto& [key, member] : members_) json[key] = Json::parse(member, nullptr, false);
+    for (const auto& [key, member] : members_)
+        json[key] = Json::parse(member, nullptr, false);
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), ignored);
     if (unreadable_) {

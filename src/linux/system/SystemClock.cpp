@@ -40,6 +40,8 @@ std::string SystemClock::timeZone() const {
     return zone_;
 }
 
-std::string SystemClock::locale() const { return icu::Locale::getDefault().getName(); }
+std::string SystemClock::locale() const {
+    return icu::Locale::getDefault().getName();
+}
 
 }  // namespace sunpane

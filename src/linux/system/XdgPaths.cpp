@@ -25,7 +25,8 @@ std::string homeFolder() {
     passwd entry{};
     passwd* found = nullptr;
     std::array<char, 4096> buffer{};
-    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) return entry.pw_dir;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr)
+        return entry.pw_dir;
     return "/";
 }
 
@@ -37,6 +38,8 @@ std::string stateFolder() {
     return absoluteVariable("XDG_STATE_HOME", homeFolder() + "/.local/state").append(ownFolder);
 }
 
-std::string runtimeFolder() { return absoluteVariable("XDG_RUNTIME_DIR", "/tmp"); }
+std::string runtimeFolder() {
+    return absoluteVariable("XDG_RUNTIME_DIR", "/tmp");
+}
 
 }  // namespace sunpane::xdg

@@ -10,7 +10,9 @@
 namespace sunpane {
 namespace {
 
-std::unique_ptr<WorkQueue> makeQueue() { return ThreadWorkQueueFactory().makeQueue("test.queue"); }
+std::unique_ptr<WorkQueue> makeQueue() {
+    return ThreadWorkQueueFactory().makeQueue("test.queue");
+}
 
 TEST(ThreadWorkQueue, RunsTasksOfManyThreadsOneAtATimeInOrder) {
     const auto queue = makeQueue();
@@ -27,7 +29,8 @@ TEST(ThreadWorkQueue, RunsTasksOfManyThreadsOneAtATimeInOrder) {
             }
         });
     }
-    for (auto& thread : threads) thread.join();
+    for (auto& thread : threads)
+        thread.join();
     queue->drain();
     EXPECT_TRUE(ordered);
     EXPECT_EQ(perThread, std::vector<int>(4, 499));
