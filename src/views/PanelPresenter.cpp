@@ -100,7 +100,7 @@ qreal PanelPresenter::expandedHeight() const {
     panel_layout::Content content;
     content.notchHeight = measures_.notch.height;
     content.maxCardHeight = measures_.maxCardHeight;
-    content.hasSections = column_.count() > 0;
+    content.hasSections = !sections_.empty();
     content.briefContentHeight = with_.viewModel.briefContentHeight();
     return panel_layout::expandedHeight(content);
 }

@@ -41,7 +41,7 @@ Flickable {
             if (hiddenCards.visible)
                 total += hiddenCards.implicitHeight + spacing;
             settledHeight = total;
-            if (sections.count > 0)
+            if (total > 0)
                 column.presenter.reportContentHeight(total);
         }
 

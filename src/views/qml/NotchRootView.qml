@@ -16,6 +16,13 @@ FocusScope {
     readonly property real cardHeight: between(presenter.notchHeight, openHeight)
 
     focus: true
+    // A panel that is made anew while it is open, because the screens changed, is open at once.
+    Component.onCompleted: {
+        if (open) {
+            content.active = true;
+            unfolding = 1;
+        }
+    }
 
     function between(from, to) {
         return from + (to - from) * unfolding;
