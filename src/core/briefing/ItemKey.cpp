@@ -22,9 +22,6 @@ namespace {
 
 constexpr char separator = '-';
 
-// The first byte of a block is the lowest of its halves.
-static_assert(std::endian::native == std::endian::little);
-
 /// Sixteen bytes on their way into a key: letters in lower case, digits, and the separator for all other ASCII.
 class KeyBlock {
 public:
@@ -34,18 +31,7 @@ public:
 
     /// Writes the bytes from `first` on to `target`, which has room for `size`; what it writes beyond them means
     /// nothing.
-    void store(unsigned first, char* target) const {
-        constexpr unsigned halfSize = sizeof(std::uint64_t);
-        constexpr unsigned bits = 8;
-        std::array<std::uint64_t, 2> shifted = halves_;
-        if (first >= halfSize) {
-            shifted = {halves_[1] >> (bits * (first - halfSize)), 0};
-        } else if (first > 0) {
-            shifted = {(halves_[0] >> (bits * first)) | (halves_[1] << (bits * (halfSize - first))),
-                       halves_[1] >> (bits * first)};
-        }
-        std::memcpy(target, shifted.data(), size);
-    }
+    void store(unsigned first, char* target) const { std::memcpy(target, bytes_.data() + first, size); }
 
     /// How many bytes stand before the first that is not ASCII.
     std::size_t asciiCount = size;
@@ -53,7 +39,8 @@ public:
     unsigned separators = 0;
 
 private:
-    std::array<std::uint64_t, 2> halves_;
+    // As much again behind the block, so that every store copies the same number of bytes.
+    std::array<char, 2 * size> bytes_{};
 };
 
 #if defined(__SSE2__)
@@ -72,8 +59,7 @@ KeyBlock::KeyBlock(const char* bytes) {
     separators = static_cast<unsigned>(_mm_movemask_epi8(kept)) ^ 0xFFFFU;
     const __m128i values = _mm_or_si128(_mm_and_si128(letters, lowered), _mm_and_si128(digits, block));
     const __m128i result = _mm_or_si128(values, _mm_andnot_si128(kept, _mm_set1_epi8(separator)));
-    halves_[0] = static_cast<std::uint64_t>(_mm_cvtsi128_si64(result));
-    halves_[1] = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(result, result)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes_.data()), result);
 }
 #else
 // An ASCII letter in lower case, a digit as it is, any other byte as the separator.
@@ -89,13 +75,13 @@ constexpr std::array<char, 256> asciiKeyBytes = [] {
     return table;
 }();
 
-KeyBlock::KeyBlock(const char* bytes) : halves_{} {
+KeyBlock::KeyBlock(const char* bytes) {
     for (std::size_t i = 0; i < size; ++i) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
         if (byte >= 0x80) asciiCount = std::min(asciiCount, i);
         const char value = asciiKeyBytes[byte];
         if (value == separator) separators |= 1U << i;
-        halves_[i / 8] |= std::uint64_t{static_cast<unsigned char>(value)} << (8 * (i % 8));
+        bytes_[i] = value;
     }
 }
 #endif
@@ -171,6 +157,18 @@ public:
         return std::string_view(bytes_.data() + start, end - start);
     }
 
+    /// The key cut to its first `count` code points, when at least as many were written.
+    std::string_view firstCodePoints(std::size_t count) const {
+        const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
+        // Seldom is more than a block written in excess, so counting from the end is shorter.
+        std::size_t end = size_;
+        for (std::size_t excess = codePointCount() - count; excess > 0; --excess) {
+            while (isContinuation(bytes_[--end])) {
+            }
+        }
+        return std::string_view(bytes_.data() + start, end - start);
+    }
+
 private:
     // A separator in front of the key keeps a leading one from being written.
     static constexpr std::size_t start = 1;
@@ -209,6 +207,7 @@ std::optional<std::string_view> writeKey(std::string_view text, KeyWriter& write
     }
     const std::string_view key = writer.key();
     if (writer.codePointCount() <= BriefingItem::maximumKeyCharacters) return key;
+    if (writer.isSimple()) return writer.firstCodePoints(BriefingItem::maximumKeyCharacters);
     return text::firstCharacters(key, BriefingItem::maximumKeyCharacters);
 }
 
