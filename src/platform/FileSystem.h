@@ -61,13 +61,20 @@ public:
     /// One name for all spellings of a path: absolute, links and dots resolved as far as the path exists.
     virtual std::string canonicalPath(const std::string& path) const = 0;
 
-    /// Empties the file, or creates it, writes the bytes into it and waits until they are on the disk. After a failure
-    /// or a crash the file holds a beginning of `bytes`, or is untouched when it could not be opened.
+    /// Empties the file, or creates it, and writes the bytes into it. After a failure or the death of the process the
+    /// file holds a beginning of `bytes`, or is untouched when it could not be opened.
     virtual bool writeInPlace(const std::string& path, std::string_view bytes) = 0;
 
+    /// Blocks until the file's content and its name are on the disk, safe from a power cut too.
+    virtual bool sync(const std::string& path) = 0;
+
+    /// What a replaced file survives: the death of the process, at once, or a power cut as well, for which the call
+    /// blocks.
+    enum class Durability { process, machine };
+
     /// Replaces a regular file by a new one with the same permissions, or creates one that only its owner can read.
-    /// After a failure or a crash it holds either its old content or all of the new, on the disk. Links are followed.
-    virtual bool replaceAtomically(const std::string& path, std::string_view bytes) = 0;
+    /// After a failure or a crash it holds either its old content or all of the new. Links are followed.
+    virtual bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) = 0;
 
     /// Copies a file to a path where nothing stands yet; a file already there is a failure. Nothing half-written stays.
     virtual bool copyToNew(const std::string& from, const std::string& to) = 0;

@@ -54,7 +54,13 @@ bool SimulatedFileSystem::writeInPlace(const std::string& path, std::string_view
     return written;
 }
 
-bool SimulatedFileSystem::replaceAtomically(const std::string& path, std::string_view bytes) {
+bool SimulatedFileSystem::sync(const std::string& path) {
+    if (!step()) return false;
+    if (whileSyncing) whileSyncing(path);
+    return step() && files_.contains(path);
+}
+
+bool SimulatedFileSystem::replaceAtomically(const std::string& path, std::string_view bytes, Durability) {
     if (!mayWrite(path) || !step()) return false;
     const std::string temporary = path + ".new";
     File& file = files_[temporary];

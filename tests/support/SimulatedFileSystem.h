@@ -27,7 +27,8 @@ public:
     bool exists(const std::string& path) const override;
     std::string canonicalPath(const std::string& path) const override { return path; }
     bool writeInPlace(const std::string& path, std::string_view bytes) override;
-    bool replaceAtomically(const std::string& path, std::string_view bytes) override;
+    bool sync(const std::string& path) override;
+    bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) override;
     bool copyToNew(const std::string& from, const std::string& to) override;
     bool rename(const std::string& from, const std::string& to) override;
     bool remove(const std::string& path) override;
@@ -57,6 +58,8 @@ public:
     std::set<std::string> specialFiles;
     /// Modification times are multiples of this (s).
     Seconds granularity = 1e-9;
+    /// Called while a sync blocks; whatever another thread or program does meanwhile comes in here.
+    std::function<void(const std::string& path)> whileSyncing;
     /// Called whenever a file was written; another program may come in between here.
     std::function<void(const std::string& path)> afterWrite;
 

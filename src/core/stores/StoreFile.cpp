@@ -21,6 +21,7 @@ StoreFile::StoreFile(StoreFiles& files, std::string path, std::optional<StoreFor
         });
     };
     writer_ = std::make_shared<StoreFileWriter>(files, path_, std::move(format), std::move(onConflict));
+    files.addJournal(writer_);
 }
 
 StoreFile::~StoreFile() = default;

@@ -10,7 +10,8 @@ namespace sunpane {
 
 StoreFileWriter::StoreFileWriter(StoreFiles& files, std::string path, std::optional<StoreFormat> format,
                                  ConflictHandler onConflict)
-    : ports_(files.ports()),
+    : files_(files),
+      ports_(files.ports()),
       disk_(files.ports().files),
       queue_(files.queue()),
       stateFolder_(files.stateFolder()),
@@ -47,7 +48,7 @@ StoreFileWriter::View StoreFileWriter::view() const {
 
 StoreFileWriter::Content StoreFileWriter::settleAtStart() {
     if (!disk_.exists(pendingPath_)) return nullptr;
-    const auto lock = waitForLock(lockPatienceAtStart);
+    const auto lock = waitForLock(lockPatienceAtStart, nullptr);
     auto unfinished = settle();
     if (!unfinished) return nullptr;
     auto content = std::make_shared<const std::string>(std::move(unfinished->content));
@@ -55,16 +56,18 @@ StoreFileWriter::Content StoreFileWriter::settleAtStart() {
     current_ = content;
     if (unfinished->base) onDisk_ = std::make_shared<const std::string>(std::move(*unfinished->base));
     journaled_ = content;
+    journaledBase_ = onDisk_;
     queue_.post([self = shared_from_this()] { self->retryLater(); });
     return content;
 }
 
 StoreFileWriter::Content StoreFileWriter::recoverTruncated(const std::string& remnant) {
-    const auto lock = waitForLock(lockPatienceAtStart);
+    const auto lock = waitForLock(lockPatienceAtStart, nullptr);
     auto record = readJournal(writtenPath_);
     if (!record || !isRemnantOf(remnant, record->content)) return nullptr;
     auto content = std::make_shared<const std::string>(std::move(record->content));
     const bool rewritten = disk_.writeInPlace(path_, *content);
+    disk_.sync(path_);
     const std::lock_guard guard(mutex_);
     onDisk_ = content;
     stamp_ = disk_.stamp(path_);
@@ -97,7 +100,12 @@ void StoreFileWriter::process() {
         onDisk = onDisk_;
         adoptions = adoptions_;
     }
-    if (content) finish(write(content, onDisk), adoptions);
+    if (!content) return;
+    const auto lock = waitForLock(lockPatience, [this] { files_.journalWaiting(); });
+    holdsLock_ = lock != nullptr;
+    const Outcome outcome = write(content, onDisk);
+    holdsLock_ = false;
+    finish(outcome, adoptions);
 }
 
 void StoreFileWriter::finish(Outcome outcome, std::uint64_t adoptions) {
@@ -105,8 +113,7 @@ void StoreFileWriter::finish(Outcome outcome, std::uint64_t adoptions) {
         retry_.cancel();
         {
             const std::lock_guard lock(mutex_);
-            onDisk_ = std::exchange(current_, nullptr);
-            lastWritten_ = onDisk_;
+            current_ = nullptr;
             stamp_ = disk_.stamp(path_);
         }
         for (auto& completion : currentCompletions_)
@@ -122,29 +129,64 @@ void StoreFileWriter::finish(Outcome outcome, std::uint64_t adoptions) {
 }
 
 StoreFileWriter::Outcome StoreFileWriter::write(const Content& content, const Content& onDisk) {
-    const auto lock = waitForLock(lockPatience);
     // Our own journal would replace the note of another program's interrupted write.
     if (settle()) return Outcome::failed;
-    const bool journaled = journal(content, onDisk.get());
+    const bool journaled = journal(content, onDisk);
+    journalIsInUse_ = true;
+    files_.journalWaiting();
+    // What is derived can be derived again; the rest must outlive a power cut before the file is emptied.
+    if (format_ && journaled) disk_.sync(pendingPath_);
+    files_.journalWaiting();
     const Outcome way = clearTheWay(*content, onDisk);
+    const bool written = way == Outcome::written && put(content, journaled);
+    journalIsInUse_ = false;
     if (way != Outcome::written) return way;
-
-    // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
-    const bool written = journaled ? disk_.writeInPlace(path_, *content) : disk_.replaceAtomically(path_, *content);
     if (!written) {
         const FileReading left = readFile();
         remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
         return Outcome::failed;
     }
-    if (journaled) {
-        disk_.rename(pendingPath_, writtenPath_);
-    } else {
-        disk_.remove(pendingPath_);
-        disk_.remove(writtenPath_);
+    // From here on the file speaks for this content, and the journal may take the next one.
+    {
+        const std::lock_guard guard(mutex_);
+        onDisk_ = content;
     }
-    journaled_ = nullptr;
+    lastWritten_ = content;
     remnant_.reset();
+    files_.journalWaiting();
+    if (format_) disk_.sync(path_);
+    if (journaled_ == content) {
+        disk_.rename(pendingPath_, writtenPath_);
+        journaled_ = nullptr;
+    }
     return Outcome::written;
+}
+
+bool StoreFileWriter::put(const Content& content, bool journaled) {
+    if (journaled) return disk_.writeInPlace(path_, *content);
+    // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
+    if (!disk_.replaceAtomically(path_, *content, FileSystem::Durability::machine)) return false;
+    disk_.remove(pendingPath_);
+    disk_.remove(writtenPath_);
+    journaled_ = nullptr;
+    return true;
+}
+
+void StoreFileWriter::journalAhead() {
+    if (journalIsInUse_) return;
+    Content waiting;
+    Content base;
+    {
+        const std::lock_guard guard(mutex_);
+        waiting = next_;
+        base = onDisk_;
+    }
+    if (!waiting || waiting == journaled_) return;
+    // The write under way on this file, if there is one, holds the lock for both.
+    const auto lock = holdsLock_ ? nullptr : disk_.tryLock(lockPath_);
+    if (!holdsLock_ && !lock) return;
+    if (disk_.exists(pendingPath_) && !pendingIsOurs()) return;
+    journal(waiting, base);
 }
 
 // Decides whether what stands in the file may be overwritten; `written` means that it may.
@@ -174,12 +216,23 @@ bool StoreFileWriter::isOurs(const std::string& bytes, const Content& onDisk) co
     return remnant_ == bytes;
 }
 
-bool StoreFileWriter::journal(const Content& content, const std::string* base) {
-    const std::string record = encodeJournal(identity_, base, *content);
-    bool kept = disk_.replaceAtomically(pendingPath_, record);
-    if (!kept && disk_.createFolders(stateFolder_)) kept = disk_.replaceAtomically(pendingPath_, record);
-    if (kept) journaled_ = content;
+bool StoreFileWriter::journal(const Content& content, const Content& base) {
+    if (journaled_ == content && journaledBase_ == base) return true;
+    constexpr auto durability = FileSystem::Durability::process;
+    const std::string record = encodeJournal(identity_, base.get(), *content);
+    bool kept = disk_.replaceAtomically(pendingPath_, record, durability);
+    if (!kept && disk_.createFolders(stateFolder_)) kept = disk_.replaceAtomically(pendingPath_, record, durability);
+    if (kept) {
+        journaled_ = content;
+        journaledBase_ = base;
+    }
     return kept;
+}
+
+bool StoreFileWriter::pendingIsOurs() const {
+    if (!journaled_) return false;
+    const auto record = readJournal(pendingPath_);
+    return record && record->content == *journaled_;
 }
 
 // Ends the write that another run or another program left in the journal. Returns it when that was not possible.
@@ -204,13 +257,15 @@ bool StoreFileWriter::settleRecord(JournalRecord& record) {
         if (format_->decodes(reading.bytes)) {
             record.content = format_->merge(record.base ? &*record.base : nullptr, record.content, reading.bytes);
             record.base = reading.bytes;
-            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(identity_, &reading.bytes, record.content)))
+            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(identity_, &reading.bytes, record.content),
+                                         FileSystem::Durability::machine))
                 return false;
         } else if (!keepAside(reading.stamp)) {
             return false;
         }
     }
     if ((!isThere || reading.bytes != record.content) && !disk_.writeInPlace(path_, record.content)) return false;
+    disk_.sync(path_);
     disk_.rename(pendingPath_, writtenPath_);
     return true;
 }
@@ -235,10 +290,11 @@ bool StoreFileWriter::keepAside(const FileStamp& stamp) {
     return false;
 }
 
-std::unique_ptr<FileLock> StoreFileWriter::waitForLock(Seconds patience) {
+std::unique_ptr<FileLock> StoreFileWriter::waitForLock(Seconds patience, const std::function<void()>& whileWaiting) {
     for (Seconds waited = 0;; waited += lockPoll) {
         if (auto lock = disk_.tryLock(lockPath_)) return lock;
         if (waited >= patience) return nullptr;
+        if (whileWaiting) whileWaiting();
         ports_.wait(lockPoll);
     }
 }

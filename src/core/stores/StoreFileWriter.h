@@ -18,7 +18,7 @@ namespace sunpane {
 ///
 /// Shared between the StoreFile on the main thread and the tasks on the queue. What both touch is under the mutex; the
 /// rest belongs to whoever runs `process`, `settle` or `recoverTruncated`, one at a time.
-class StoreFileWriter : public std::enable_shared_from_this<StoreFileWriter> {
+class StoreFileWriter : public JournalsAhead, public std::enable_shared_from_this<StoreFileWriter> {
 public:
     using Content = StoreFile::Content;
 
@@ -59,6 +59,8 @@ public:
     View view() const;
     FileReading readFile() const { return disk_.read(path_, StoreFile::maximumBytes); }
 
+    void journalAhead() override;
+
     // Main thread, before anything was submitted.
 
     /// Ends an interrupted write. Null when the file is in order afterwards; otherwise the content that it should have
@@ -75,14 +77,17 @@ private:
     Outcome write(const Content& content, const Content& onDisk);
     Outcome clearTheWay(const std::string& content, const Content& onDisk);
     bool isOurs(const std::string& bytes, const Content& onDisk) const;
-    bool journal(const Content& content, const std::string* base);
+    bool journal(const Content& content, const Content& base);
+    bool pendingIsOurs() const;
+    bool put(const Content& content, bool journaled);
     std::optional<JournalRecord> settle();
     bool settleRecord(JournalRecord& record);
     bool keepAside(const FileStamp& stamp);
-    std::unique_ptr<FileLock> waitForLock(Seconds patience);
+    std::unique_ptr<FileLock> waitForLock(Seconds patience, const std::function<void()>& whileWaiting);
     std::optional<JournalRecord> readJournal(const std::string& journalPath) const;
     void retryLater();
 
+    StoreFiles& files_;
     const StoreFiles::Ports& ports_;
     FileSystem& disk_;
     WorkQueue& queue_;
@@ -108,6 +113,10 @@ private:
     std::vector<std::function<void()>> currentCompletions_;
     // What the pending journal holds, while it is ours.
     Content journaled_;
+    Content journaledBase_;
+    // While a write is between its journal and the file, the journal must stay what it is.
+    bool journalIsInUse_ = false;
+    bool holdsLock_ = false;
     Content lastWritten_;
     // What a failed write of ours left in the file.
     std::optional<std::string> remnant_;

@@ -17,6 +17,23 @@ StoreFiles::~StoreFiles() {
     queue_->drain();
 }
 
+void StoreFiles::addJournal(std::weak_ptr<JournalsAhead> journal) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(journals_, [](const auto& known) { return known.expired(); });
+    journals_.push_back(std::move(journal));
+}
+
+void StoreFiles::journalWaiting() {
+    std::vector<std::weak_ptr<JournalsAhead>> journals;
+    {
+        const std::lock_guard lock(mutex_);
+        journals = journals_;
+    }
+    for (const auto& journal : journals) {
+        if (const auto waiting = journal.lock()) waiting->journalAhead();
+    }
+}
+
 void StoreFiles::ensureDownloaded(const std::string& path, Seconds timeout) {
     if (ports_.files.exists(path)) return;
     const std::size_t name = path.rfind('/') + 1;

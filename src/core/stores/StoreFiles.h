@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "base/Clock.h"
 #include "base/RunLoop.h"
@@ -11,6 +13,13 @@
 #include "platform/FileSystem.h"
 
 namespace sunpane {
+
+/// Something that can put a change that waits for its turn on the store queue into the journal ahead of its turn.
+class JournalsAhead {
+public:
+    virtual ~JournalsAhead() = default;
+    virtual void journalAhead() = 0;
+};
 
 /// What the stores share to reach their files: the one queue on which all store files are written, one write at a
 /// time, and the folder that keeps the journals of writes under way.
@@ -47,6 +56,12 @@ public:
     /// file is there, at most `timeout` seconds.
     void ensureDownloaded(const std::string& path, Seconds timeout);
 
+    void addJournal(std::weak_ptr<JournalsAhead> journal);
+
+    /// Journals everything that waits. A write calls it before each step that blocks, so that no change stays out of
+    /// the journal for longer than one such step. On the store queue.
+    void journalWaiting();
+
     /// Blocks until what was handed over before has been written or has failed once.
     void drain() { queue_->drain(); }
 
@@ -54,6 +69,8 @@ private:
     Ports ports_;
     std::string stateFolder_;
     std::unique_ptr<WorkQueue> queue_;
+    std::mutex mutex_;
+    std::vector<std::weak_ptr<JournalsAhead>> journals_;
 };
 
 /// `directory` + "/" + `name`, without doubling a trailing slash.

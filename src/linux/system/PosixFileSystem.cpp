@@ -157,10 +157,17 @@ std::string PosixFileSystem::canonicalPath(const std::string& path) const {
 bool PosixFileSystem::writeInPlace(const std::string& path, std::string_view bytes) {
     if (exists(path) && !isRegularFile(path)) return false;
     const Descriptor file(path, O_WRONLY | O_CREAT, 0644);
-    return file.isRegular() && ftruncate(file.get(), 0) == 0 && file.writeAll(bytes) && fsync(file.get()) == 0;
+    return file.isRegular() && ftruncate(file.get(), 0) == 0 && file.writeAll(bytes);
 }
 
-bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_view bytes) {
+bool PosixFileSystem::sync(const std::string& path) {
+    const Descriptor file(path, O_RDONLY);
+    if (!file.isRegular() || fsync(file.get()) != 0) return false;
+    syncFolder(parentOf(path));
+    return true;
+}
+
+bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) {
     const std::string target = resolvingLinks(path);
     const std::string temporary = target + ".new";
     // Left over from a crash at worst: it never held anything that was acknowledged.
@@ -171,13 +178,13 @@ bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_vie
     const bool written = [&] {
         const Descriptor file(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
         if (replaces && file) fchmod(file.get(), previous.st_mode & 07777);
-        return file && file.writeAll(bytes) && fsync(file.get()) == 0;
+        return file && file.writeAll(bytes) && (durability == Durability::process || fsync(file.get()) == 0);
     }();
     if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
         unlink(temporary.c_str());
         return false;
     }
-    syncFolder(parentOf(target));
+    if (durability == Durability::machine) syncFolder(parentOf(target));
     return true;
 }
 

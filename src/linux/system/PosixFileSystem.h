@@ -18,7 +18,8 @@ public:
     bool exists(const std::string& path) const override;
     std::string canonicalPath(const std::string& path) const override;
     bool writeInPlace(const std::string& path, std::string_view bytes) override;
-    bool replaceAtomically(const std::string& path, std::string_view bytes) override;
+    bool sync(const std::string& path) override;
+    bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) override;
     bool copyToNew(const std::string& from, const std::string& to) override;
     bool rename(const std::string& from, const std::string& to) override;
     bool remove(const std::string& path) override;

@@ -20,7 +20,8 @@ using ::testing::Not;
 
 /// A store as small as it can be: a set of letters, written between brackets so that a beginning does not decode.
 struct LetterStore {
-    explicit LetterStore(StoreFixture& machine) : file(*machine.files, StoreFixture::path("letters.json"), format()) {
+    explicit LetterStore(StoreFixture& machine, const char* fileName = "letters.json")
+        : file(*machine.files, StoreFixture::path(fileName), format()) {
         machine.files->ports().files.createFolders(StoreFixture::folder);
         file.load([this](const StoreFile::Incoming& incoming) { return take(incoming); });
         file.onConflict([this](const StoreFile::Incoming& incoming) {
@@ -372,6 +373,32 @@ TEST(StoreFile, DoesNotWaitForeverForAProgramThatHoldsTheLock) {
     EXPECT_EQ(machine.content(name), "[a]");
     EXPECT_GT(machine.waited, 0.1);
     EXPECT_LT(machine.waited, 4.0);
+}
+
+// A slow disk must not keep a change from the journal: what comes in while one file is being synced is journaled
+// before the next thing that blocks.
+TEST(StoreFile, AChangeDuringASlowWriteIsSafeBeforeTheNextBlockingStep) {
+    StoreFixture machine;
+    auto slow = std::make_unique<LetterStore>(machine, "slow.json");
+    auto quick = std::make_unique<LetterStore>(machine);
+    slow->add('s');
+    machine.disk.whileSyncing = [&](const std::string& path) {
+        if (path.find("slow.json") == std::string::npos) return;
+        if (quick->state.empty()) {
+            quick->add('q');
+            slow->add('t');
+            return;
+        }
+        machine.disk.dieAfter(0);  // within the second sync
+    };
+    machine.settle();
+    ASSERT_TRUE(machine.disk.isDead());
+    slow.reset();
+    quick.reset();
+    machine.disk.whileSyncing = nullptr;
+    machine.restart();
+    EXPECT_EQ(LetterStore(machine).state, (std::set{'q'}));
+    EXPECT_EQ(LetterStore(machine, "slow.json").state, (std::set{'s', 't'}));
 }
 
 TEST(StoreFiles, WaitsForADownloadButNoLongerThanAllowed) {
