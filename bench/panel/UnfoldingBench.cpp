@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "linux/desktop/QtRunLoop.h"
+#include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/RendererChoice.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
@@ -69,12 +70,13 @@ int main(int argc, char* argv[]) {
         {clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}, storeFiles});
     model.start();
 
+    QtWorkspace workspace;
     RootWindow::registerTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
-    auto presenter =
-        std::make_unique<PanelPresenter>(PanelPresenter::Collaborators{model, runLoop, clock, notifications},
-                                         PanelPresenter::Measures{{200, 32}, 720, 680});
+    auto presenter = std::make_unique<PanelPresenter>(
+        PanelPresenter::Collaborators{model, runLoop, clock, notifications, defaults, workspace},
+        PanelPresenter::Measures{{200, 32}, 720, 680});
     auto root = std::make_unique<RootWindow>(engine, std::move(presenter));
     RootWindow& window = *root;
     X11PanelWindow panel(std::move(root), {250, 64, 780, 736}, events);

@@ -9,6 +9,7 @@
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtScreens.h"
+#include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/RendererChoice.h"
 #include "linux/desktop/X11EventMonitors.h"
 #include "linux/desktop/X11Events.h"
@@ -54,7 +55,8 @@ private:
     sunpane::ThemeStore theme_{defaults_};
     sunpane::NotchViewModel viewModel_{
         {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}, storeFiles_}};
-    sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_}, x11Events_};
+    sunpane::QtWorkspace workspace_;
+    sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
     sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
                                           [this] { return theme_.themeName(); },
                                           [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};

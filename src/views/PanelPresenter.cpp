@@ -85,6 +85,10 @@ void PanelPresenter::hideCard(int sectionId, int index) {
     if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().hide(*item);
 }
 
+void PanelPresenter::openBriefingsFolder() {
+    with_.workspace.revealFolder(FolderBriefingProvider::currentDirectory(with_.defaults));
+}
+
 void PanelPresenter::setMenuOpen(bool open) {
     if (std::exchange(menuOpen_, open) == open) return;
     with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() + (open ? 1 : -1));

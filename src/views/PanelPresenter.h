@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/NotchViewModel.h"
+#include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
 #include "views/SpringCurve.h"
 
@@ -43,6 +44,8 @@ public:
         RunLoop& runLoop;
         Clock& clock;
         LocalNotifications& notifications;
+        const UserDefaults& defaults;
+        Workspace& workspace;
     };
 
     /// The panel's fixed measures, in points.
@@ -89,6 +92,8 @@ public:
     /// Brings the hidden cards of the briefing on screen back.
     Q_INVOKABLE void showHiddenCards();
 
+    Q_INVOKABLE void openBriefingsFolder();
+    Q_INVOKABLE void quit() { with_.workspace.terminate(); }
     /// Folds the panel at the user's wish.
     Q_INVOKABLE void collapse() { with_.notifications.post(notification::collapseNotch); }
 

@@ -81,6 +81,17 @@ class Flags(unittest.TestCase):
         d.wait_for(lambda: self.feedback()["cleared"] == ["Gamma lunch"], "the cleared card to be restored")
         self.assertEqual(self.feedback()["prio"], [])
 
+    def test_the_panels_own_menu_quits_the_program(self):
+        d = self.desktop
+        program = d.start_program()
+        self.open_panel()
+        d.click(WIDTH // 2, 60, button=3)  # beside the cards
+        time.sleep(0.5)
+        self.assertIsNone(program.poll())
+        d.key("Up", "Return")  # the last entry
+        d.wait_for(lambda: program.poll() is not None, "the program to end")
+        self.assertEqual(program.returncode, 0)
+
     def test_another_programs_flags_show_within_seconds(self):
         d = self.desktop
         d.start_program()

@@ -7,6 +7,24 @@ Item {
 
     required property var presenter
 
+    // Wherever no card has a menu of its own.
+    MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.RightButton
+        onClicked: (mouse) => {
+            menu.openAt(card, mouse.x, mouse.y, qsTr("Panel"), [
+                {
+                    label: qsTr("Open Briefings Folder"),
+                    run: () => card.presenter.openBriefingsFolder()
+                },
+                {
+                    label: qsTr("Quit Sunpane"),
+                    run: () => card.presenter.quit()
+                }
+            ], false);
+        }
+    }
+
     Item {
         id: header
         x: Style.margin
@@ -86,12 +104,32 @@ Item {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Style.margin + 8
         width: parent.width - 2 * Style.margin
-        onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => menu.openFor(item, sectionId, index, x, y, byKeyboard)
+        onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => {
+            menu.openAt(item, x, y, qsTr("Card"), card.cardChoices(item, sectionId, index), byKeyboard);
+        }
     }
 
-    CardMenu {
+    PanelMenu {
         id: menu
         presenter: card.presenter
+    }
+
+    // What can be said of a card: flag it, clear it, hide it, and take that back.
+    function cardChoices(item, sectionId, index) {
+        return [
+            {
+                label: item.priority ? qsTr("Remove Priority") : qsTr("Flag as Priority"),
+                run: () => presenter.togglePriority(sectionId, index)
+            },
+            {
+                label: item.cleared ? qsTr("Restore") : qsTr("Clear"),
+                run: () => presenter.toggleCleared(sectionId, index)
+            },
+            {
+                label: qsTr("Hide"),
+                run: () => presenter.hideCard(sectionId, index)
+            }
+        ];
     }
 
     function reveal(item) {

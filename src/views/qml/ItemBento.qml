@@ -53,8 +53,9 @@ Rectangle {
     HoverHandler {
         id: hover
     }
-    TapHandler {
+    MouseArea {
+        anchors.fill: parent
         acceptedButtons: Qt.RightButton
-        onTapped: (point) => card.menuRequested(point.position.x, point.position.y, false)
+        onClicked: (mouse) => card.menuRequested(mouse.x, mouse.y, false)
     }
 }

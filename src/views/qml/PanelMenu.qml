@@ -1,29 +1,28 @@
 import QtQuick
 
-// What can be said of a card: flag it, clear it, hide it, and take that back. Opens at the pointer, or under the card
-// that has the keyboard, and keeps the panel from folding while it is open.
+// A menu inside the panel. Opens at the pointer, or under the item that has the keyboard, and keeps the panel from
+// folding while it is open.
 Item {
     id: menu
 
     required property var presenter
-    property Item card: null
-    property int sectionId: -1
-    property int cardIndex: -1
+    property string name
+    // What can be chosen: objects with a `label` and a function `run`.
+    property var entries: []
     property bool isOpen: false
-    // Where the keyboard goes afterwards: to the card, when it came from there.
-    property bool returnsFocus: false
+    // Where the keyboard goes afterwards: to the item, when the menu was opened from the keyboard.
+    property Item returnTo: null
 
     anchors.fill: parent
     visible: isOpen
     z: 20
 
-    function openFor(item, section, index, x, y, byKeyboard) {
+    function openAt(item, x, y, title, choices, byKeyboard) {
         const at = item.mapToItem(menu, x, y);
-        card = item;
+        name = title;
+        entries = choices;
+        returnTo = byKeyboard ? item : null;
         isOpen = true;
-        returnsFocus = byKeyboard;
-        sectionId = section;
-        cardIndex = index;
         sheet.x = Math.max(8, Math.min(at.x, width - sheet.width - 8));
         sheet.y = Math.max(8, Math.min(at.y, height - sheet.height - 8));
         presenter.setMenuOpen(true);
@@ -35,23 +34,14 @@ Item {
             return;
         isOpen = false;
         presenter.setMenuOpen(false);
-        // The card may have gone while the menu was open, when the briefing changed.
-        if (card && returnsFocus)
-            card.forceActiveFocus();
-        else
-            parent.forceActiveFocus();
+        // The item may have gone while the menu was open, when the briefing changed.
+        (returnTo ?? parent).forceActiveFocus();
     }
 
     function choose(index) {
-        const section = sectionId;
-        const place = cardIndex;
+        const run = entries[index].run;
         close();
-        if (index === 0)
-            presenter.togglePriority(section, place);
-        else if (index === 1)
-            presenter.toggleCleared(section, place);
-        else
-            presenter.hideCard(section, place);
+        run();
     }
 
     Connections {
@@ -78,7 +68,7 @@ Item {
         border.color: Qt.rgba(1, 1, 1, 0.14)
 
         Accessible.role: Accessible.PopupMenu
-        Accessible.name: qsTr("Card")
+        Accessible.name: menu.name
 
         Column {
             id: column
@@ -88,16 +78,12 @@ Item {
 
             Repeater {
                 id: rows
-                model: [
-                    menu.card && menu.card.priority ? qsTr("Remove Priority") : qsTr("Flag as Priority"),
-                    menu.card && menu.card.cleared ? qsTr("Restore") : qsTr("Clear"),
-                    qsTr("Hide")
-                ]
+                model: menu.entries
 
                 Rectangle {
                     id: row
                     required property int index
-                    required property string modelData
+                    required property var modelData
 
                     width: column.width
                     height: 28
@@ -105,7 +91,7 @@ Item {
                     color: activeFocus ? Style.focus : "transparent"
 
                     Accessible.role: Accessible.MenuItem
-                    Accessible.name: modelData
+                    Accessible.name: modelData.label
                     Accessible.onPressAction: menu.choose(index)
                     Keys.onReturnPressed: menu.choose(index)
                     Keys.onEnterPressed: menu.choose(index)
@@ -120,7 +106,7 @@ Item {
                     Text {
                         anchors.verticalCenter: parent.verticalCenter
                         x: 10
-                        text: row.modelData
+                        text: row.modelData.label
                         color: Style.text
                         font.family: Style.family
                         font.pixelSize: Style.bodySize

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace sunpane {
+
+/// The user's desktop around the program. Main thread only.
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+
+    /// Shows a folder in the user's file manager. Returns at once; without a file manager nothing happens.
+    virtual void revealFolder(const std::string& path) = 0;
+
+    /// Ends this program in good order.
+    virtual void terminate() = 0;
+};
+
+}  // namespace sunpane
