@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <numbers>
 
 namespace sunpane {
@@ -9,7 +10,7 @@ namespace {
 
 constexpr double settledWithin = 0.001;
 // Enough for a thousandth of error, and no more than the toolkit's easing curves have room for.
-constexpr int splineSegments = 10;
+constexpr std::size_t splineSegments = 10;
 
 double angularFrequency(const Spring& spring) {
     return 2 * std::numbers::pi / spring.response;
@@ -53,10 +54,10 @@ std::vector<Point> Spring::bezierSpline() const {
     const Seconds step = duration / splineSegments;
     std::vector<Point> points;
     points.reserve(splineSegments * 3);
-    for (int i = 0; i < splineSegments; ++i) {
+    for (std::size_t i = 0; i < splineSegments; ++i) {
         // Hermite form: control points a third of the step along the tangents.
-        const Seconds start = i * step;
-        const Seconds end = (i + 1) * step;
+        const Seconds start = static_cast<double>(i) * step;
+        const Seconds end = static_cast<double>(i + 1) * step;
         points.push_back(
             {(start + step / 3) / duration, scale * (position(start) + velocity(*this, start) * step / 3)});
         points.push_back({(end - step / 3) / duration, scale * (position(end) - velocity(*this, end) * step / 3)});
