@@ -12,7 +12,7 @@
 
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtWorkspace.h"
-#include "linux/desktop/RendererChoice.h"
+#include "linux/desktop/ToolkitChoice.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
 #include "linux/system/InotifyFolderEvents.h"

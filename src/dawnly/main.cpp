@@ -10,7 +10,7 @@
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtScreens.h"
 #include "linux/desktop/QtWorkspace.h"
-#include "linux/desktop/RendererChoice.h"
+#include "linux/desktop/ToolkitChoice.h"
 #include "linux/desktop/X11EventMonitors.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/system/InotifyFolderEvents.h"
@@ -66,6 +66,7 @@ private:
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    sunpane::choosePlatform();
     sunpane::chooseRenderer();
     QCoreApplication::setApplicationName(QStringLiteral("dawnly"));
     QCoreApplication::setApplicationVersion(QStringLiteral(SUNPANE_VERSION));

@@ -1,4 +1,4 @@
-#include "linux/desktop/RendererChoice.h"
+#include "linux/desktop/ToolkitChoice.h"
 
 #include <unistd.h>
 
@@ -19,6 +19,11 @@ bool hasUsableRenderNode() {
 }
 
 }  // namespace
+
+void choosePlatform() {
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsSet("DISPLAY")) return;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+}
 
 void chooseRenderer() {
     if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || hasUsableRenderNode()) return;
