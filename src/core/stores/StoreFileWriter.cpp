@@ -31,7 +31,18 @@ void StoreFileWriter::submit(std::string content, std::function<void()> completi
         if (scheduled_) return;
         scheduled_ = true;
     }
-    queue_.post([self = shared_from_this()] { self->process(); });
+    post(&StoreFileWriter::process);
+}
+
+void StoreFileWriter::post(Step step) {
+    queue_.post([self = shared_from_this(), step, activity = files_.beginActivity()] { (self.get()->*step)(); });
+}
+
+void StoreFileWriter::syncThen(const std::string& path, Step next) {
+    files_.syncQueue().post([self = shared_from_this(), path, next, activity = files_.beginActivity()] {
+        self->disk_.sync(path);
+        self->post(next);
+    });
 }
 
 void StoreFileWriter::adopt(Content content, const FileStamp& stamp) {
@@ -39,6 +50,9 @@ void StoreFileWriter::adopt(Content content, const FileStamp& stamp) {
     onDisk_ = std::move(content);
     stamp_ = stamp;
     ++adoptions_;
+    // What waits was made without this content; the store hands over the merged one next.
+    next_ = nullptr;
+    current_ = nullptr;
 }
 
 StoreFileWriter::View StoreFileWriter::view() const {
@@ -85,81 +99,101 @@ void StoreFileWriter::retryLater() {
 }
 
 void StoreFileWriter::process() {
-    Content content;
-    Content onDisk;
-    std::uint64_t adoptions = 0;
     {
         const std::lock_guard lock(mutex_);
         scheduled_ = false;
-        if (next_) {
-            current_ = std::exchange(next_, nullptr);
-            std::move(nextCompletions_.begin(), nextCompletions_.end(), std::back_inserter(currentCompletions_));
-            nextCompletions_.clear();
-        }
-        content = current_;
-        onDisk = onDisk_;
-        adoptions = adoptions_;
     }
-    if (!content) return;
-    const auto lock = waitForLock(lockPatience, [this] { files_.journalWaiting(); });
-    holdsLock_ = lock != nullptr;
-    const Outcome outcome = write(content, onDisk);
-    holdsLock_ = false;
-    finish(outcome, adoptions);
+    if (isWriting_) {
+        journalAhead();
+    } else {
+        begin();
+    }
 }
 
-void StoreFileWriter::finish(Outcome outcome, std::uint64_t adoptions) {
-    if (outcome == Outcome::written) {
-        retry_.cancel();
-        {
-            const std::lock_guard lock(mutex_);
-            current_ = nullptr;
-            stamp_ = disk_.stamp(path_);
-        }
-        for (auto& completion : currentCompletions_)
-            ports_.runLoop.post(std::move(completion));
-        currentCompletions_.clear();
-        return;
+// Makes the latest content handed over the one to be written. False when there is none.
+bool StoreFileWriter::takeNext() {
+    const std::lock_guard lock(mutex_);
+    if (next_) {
+        current_ = std::exchange(next_, nullptr);
+        std::move(nextCompletions_.begin(), nextCompletions_.end(), std::back_inserter(currentCompletions_));
+        nextCompletions_.clear();
     }
-    if (outcome == Outcome::conflict) {
-        found_.adoptions = adoptions;
-        onConflict_(found_);
-    }
-    retryLater();
+    written_ = current_;
+    base_ = onDisk_;
+    adoptionsAtStart_ = adoptions_;
+    return current_ != nullptr;
 }
 
-StoreFileWriter::Outcome StoreFileWriter::write(const Content& content, const Content& onDisk) {
+void StoreFileWriter::begin() {
+    if (!takeNext()) return;
+    isWriting_ = true;
+    lock_ = waitForLock(lockPatience, [this] { files_.journalWaiting(); });
     // Our own journal would replace the note of another program's interrupted write.
-    if (settle()) return Outcome::failed;
-    const bool journaled = journal(content, onDisk);
-    journalIsInUse_ = true;
-    files_.journalWaiting();
-    // What is derived can be derived again; the rest must outlive a power cut before the file is emptied.
-    if (format_ && journaled) disk_.sync(pendingPath_);
-    files_.journalWaiting();
-    const Outcome way = clearTheWay(*content, onDisk);
-    const bool written = way == Outcome::written && put(content, journaled);
-    journalIsInUse_ = false;
-    if (way != Outcome::written) return way;
-    if (!written) {
+    if (settle()) return finish(Outcome::failed);
+    isJournaled_ = journal(written_, base_);
+    // What is derived can be derived again; the rest must be safe from a power cut before the file is emptied.
+    if (format_ && isJournaled_) return syncThen(pendingPath_, &StoreFileWriter::writeFile);
+    writeFile();
+}
+
+void StoreFileWriter::writeFile() {
+    if (isJournaled_ && journaled_ != written_) {
+        // A newer content took its place in the journal while the disk was waited for, so that one is written.
+        takeNext();
+        isJournaled_ = journal(written_, base_);
+        if (isJournaled_ && ++restarts_ <= maximumRestarts) return syncThen(pendingPath_, &StoreFileWriter::writeFile);
+    }
+    const Outcome way = clearTheWay(*written_, base_);
+    if (way != Outcome::written) return finish(way);
+    if (!put(written_, isJournaled_)) {
         const FileReading left = readFile();
         remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
-        return Outcome::failed;
+        return finish(Outcome::failed);
     }
     // From here on the file speaks for this content, and the journal may take the next one.
     {
         const std::lock_guard guard(mutex_);
-        onDisk_ = content;
+        onDisk_ = written_;
     }
-    lastWritten_ = content;
+    lastWritten_ = written_;
     remnant_.reset();
-    files_.journalWaiting();
-    if (format_) disk_.sync(path_);
-    if (journaled_ == content) {
+    if (format_) return syncThen(path_, &StoreFileWriter::completeWrite);
+    completeWrite();
+}
+
+void StoreFileWriter::completeWrite() {
+    if (journaled_ == written_) {
         disk_.rename(pendingPath_, writtenPath_);
         journaled_ = nullptr;
     }
-    return Outcome::written;
+    finish(Outcome::written);
+}
+
+void StoreFileWriter::finish(Outcome outcome) {
+    bool hasNext = false;
+    {
+        const std::lock_guard lock(mutex_);
+        if (outcome == Outcome::written) {
+            current_ = nullptr;
+            stamp_ = disk_.stamp(path_);
+        }
+        hasNext = next_ != nullptr;
+    }
+    isWriting_ = false;
+    lock_ = nullptr;
+    restarts_ = 0;
+    retry_.cancel();
+    if (outcome == Outcome::written) {
+        for (auto& completion : currentCompletions_)
+            ports_.runLoop.post(std::move(completion));
+        currentCompletions_.clear();
+    }
+    if (outcome == Outcome::conflict) {
+        found_.adoptions = adoptionsAtStart_;
+        onConflict_(found_);
+    }
+    if (hasNext) return post(&StoreFileWriter::process);
+    if (outcome != Outcome::written) retryLater();
 }
 
 bool StoreFileWriter::put(const Content& content, bool journaled) {
@@ -173,7 +207,6 @@ bool StoreFileWriter::put(const Content& content, bool journaled) {
 }
 
 void StoreFileWriter::journalAhead() {
-    if (journalIsInUse_) return;
     Content waiting;
     Content base;
     {
@@ -182,10 +215,10 @@ void StoreFileWriter::journalAhead() {
         base = onDisk_;
     }
     if (!waiting || waiting == journaled_) return;
-    // The write under way on this file, if there is one, holds the lock for both.
-    const auto lock = holdsLock_ ? nullptr : disk_.tryLock(lockPath_);
-    if (!holdsLock_ && !lock) return;
-    if (disk_.exists(pendingPath_) && !pendingIsOurs()) return;
+    // A write under way holds the lock for both.
+    const auto lock = lock_ ? nullptr : disk_.tryLock(lockPath_);
+    if (!lock_ && !lock) return;
+    if (!lock_ && disk_.exists(pendingPath_) && !pendingIsOurs()) return;
     journal(waiting, base);
 }
 

@@ -37,6 +37,8 @@ public:
     static constexpr Seconds lockPatience = 3.0;
     static constexpr Seconds lockPatienceAtStart = 1.0;
     static constexpr Seconds lockPoll = 0.005;
+    /// How often a write starts over for a newer content before it goes on with what is in the journal.
+    static constexpr int maximumRestarts = 3;
     /// Copies of unreadable files made within one second; beyond that the file is left alone.
     static constexpr int maximumCopiesPerSecond = 9;
 
@@ -46,7 +48,8 @@ public:
     // Main thread.
 
     void submit(std::string content, std::function<void()> completion);
-    /// Notes that memory now holds what the file held when it was read as `content`.
+    /// Notes that memory now holds what the file held when it was read as `content`. If something waited to be written,
+    /// the merged content must be submitted right after.
     void adopt(Content content, const FileStamp& stamp);
 
     struct View {
@@ -71,10 +74,19 @@ public:
 
 private:
     enum class Outcome { written, failed, conflict };
+    using Step = void (StoreFileWriter::*)();
 
+    // A write, step by step. Between `begin` and `finish` the lock is held; the steps run on the store queue, and
+    // between them the sync queue waits for the disk.
     void process();
-    void finish(Outcome outcome, std::uint64_t adoptions);
-    Outcome write(const Content& content, const Content& onDisk);
+    void begin();
+    void writeFile();
+    void completeWrite();
+    void finish(Outcome outcome);
+
+    bool takeNext();
+    void post(Step step);
+    void syncThen(const std::string& path, Step next);
     Outcome clearTheWay(const std::string& content, const Content& onDisk);
     bool isOurs(const std::string& bytes, const Content& onDisk) const;
     bool journal(const Content& content, const Content& base);
@@ -114,9 +126,14 @@ private:
     // What the pending journal holds, while it is ours.
     Content journaled_;
     Content journaledBase_;
-    // While a write is between its journal and the file, the journal must stay what it is.
-    bool journalIsInUse_ = false;
-    bool holdsLock_ = false;
+    // The write under way.
+    bool isWriting_ = false;
+    std::unique_ptr<FileLock> lock_;
+    bool isJournaled_ = false;
+    int restarts_ = 0;
+    Content written_;
+    Content base_;
+    std::uint64_t adoptionsAtStart_ = 0;
     Content lastWritten_;
     // What a failed write of ours left in the file.
     std::optional<std::string> remnant_;

@@ -9,12 +9,26 @@ namespace sunpane {
 StoreFiles::StoreFiles(Ports ports, std::string stateFolder)
     : ports_(std::move(ports)),
       stateFolder_(std::move(stateFolder)),
-      queue_(ports_.queues.makeQueue(std::string(appIdentifier) + ".store.io")) {
+      queue_(ports_.queues.makeQueue(std::string(appIdentifier) + ".store.io")),
+      syncQueue_(ports_.queues.makeQueue(std::string(appIdentifier) + ".store.sync")) {
     ports_.files.createFolders(stateFolder_);
 }
 
 StoreFiles::~StoreFiles() {
-    queue_->drain();
+    drain();
+}
+
+StoreFiles::Activity StoreFiles::beginActivity() {
+    ++*activities_;
+    return {nullptr, [count = activities_](void*) { --*count; }};
+}
+
+void StoreFiles::drain() {
+    // A write goes back and forth between the two queues.
+    do {
+        queue_->drain();
+        syncQueue_->drain();
+    } while (*activities_ > 0);
 }
 
 void StoreFiles::addJournal(std::weak_ptr<JournalsAhead> journal) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -21,8 +22,8 @@ public:
     virtual void journalAhead() = 0;
 };
 
-/// What the stores share to reach their files: the one queue on which all store files are written, one write at a
-/// time, and the folder that keeps the journals of writes under way.
+/// What the stores share to reach their files: the one queue on which all store files are written, a helper queue that
+/// waits for the disk, and the folder that keeps the journals of writes under way.
 ///
 /// Made by the start-up code, which keeps it longer than the stores. Main thread. Destroying it waits until everything
 /// that was saved has been tried once; what failed stays in the journal for the next start.
@@ -58,17 +59,25 @@ public:
 
     void addJournal(std::weak_ptr<JournalsAhead> journal);
 
-    /// Journals everything that waits. A write calls it before each step that blocks, so that no change stays out of
-    /// the journal for longer than one such step. On the store queue.
+    /// Journals everything that waits. Called while a write waits for another program. On the store queue.
     void journalWaiting();
 
+    /// Where files are forced to the disk. That can take long, and no change may wait for it to get into the journal.
+    WorkQueue& syncQueue() { return *syncQueue_; }
+
+    /// Work in progress: held by every task of a write, and by what follows it until all is done.
+    using Activity = std::shared_ptr<void>;
+    Activity beginActivity();
+
     /// Blocks until what was handed over before has been written or has failed once.
-    void drain() { queue_->drain(); }
+    void drain();
 
 private:
     Ports ports_;
     std::string stateFolder_;
+    std::shared_ptr<std::atomic<int>> activities_ = std::make_shared<std::atomic<int>>(0);
     std::unique_ptr<WorkQueue> queue_;
+    std::unique_ptr<WorkQueue> syncQueue_;
     std::mutex mutex_;
     std::vector<std::weak_ptr<JournalsAhead>> journals_;
 };
