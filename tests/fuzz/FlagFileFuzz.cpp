@@ -70,9 +70,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(mergeFlags(*state, *state, *state) == *state);
     require(mergeFlags({}, *state, {}) == *state);
     require(mergeFlags({}, {}, *state) == *state);
-    // Dates are formatted by the locale's rules, which takes longer than all the rest.
+    // Words and dates are found by the rules of Unicode, which takes longer than all the rest.
     constexpr std::size_t oneIn = 16;
-    if (std::hash<std::string_view>()(file) % oneIn == 0) checkFeedback(*state);
+    if (std::hash<std::string_view>()(file) % oneIn != 0) return 0;
+    checkFeedback(*state);
     checkTopics(*state);
     return 0;
 }

@@ -1,0 +1,133 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/Command.h"
+#include "core/stores/FlagFile.h"
+#include "core/stores/TodoFile.h"
+#include "support/SimulatedFileSystem.h"
+#include "support/SimulatedFolderEvents.h"
+#include "support/SimulatedPlatform.h"
+#include "support/SimulatedUserDefaults.h"
+
+namespace sunpane::cli {
+namespace {
+
+using ::testing::HasSubstr;
+
+class NeverInterrupted : public Interrupt {
+public:
+    void arm() override {}
+    void wait() override {}
+};
+
+class StoreCommandTest : public ::testing::Test {
+protected:
+    StoreCommandTest() {
+        disk.makeFolder("/home");
+        defaults.set("briefingsFolderPath", std::string("/home/briefings"));
+    }
+    int run(std::vector<std::string> arguments) {
+        out.str("");
+        err.str("");
+        Environment environment{platform.clock, defaults, platform.queues, events,        cloud, interrupt, out, err,
+                                false,          &disk,    "/home/state",   [](Seconds) {}};
+        return runCommandLine(arguments, environment);
+    }
+    TodoState todos() const { return *decodeTodos(*disk.content("/home/briefings/todos.json")); }
+    FlagState flags() const { return *decodeFlags(*disk.content("/home/briefings/itemflags.json")); }
+
+    testing::SimulatedPlatform platform;
+    testing::SimulatedFileSystem disk{platform.clock};
+    testing::SimulatedUserDefaults defaults;
+    testing::SimulatedFolderEvents events;
+    testing::SimulatedCloudFiles cloud;
+    NeverInterrupted interrupt;
+    std::ostringstream out;
+    std::ostringstream err;
+};
+
+TEST_F(StoreCommandTest, EveryTodoCommandIsInTheFileWhenItEnds) {
+    EXPECT_EQ(run({"todo", "add", "buy", "milk"}), success);
+    EXPECT_EQ(out.str(), "1 [ ] buy milk\n");
+    EXPECT_EQ(run({"todo", "add", "call\x1b[2J mum"}), success);
+    EXPECT_EQ(out.str().find('\x1b'), std::string::npos);
+    EXPECT_EQ(run({"todo", "prio", "2"}), success);
+    EXPECT_EQ(run({"todo", "rename", "1", "call", "dad"}), success);
+    EXPECT_EQ(out.str(), "1 [ ] ! call dad\n");
+    EXPECT_EQ(run({"todo", "done", "1"}), success);
+    EXPECT_EQ(run({"todo", "done", "2"}), success) << "done already";
+    EXPECT_EQ(todos().todos[1].text, "call dad");
+    EXPECT_TRUE(todos().todos[1].done);
+    EXPECT_EQ(run({"todo", "open", "2"}), success);
+    EXPECT_FALSE(todos().todos[0].done);
+    EXPECT_EQ(run({"todo", "list", "--json"}), success);
+    EXPECT_EQ(nlohmann::json::parse(out.str()).size(), 2U);
+    EXPECT_EQ(run({"todo", "delete", "2"}), success);
+    EXPECT_EQ(todos().dismissed, std::vector<std::string>{"buy milk"});
+    for (const char* number : {"0", "2", "-1", "x", "99999999999999999999"}) {
+        EXPECT_EQ(run({"todo", "delete", number}), negative) << number;
+    }
+    EXPECT_EQ(todos().todos.size(), 1U);
+}
+
+TEST_F(StoreCommandTest, TheStarOfATodoFromACardFlagsTheCard) {
+    disk.createFolders("/home/briefings");
+    Todo todo = Todo::make("from a card", platform.clock.now());
+    todo.sourceItemKey = "the-card";
+    disk.writeExternally("/home/briefings/todos.json", encodeTodos({{todo}, "", {}}));
+    EXPECT_EQ(run({"todo", "prio", "1"}), success);
+    EXPECT_EQ(flags().prio.at("the-card"), "from a card");
+}
+
+TEST_F(StoreCommandTest, FlagsKeepWhatTheProgramToldTheAgent) {
+    disk.createFolders("/home/briefings");
+    disk.writeExternally("/home/briefings/feedback.json", R"({"untouched":["a card"],"reminders":["a line"],"x":1})");
+    EXPECT_EQ(run({"flags", "--folder", "/home/briefings", "prio", "key", "some", "text"}), success);
+    EXPECT_EQ(flags().prio.at("key"), "some text");
+    EXPECT_EQ(run({"flags", "list"}), success);
+    EXPECT_THAT(out.str(), HasSubstr("prio  key  some text"));
+    EXPECT_EQ(run({"feedback"}), success);
+    const auto feedback = nlohmann::json::parse(out.str());
+    EXPECT_EQ(feedback["untouched"], nlohmann::json{"a card"});
+    EXPECT_EQ(feedback["reminders"], nlohmann::json{"a line"});
+    EXPECT_EQ(feedback["prio"][0]["text"], "some text");
+    EXPECT_EQ(run({"flags", "unprio", "key"}), success);
+    EXPECT_TRUE(flags().prio.empty());
+}
+
+TEST_F(StoreCommandTest, WrongUsageChangesNothing) {
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"todo"},
+                                                                                       {"todo", "add"},
+                                                                                       {"todo", "add", "  "},
+                                                                                       {"todo", "done"},
+                                                                                       {"todo", "frob"},
+                                                                                       {"todo", "done", "1", "2"},
+                                                                                       {"todo", "--wrong"},
+                                                                                       {"todo", "list", "--folder"},
+                                                                                       {"flags"},
+                                                                                       {"flags", "prio", "key"},
+                                                                                       {"flags", "unprio"},
+                                                                                       {"feedback", "x"}}) {
+        EXPECT_EQ(run(words), failure);
+        EXPECT_THAT(err.str(), HasSubstr("usage:"));
+    }
+    EXPECT_FALSE(disk.exists("/home/briefings"));
+}
+
+TEST_F(StoreCommandTest, SaysWhenAChangeCouldNotBeWrittenAndKeepsIt) {
+    disk.createFolders("/home/briefings");
+    disk.readOnlyFolders.insert("/home/briefings");
+    EXPECT_EQ(run({"todo", "add", "later"}), failure);
+    EXPECT_THAT(err.str(), HasSubstr("kept"));
+    disk.readOnlyFolders.clear();
+    EXPECT_EQ(run({"todo", "list"}), success);
+    EXPECT_EQ(out.str(), "1 [ ] later\n");
+}
+
+}  // namespace
+}  // namespace sunpane::cli
