@@ -9,7 +9,7 @@
 #include "views/SymbolIcon.h"
 
 // Made by the build from the module's QML files.
-extern void qml_register_types_Sunpane();
+extern void qml_register_types_Sunpane();  // NOLINT(readability-identifier-naming)
 
 namespace sunpane {
 

@@ -12,7 +12,7 @@ TEST(SimulatedTime, RunsEverythingAtItsOwnMomentInOrder) {
     SimulatedPlatform platform;
     const Seconds start = platform.time.uptime();
     std::vector<std::pair<std::string, double>> log;
-    const auto note = [&](std::string what) {
+    const auto note = [&](const std::string& what) {
         return [&, what] { log.emplace_back(what, platform.time.uptime() - start); };
     };
     auto tick = platform.runLoop.every(1.0, note("tick"));

@@ -39,7 +39,9 @@ TEST(Spring, MovesAsTheDifferentialEquationSays) {
         double x = 0;
         double v = 0;
         const double dt = 1e-5;
-        for (double t = 0; t < spring.settlingTime(); t += dt) {
+        const auto steps = static_cast<int>(spring.settlingTime() / dt);
+        for (int step = 0; step < steps; ++step) {
+            const double t = step * dt;
             v += dt * (omega * omega * (1 - x) - 2 * spring.dampingFraction * omega * v);
             x += dt * v;
             if (std::fmod(t, 0.02) < dt) {
@@ -54,7 +56,8 @@ TEST(Spring, SplineFollowsTheSpringAndSettles) {
         const auto points = spring.bezierSpline();
         const Seconds duration = spring.settlingTime();
         ASSERT_EQ(points.back(), (Point{1, 1}));
-        for (double t = 0.01; t < 1; t += 0.01) {
+        for (int percent = 1; percent < 100; ++percent) {
+            const double t = percent / 100.0;
             EXPECT_NEAR(splineAt(points, t), spring.position(t * duration), 2e-3) << t;
         }
         EXPECT_LE(std::abs(spring.position(duration) - 1), 1.1e-3);

@@ -33,7 +33,9 @@ TEST(Text, FindsANewlineWhereverItStandsInABlock) {
             EXPECT_THAT(lines(text), ElementsAre(before, "\u00A0y"));
             EXPECT_EQ(withPlainNewlines(text), before + "\n\u00A0y");
             EXPECT_TRUE(isValidUtf8(text));
-            EXPECT_FALSE(isValidUtf8(before + "\xE2\x80" + newline));
+            std::string broken = before + "\xE2\x80";
+            broken += newline;
+            EXPECT_FALSE(isValidUtf8(broken));
         }
     }
 }

@@ -19,6 +19,7 @@ TEST(ThreadWorkQueue, RunsTasksOfManyThreadsOneAtATimeInOrder) {
     std::vector<int> perThread(4, -1);  // touched by the queue alone
     std::atomic<bool> ordered{true};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < 500; ++i) {
