@@ -65,16 +65,20 @@ public:
     /// file holds a beginning of `bytes`, or is untouched when it could not be opened.
     virtual bool writeInPlace(const std::string& path, std::string_view bytes) = 0;
 
+    /// Writes the bytes over the beginning of the file, which is created, or made longer, to hold at least
+    /// `minimumSize` bytes. Cut off, it leaves a mix of old and new bytes. Where nothing has to be made longer this is
+    /// quick even while the disk is busy, which no other writing operation is.
+    virtual bool overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) = 0;
+
+    /// The first `count` bytes of a regular file, fewer when it is shorter or cannot be read.
+    virtual std::string beginning(const std::string& path, std::size_t count) const = 0;
+
     /// Blocks until the file's content and its name are on the disk, safe from a power cut too.
     virtual bool sync(const std::string& path) = 0;
 
-    /// What a replaced file survives: the death of the process, at once, or a power cut as well, for which the call
-    /// blocks.
-    enum class Durability { process, machine };
-
     /// Replaces a regular file by a new one with the same permissions, or creates one that only its owner can read.
-    /// After a failure or a crash it holds either its old content or all of the new. Links are followed.
-    virtual bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) = 0;
+    /// After a failure or a crash it holds either its old content or all of the new, on the disk. Links are followed.
+    virtual bool replaceAtomically(const std::string& path, std::string_view bytes) = 0;
 
     /// Copies a file to a path where nothing stands yet; a file already there is a failure. Nothing half-written stays.
     virtual bool copyToNew(const std::string& from, const std::string& to) = 0;

@@ -53,8 +53,8 @@ public:
     bool writeInPlace(const std::string& path, std::string_view bytes) override {
         return PosixFileSystem::writeInPlace(path, bytes) && setTime(path);
     }
-    bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) override {
-        return PosixFileSystem::replaceAtomically(path, bytes, durability) && setTime(path);
+    bool replaceAtomically(const std::string& path, std::string_view bytes) override {
+        return PosixFileSystem::replaceAtomically(path, bytes) && setTime(path);
     }
     void writeExternally(const std::string& path, const std::string& content) {
         const auto before = stamp(path);

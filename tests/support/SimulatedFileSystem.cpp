@@ -54,13 +54,37 @@ bool SimulatedFileSystem::writeInPlace(const std::string& path, std::string_view
     return written;
 }
 
+bool SimulatedFileSystem::overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) {
+    if (!mayWrite(path) || !step()) return false;
+    const auto [place, isNew] = files_.try_emplace(path);
+    File& file = place->second;
+    if (isNew) file.identity = nextIdentity_++;
+    const std::size_t size = std::max({minimumSize, bytes.size(), file.bytes.size()});
+    const std::size_t growth = size - file.bytes.size();
+    if (growth > freeBytes) return false;
+    if (freeBytes != std::numeric_limits<std::size_t>::max()) freeBytes -= growth;
+    file.bytes.resize(size, '\0');
+    file.modified = nextTime();
+    const std::size_t half = bytes.size() / 2;
+    if (!step()) return false;
+    file.bytes.replace(0, half, bytes.substr(0, half));
+    if (!step()) return false;
+    file.bytes.replace(half, bytes.size() - half, bytes.substr(half));
+    return step();
+}
+
+std::string SimulatedFileSystem::beginning(const std::string& path, std::size_t count) const {
+    const auto file = files_.find(path);
+    return isDead() || file == files_.end() ? "" : file->second.bytes.substr(0, count);
+}
+
 bool SimulatedFileSystem::sync(const std::string& path) {
     if (!step()) return false;
     if (whileSyncing) whileSyncing(path);
     return step() && files_.contains(path);
 }
 
-bool SimulatedFileSystem::replaceAtomically(const std::string& path, std::string_view bytes, Durability) {
+bool SimulatedFileSystem::replaceAtomically(const std::string& path, std::string_view bytes) {
     if (!mayWrite(path) || !step()) return false;
     const std::string temporary = path + ".new";
     File& file = files_[temporary];

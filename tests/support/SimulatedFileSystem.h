@@ -27,8 +27,10 @@ public:
     bool exists(const std::string& path) const override;
     std::string canonicalPath(const std::string& path) const override { return path; }
     bool writeInPlace(const std::string& path, std::string_view bytes) override;
+    bool overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) override;
+    std::string beginning(const std::string& path, std::size_t count) const override;
     bool sync(const std::string& path) override;
-    bool replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) override;
+    bool replaceAtomically(const std::string& path, std::string_view bytes) override;
     bool copyToNew(const std::string& from, const std::string& to) override;
     bool rename(const std::string& from, const std::string& to) override;
     bool remove(const std::string& path) override;

@@ -158,6 +158,7 @@ void ItemFlagStore::refreshPrioReferences(const std::vector<std::string>& texts)
 
 void ItemFlagStore::updateUntouched(const std::vector<std::string>& texts) {
     std::vector<std::string> cleaned;
+    cleaned.reserve(texts.size());
     for (const std::string& text : texts)
         cleaned.push_back(cleanText(text));
     if (cleaned == untouched_) return;
@@ -167,6 +168,7 @@ void ItemFlagStore::updateUntouched(const std::vector<std::string>& texts) {
 
 void ItemFlagStore::updateReminders(const std::vector<std::string>& lines) {
     std::vector<std::string> valid;
+    valid.reserve(lines.size());
     for (const std::string& line : lines)
         valid.push_back(text::toValidUtf8(line));
     if (valid == reminders_) return;

@@ -20,8 +20,7 @@ StoreFileWriter::StoreFileWriter(StoreFiles& files, std::string path, std::optio
       format_(std::move(format)),
       onConflict_(std::move(onConflict)),
       lockPath_(pathInside(stateFolder_, journalName(identity_) + ".lock")),
-      pendingPath_(pathInside(stateFolder_, journalName(identity_) + ".pending")),
-      writtenPath_(pathInside(stateFolder_, journalName(identity_) + ".written")) {}
+      journal_(disk_, stateFolder_, identity_, StoreFile::maximumBytes, format_ ? format_->decodes : nullptr) {}
 
 void StoreFileWriter::submit(std::string content, std::function<void()> completion) {
     {
@@ -38,11 +37,9 @@ void StoreFileWriter::post(Step step) {
     queue_.post([self = shared_from_this(), step, activity = files_.beginActivity()] { (self.get()->*step)(); });
 }
 
-void StoreFileWriter::syncThen(const std::string& path, Step next) {
-    files_.syncQueue().post([self = shared_from_this(), path, next, activity = files_.beginActivity()] {
-        self->disk_.sync(path);
-        self->post(next);
-    });
+void StoreFileWriter::postToSyncQueue(Step step) {
+    files_.syncQueue().post(
+        [self = shared_from_this(), step, activity = files_.beginActivity()] { (self.get()->*step)(); });
 }
 
 void StoreFileWriter::adopt(Content content, const FileStamp& stamp) {
@@ -61,23 +58,23 @@ StoreFileWriter::View StoreFileWriter::view() const {
 }
 
 StoreFileWriter::Content StoreFileWriter::settleAtStart() {
-    if (!disk_.exists(pendingPath_)) return nullptr;
     const auto lock = waitForLock(lockPatienceAtStart, nullptr);
-    auto unfinished = settle();
-    if (!unfinished) return nullptr;
-    auto content = std::make_shared<const std::string>(std::move(unfinished->content));
+    if (settle()) return nullptr;
+    auto content = std::make_shared<const std::string>(std::move(unsettled_->content));
+    const auto base = unsettled_->base ? std::make_shared<const std::string>(std::move(*unsettled_->base)) : nullptr;
+    // From now on it is ours to write, and what the user does next replaces it.
+    journal_.note(content, base, nullptr);
     const std::lock_guard guard(mutex_);
     current_ = content;
-    if (unfinished->base) onDisk_ = std::make_shared<const std::string>(std::move(*unfinished->base));
-    journaled_ = content;
-    journaledBase_ = onDisk_;
+    onDisk_ = base;
     queue_.post([self = shared_from_this()] { self->retryLater(); });
     return content;
 }
 
 StoreFileWriter::Content StoreFileWriter::recoverTruncated(const std::string& remnant) {
     const auto lock = waitForLock(lockPatienceAtStart, nullptr);
-    auto record = readJournal(writtenPath_);
+    journal_.refresh();
+    auto record = journal_.lastWritten();
     if (!record || !isRemnantOf(remnant, record->content)) return nullptr;
     auto content = std::make_shared<const std::string>(std::move(record->content));
     const bool rewritten = disk_.writeInPlace(path_, *content);
@@ -128,45 +125,70 @@ void StoreFileWriter::begin() {
     if (!takeNext()) return;
     isWriting_ = true;
     lock_ = waitForLock(lockPatience, [this] { files_.journalWaiting(); });
-    // Our own journal would replace the note of another program's interrupted write.
-    if (settle()) return finish(Outcome::failed);
-    isJournaled_ = journal(written_, base_);
-    // What is derived can be derived again; the rest must be safe from a power cut before the file is emptied.
-    if (format_ && isJournaled_) return syncThen(pendingPath_, &StoreFileWriter::writeFile);
-    writeFile();
+    const bool isSettled = settle();
+    isJournaled_ = journal_.note(written_, base_, nullptr);
+    isJournalSynced_ = false;
+    // What another run left unwritten goes first.
+    if (!isSettled) return finish(Outcome::failed);
+    decideContent();
 }
 
-void StoreFileWriter::writeFile() {
-    if (isJournaled_ && journaled_ != written_) {
-        // A newer content took its place in the journal while the disk was waited for, so that one is written.
-        takeNext();
-        isJournaled_ = journal(written_, base_);
-        if (isJournaled_ && ++restarts_ <= maximumRestarts) return syncThen(pendingPath_, &StoreFileWriter::writeFile);
+void StoreFileWriter::decideContent() {
+    if (isJournaled_ && !journal_.hasNoted(written_)) {
+        // A newer content came into the journal while the disk was waited for, so that one is written.
+        if (!takeNext()) return finish(Outcome::failed);
+        isJournaled_ = journal_.note(written_, base_, nullptr);
+        isJournalSynced_ = ++restarts_ > maximumRestarts;
     }
-    const Outcome way = clearTheWay(*written_, base_);
-    if (way != Outcome::written) return finish(way);
-    if (!put(written_, isJournaled_)) {
-        const FileReading left = readFile();
-        remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
-        return finish(Outcome::failed);
+    // What is derived can be derived again; the rest must be safe from a power cut before the file is emptied.
+    if (format_ && isJournaled_ && !isJournalSynced_) {
+        journalPath_ = journal_.notedPath();
+        return postToSyncQueue(&StoreFileWriter::syncJournal);
     }
-    // From here on the file speaks for this content, and the journal may take the next one.
-    {
-        const std::lock_guard guard(mutex_);
-        onDisk_ = written_;
+    isPutting_ = true;
+    postToSyncQueue(&StoreFileWriter::putContent);
+}
+
+void StoreFileWriter::syncJournal() {
+    disk_.sync(journalPath_);
+    post(&StoreFileWriter::journalSynced);
+}
+
+void StoreFileWriter::journalSynced() {
+    isJournalSynced_ = true;
+    decideContent();
+}
+
+void StoreFileWriter::putContent() {
+    outcome_ = clearTheWay(*written_, base_);
+    if (outcome_ == Outcome::written) {
+        // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
+        const bool put =
+            isJournaled_ ? disk_.writeInPlace(path_, *written_) : disk_.replaceAtomically(path_, *written_);
+        if (put) {
+            lastWritten_ = written_;
+            remnant_.reset();
+            const std::lock_guard guard(mutex_);
+            onDisk_ = written_;
+        } else {
+            const FileReading left = readFile();
+            remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
+            outcome_ = Outcome::failed;
+        }
+        if (put && format_) disk_.sync(path_);
     }
-    lastWritten_ = written_;
-    remnant_.reset();
-    if (format_) return syncThen(path_, &StoreFileWriter::completeWrite);
-    completeWrite();
+    post(&StoreFileWriter::completeWrite);
 }
 
 void StoreFileWriter::completeWrite() {
-    if (journaled_ == written_) {
-        disk_.rename(pendingPath_, writtenPath_);
-        journaled_ = nullptr;
+    if (outcome_ == Outcome::written) {
+        if (isJournaled_) {
+            journal_.markWritten(written_);
+        } else {
+            journal_.markAllWritten();
+        }
     }
-    finish(Outcome::written);
+    finish(outcome_);
 }
 
 void StoreFileWriter::finish(Outcome outcome) {
@@ -180,6 +202,7 @@ void StoreFileWriter::finish(Outcome outcome) {
         hasNext = next_ != nullptr;
     }
     isWriting_ = false;
+    isPutting_ = false;
     lock_ = nullptr;
     restarts_ = 0;
     retry_.cancel();
@@ -196,30 +219,20 @@ void StoreFileWriter::finish(Outcome outcome) {
     if (outcome != Outcome::written) retryLater();
 }
 
-bool StoreFileWriter::put(const Content& content, bool journaled) {
-    if (journaled) return disk_.writeInPlace(path_, *content);
-    // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
-    if (!disk_.replaceAtomically(path_, *content, FileSystem::Durability::machine)) return false;
-    disk_.remove(pendingPath_);
-    disk_.remove(writtenPath_);
-    journaled_ = nullptr;
-    return true;
-}
-
 void StoreFileWriter::journalAhead() {
     Content waiting;
     Content base;
     {
         const std::lock_guard guard(mutex_);
         waiting = next_;
-        base = onDisk_;
+        base = isPutting_ ? written_ : onDisk_;
     }
-    if (!waiting || waiting == journaled_) return;
+    if (!waiting || journal_.hasNoted(waiting)) return;
     // A write under way holds the lock for both.
     const auto lock = lock_ ? nullptr : disk_.tryLock(lockPath_);
-    if (!lock_ && !lock) return;
-    if (!lock_ && disk_.exists(pendingPath_) && !pendingIsOurs()) return;
-    journal(waiting, base);
+    if (lock) journal_.refresh();
+    if (!lock_ && (!lock || !journal_.unfinished().empty())) return;
+    journal_.note(waiting, base, isPutting_ ? written_ : nullptr);
 }
 
 // Decides whether what stands in the file may be overwritten; `written` means that it may.
@@ -249,36 +262,15 @@ bool StoreFileWriter::isOurs(const std::string& bytes, const Content& onDisk) co
     return remnant_ == bytes;
 }
 
-bool StoreFileWriter::journal(const Content& content, const Content& base) {
-    if (journaled_ == content && journaledBase_ == base) return true;
-    constexpr auto durability = FileSystem::Durability::process;
-    const std::string record = encodeJournal(identity_, base.get(), *content);
-    bool kept = disk_.replaceAtomically(pendingPath_, record, durability);
-    if (!kept && disk_.createFolders(stateFolder_)) kept = disk_.replaceAtomically(pendingPath_, record, durability);
-    if (kept) {
-        journaled_ = content;
-        journaledBase_ = base;
+// Ends the writes that another run or another program left in the journal. False when that is not possible now.
+bool StoreFileWriter::settle() {
+    journal_.refresh();
+    for (JournalRecord& record : journal_.unfinished()) {
+        if (settleRecord(record)) continue;
+        unsettled_ = std::move(record);
+        return false;
     }
-    return kept;
-}
-
-bool StoreFileWriter::pendingIsOurs() const {
-    if (!journaled_) return false;
-    const auto record = readJournal(pendingPath_);
-    return record && record->content == *journaled_;
-}
-
-// Ends the write that another run or another program left in the journal. Returns it when that was not possible.
-std::optional<JournalRecord> StoreFileWriter::settle() {
-    if (!disk_.exists(pendingPath_)) return std::nullopt;
-    auto record = readJournal(pendingPath_);
-    if (!record) {
-        disk_.remove(pendingPath_);
-        return std::nullopt;
-    }
-    if (journaled_ && record->content == *journaled_) return std::nullopt;
-    if (settleRecord(*record)) return std::nullopt;
-    return record;
+    return true;
 }
 
 bool StoreFileWriter::settleRecord(JournalRecord& record) {
@@ -286,20 +278,22 @@ bool StoreFileWriter::settleRecord(JournalRecord& record) {
     if (reading.status == FileReading::Status::unreadable) return false;
     const bool isThere = reading.status == FileReading::Status::read;
     const bool untouched = isThere && record.base == reading.bytes;
+    Content merged;
     if (isThere && format_ && !untouched && !isRemnantOf(reading.bytes, record.content)) {
         if (format_->decodes(reading.bytes)) {
             record.content = format_->merge(record.base ? &*record.base : nullptr, record.content, reading.bytes);
             record.base = reading.bytes;
-            if (!disk_.replaceAtomically(pendingPath_, encodeJournal(identity_, &reading.bytes, record.content),
-                                         FileSystem::Durability::machine))
-                return false;
+            merged = std::make_shared<const std::string>(record.content);
+            if (!journal_.note(merged, std::make_shared<const std::string>(reading.bytes), nullptr)) return false;
+            disk_.sync(journal_.notedPath());
         } else if (!keepAside(reading.stamp)) {
             return false;
         }
     }
     if ((!isThere || reading.bytes != record.content) && !disk_.writeInPlace(path_, record.content)) return false;
     disk_.sync(path_);
-    disk_.rename(pendingPath_, writtenPath_);
+    journal_.markWritten(record.number);
+    if (merged) journal_.markWritten(merged);
     return true;
 }
 
@@ -330,16 +324,6 @@ std::unique_ptr<FileLock> StoreFileWriter::waitForLock(Seconds patience, const s
         if (whileWaiting) whileWaiting();
         ports_.wait(lockPoll);
     }
-}
-
-std::optional<JournalRecord> StoreFileWriter::readJournal(const std::string& journalPath) const {
-    // A record holds the content and the one before it.
-    const FileReading reading = disk_.read(journalPath, 2 * StoreFile::maximumBytes + 8192);
-    if (reading.status != FileReading::Status::read) return std::nullopt;
-    auto record = decodeJournal(reading.bytes);
-    if (!record || record->path != identity_) return std::nullopt;
-    if (format_ && !format_->decodes(record->content)) return std::nullopt;
-    return record;
 }
 
 }  // namespace sunpane

@@ -76,27 +76,28 @@ private:
     enum class Outcome { written, failed, conflict };
     using Step = void (StoreFileWriter::*)();
 
-    // A write, step by step. Between `begin` and `finish` the lock is held; the steps run on the store queue, and
-    // between them the sync queue waits for the disk.
+    // A write, step by step. From `begin` to `finish` the lock is held. `syncJournal` and `putContent` run on the sync
+    // queue, since a busy disk may take long over them; the others run on the store queue, which is left free for the
+    // journal.
     void process();
     void begin();
-    void writeFile();
+    void decideContent();
+    void syncJournal();
+    void journalSynced();
+    void putContent();
     void completeWrite();
     void finish(Outcome outcome);
 
     bool takeNext();
     void post(Step step);
-    void syncThen(const std::string& path, Step next);
+    void postToSyncQueue(Step step);
+
     Outcome clearTheWay(const std::string& content, const Content& onDisk);
     bool isOurs(const std::string& bytes, const Content& onDisk) const;
-    bool journal(const Content& content, const Content& base);
-    bool pendingIsOurs() const;
-    bool put(const Content& content, bool journaled);
-    std::optional<JournalRecord> settle();
+    bool settle();
     bool settleRecord(JournalRecord& record);
     bool keepAside(const FileStamp& stamp);
     std::unique_ptr<FileLock> waitForLock(Seconds patience, const std::function<void()>& whileWaiting);
-    std::optional<JournalRecord> readJournal(const std::string& journalPath) const;
     void retryLater();
 
     StoreFiles& files_;
@@ -110,8 +111,6 @@ private:
     const std::optional<StoreFormat> format_;
     const ConflictHandler onConflict_;
     const std::string lockPath_;
-    const std::string pendingPath_;
-    const std::string writtenPath_;
 
     mutable std::mutex mutex_;
     Content next_;
@@ -123,17 +122,24 @@ private:
     std::uint64_t adoptions_ = 0;
 
     std::vector<std::function<void()>> currentCompletions_;
-    // What the pending journal holds, while it is ours.
-    Content journaled_;
-    Content journaledBase_;
+    Journal journal_;
+    // What an earlier run left unwritten and could not be written at once.
+    std::optional<JournalRecord> unsettled_;
+
     // The write under way.
     bool isWriting_ = false;
     std::unique_ptr<FileLock> lock_;
-    bool isJournaled_ = false;
-    int restarts_ = 0;
     Content written_;
     Content base_;
     std::uint64_t adoptionsAtStart_ = 0;
+    bool isJournaled_ = false;
+    bool isJournalSynced_ = false;
+    std::string journalPath_;
+    int restarts_ = 0;
+    // From here on the file may hold `written_`, so that what comes next builds on it.
+    bool isPutting_ = false;
+    Outcome outcome_ = Outcome::failed;
+
     Content lastWritten_;
     // What a failed write of ours left in the file.
     std::optional<std::string> remnant_;

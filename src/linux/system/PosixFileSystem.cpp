@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -160,6 +161,26 @@ bool PosixFileSystem::writeInPlace(const std::string& path, std::string_view byt
     return file.isRegular() && ftruncate(file.get(), 0) == 0 && file.writeAll(bytes);
 }
 
+bool PosixFileSystem::overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) {
+    if (exists(path) && !isRegularFile(path)) return false;
+    const Descriptor file(path, O_WRONLY | O_CREAT | O_NOFOLLOW, 0600);
+    struct stat status {};
+    if (!file.isRegular(status)) return false;
+    const auto size = static_cast<off_t>(std::max(minimumSize, bytes.size()));
+    if (status.st_size < size && posix_fallocate(file.get(), 0, size) != 0) return false;
+    return file.writeAll(bytes);
+}
+
+std::string PosixFileSystem::beginning(const std::string& path, std::size_t count) const {
+    if (!isRegularFile(path)) return {};
+    const Descriptor file(path, O_RDONLY);
+    if (!file.isRegular()) return {};
+    std::string bytes(count, '\0');
+    const ssize_t length = ::read(file.get(), bytes.data(), count);
+    bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    return bytes;
+}
+
 bool PosixFileSystem::sync(const std::string& path) {
     const Descriptor file(path, O_RDONLY);
     if (!file.isRegular() || fsync(file.get()) != 0) return false;
@@ -167,7 +188,7 @@ bool PosixFileSystem::sync(const std::string& path) {
     return true;
 }
 
-bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_view bytes, Durability durability) {
+bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_view bytes) {
     const std::string target = resolvingLinks(path);
     const std::string temporary = target + ".new";
     // Left over from a crash at worst: it never held anything that was acknowledged.
@@ -178,13 +199,13 @@ bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_vie
     const bool written = [&] {
         const Descriptor file(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
         if (replaces && file) fchmod(file.get(), previous.st_mode & 07777);
-        return file && file.writeAll(bytes) && (durability == Durability::process || fsync(file.get()) == 0);
+        return file && file.writeAll(bytes) && fsync(file.get()) == 0;
     }();
     if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
         unlink(temporary.c_str());
         return false;
     }
-    if (durability == Durability::machine) syncFolder(parentOf(target));
+    syncFolder(parentOf(target));
     return true;
 }
 

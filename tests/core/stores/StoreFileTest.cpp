@@ -14,9 +14,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 /// A store as small as it can be: a set of letters, written between brackets so that a beginning does not decode.
 struct LetterStore {
@@ -72,22 +70,55 @@ struct LetterStore {
 constexpr const char* name = "letters.json";
 
 TEST(Journal, ReadsBackWhatWasNotedAndNothingDamaged) {
-    const std::string base = "old";
-    for (const std::string* before : {static_cast<const std::string*>(nullptr), &base}) {
-        const std::string bytes = encodeJournal("/a folder/x.json", before, "new\ncontent");
-        const auto record = decodeJournal(bytes);
-        ASSERT_TRUE(record);
-        EXPECT_EQ(*record,
-                  (JournalRecord{"/a folder/x.json", before ? std::optional(base) : std::nullopt, "new\ncontent"}));
+    for (const auto& base : {std::optional<std::string>(), std::optional<std::string>("old")}) {
+        const JournalRecord record{7, false, "/a folder/x.json", base, "new\ncontent"};
+        const std::string bytes = encodeJournal(record);
+        EXPECT_EQ(decodeJournal(bytes), record);
+        EXPECT_EQ(decodeJournal(bytes + "left from a longer one"), record);
         for (std::size_t i = 0; i < bytes.size(); ++i) {
             EXPECT_FALSE(decodeJournal(bytes.substr(0, i))) << i;
             std::string damaged = bytes;
             damaged[i] ^= 4;
-            const auto read = decodeJournal(damaged);
-            EXPECT_FALSE(read && !(*read == *record)) << "byte " << i << " went unnoticed";
+            EXPECT_NE(decodeJournal(damaged), record) << "byte " << i << " went unnoticed";
         }
     }
     EXPECT_NE(journalName("/a/x.json"), journalName("/b/x.json"));
+}
+
+// Three contents are noted, one of them is written, and the disk dies at every step of a fourth: the one before it is
+// still known, and so is the last one written.
+TEST(Journal, ARecordThatIsCutOffHarmsNoneThatCounts) {
+    for (std::uint64_t steps = 1; steps < 5; ++steps) {
+        StoreFixture machine;
+        const auto valid = [](std::string_view) { return true; };
+        const auto make = [&] { return Journal(machine.disk, StoreFixture::stateFolder, "/f/x.json", 1000, valid); };
+        const auto content = [](const char* text) { return std::make_shared<const std::string>(text); };
+        Journal journal = make();
+        journal.refresh();
+        const auto one = content("one");
+        const auto two = content("two");
+        ASSERT_TRUE(journal.note(one, nullptr, nullptr));
+        journal.markWritten(one);
+        ASSERT_TRUE(journal.note(two, one, nullptr));
+        ASSERT_TRUE(journal.note(content("three"), two, two));
+        ASSERT_TRUE(journal.note(content("four"), two, two));
+        machine.disk.dieAfter(steps);
+        journal.note(content("five"), two, two);
+        machine.disk.revive();
+        Journal next = make();
+        next.refresh();
+        const auto unfinished = next.unfinished();
+        ASSERT_EQ(unfinished.size(), 2U) << steps;
+        EXPECT_EQ(unfinished[0].content, "two") << steps;
+        EXPECT_EQ(unfinished[1].content, steps == 4 ? "five" : "four") << steps;
+        EXPECT_EQ(next.lastWritten()->content, "one") << steps;
+        next.markWritten(unfinished[0].number);
+        next.markWritten(unfinished[1].number);
+        EXPECT_THAT(next.unfinished(), IsEmpty());
+        Journal third = make();
+        third.refresh();
+        EXPECT_THAT(third.unfinished(), IsEmpty());
+    }
 }
 
 TEST(Journal, KnowsTheRemnantOfACutOffWrite) {
@@ -351,14 +382,15 @@ TEST(StoreFile, EndsTheWriteOfAProgramThatDiedBeforeWritingItsOwn) {
     store.add('a');
     machine.settle();
     const std::string base = "[a]";
-    const std::string pending =
-        std::string(StoreFixture::stateFolder) + "/" + journalName(StoreFixture::path(name)) + ".pending";
-    machine.disk.writeExternally(pending, encodeJournal(StoreFixture::path(name), &base, "[ad]"));
+    Journal other(machine.disk, StoreFixture::stateFolder, StoreFixture::path(name), 1000, LetterStore::decodes);
+    other.refresh();
+    other.note(std::make_shared<const std::string>("[ad]"), std::make_shared<const std::string>(base), nullptr);
     store.add('b');
     machine.settle();
     EXPECT_EQ(machine.content(name), "[abd]");
     EXPECT_EQ(store.state, (std::set{'a', 'b', 'd'}));
-    EXPECT_THAT(machine.disk.filesIn(StoreFixture::stateFolder), Not(Contains(HasSubstr(".pending"))));
+    other.refresh();
+    EXPECT_THAT(other.unfinished(), IsEmpty());
 }
 
 TEST(StoreFile, DoesNotWaitForeverForAProgramThatHoldsTheLock) {
