@@ -129,13 +129,14 @@ struct Note {
     std::string ignored;
     Note note{lastTodo(stores.todos, ignored), lastFlag(stores.flags, ignored), 0};
     for (;;) {
-        note.at = Steady::now().time_since_epoch().count();
         stores.todos.add(todoText(++note.todo));
         while (static_cast<std::int64_t>(stores.todos.todos().size()) > keptTodos) {
             stores.todos.remove(stores.todos.todos().front().id);
         }
         ++note.flag;
         stores.flags.setPrio(flagKey(note.flag), flagText(note.flag), true);
+        // Both changes are made now.
+        note.at = Steady::now().time_since_epoch().count();
         if (write(notes, &note, sizeof note) != sizeof note) std::_Exit(1);
         stores.loop.run();
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));

@@ -219,14 +219,14 @@ Journal::Slot& Journal::nextSlot(const Content& inUse) {
     for (const Slot& slot : slots_) {
         if (slot.isWritten && (lastWritten == nullptr || slot.number > lastWritten->number)) lastWritten = &slot;
     }
-    Slot* oldest = nullptr;
-    for (Slot& slot : slots_) {
-        const bool counts = slot.ours != nullptr && (slot.ours == inUse || slot.ours == noted_);
-        if (counts || &slot == lastWritten) continue;
-        if (oldest == nullptr || slot.number < oldest->number) oldest = &slot;
-    }
-    assert(oldest != nullptr);
-    return *oldest;
+    const auto counts = [&](const Slot& slot) {
+        return &slot == lastWritten || (slot.ours != nullptr && (slot.ours == inUse || slot.ours == noted_));
+    };
+    // At most three count, so one is left.
+    static_assert(slotCount > 3);
+    return *std::min_element(slots_.begin(), slots_.end(), [&](const Slot& a, const Slot& b) {
+        return std::pair(counts(a), a.number) < std::pair(counts(b), b.number);
+    });
 }
 
 }  // namespace sunpane
