@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sunpane {
+
+enum class NotificationAuthorization { notDetermined, denied, authorized };
+
+/// When a notification comes due: at every moment, in the user's calendar and time zone, that matches all components
+/// that are set. Components smaller than the smallest one set count as their least value.
+struct CalendarTrigger {
+    std::optional<int> year;
+    /// 1 to 12.
+    std::optional<int> month;
+    /// 1 to 31.
+    std::optional<int> day;
+    /// 1 (Sunday) to 7 (Saturday).
+    std::optional<int> weekday;
+    std::optional<int> hour;
+    std::optional<int> minute;
+    std::optional<int> second;
+    /// Whether it comes due at every match, or only at the first after it was added.
+    bool repeats = false;
+    friend bool operator==(const CalendarTrigger&, const CalendarTrigger&) = default;
+};
+
+struct NotificationRequest {
+    std::string identifier;
+    std::string title;
+    std::string body;
+    /// Handed back when the user answers the notification.
+    std::map<std::string, std::string> userInfo;
+    CalendarTrigger trigger;
+    friend bool operator==(const NotificationRequest&, const NotificationRequest&) = default;
+};
+
+/// The user's click on a notification.
+struct NotificationResponse {
+    std::string identifier;
+    std::map<std::string, std::string> userInfo;
+};
+
+/// The user's notifications: requests wait here until they come due, across restarts of the program, and are shown
+/// with the default sound. Main thread only. Nothing here reports an error; what cannot be shown is not shown.
+class UserNotificationCenter {
+public:
+    virtual ~UserNotificationCenter() = default;
+
+    /// Each of these calls back on the main thread, never before it returns.
+    virtual void authorization(std::function<void(NotificationAuthorization)> answer) = 0;
+    virtual void requestAuthorization(std::function<void(bool granted)> answer) = 0;
+    virtual void pending(std::function<void(std::vector<NotificationRequest>)> answer) = 0;
+
+    /// Adds a request, in place of a pending one of the same identifier. One that never comes due is dropped.
+    virtual void add(NotificationRequest request) = 0;
+
+    /// Forgets pending requests. What was shown already stays where it is.
+    virtual void removePending(const std::vector<std::string>& identifiers) = 0;
+
+    /// Who is told of clicks, also on notifications that an earlier run of the program showed.
+    virtual void setResponseHandler(std::function<void(const NotificationResponse&)> handler) = 0;
+};
+
+}  // namespace sunpane
