@@ -22,7 +22,7 @@ struct CalendarInfo {
     friend bool operator==(const CalendarInfo&, const CalendarInfo&) = default;
 };
 
-/// One event, or one occurrence of a recurring event.
+/// One event, or one occurrence of a recurring event. All texts are valid UTF-8.
 struct CalendarEvent {
     /// Stable across starts and distinct for each occurrence; empty when the calendar gives none.
     std::string identifier;

@@ -14,6 +14,10 @@ public:
     /// Whether a service is there, or can be started, to show anything.
     virtual bool available() const = 0;
 
+    /// Tells one run of the service from every other, before a restart of the machine too: its numbers mean nothing
+    /// in another run. Empty while it does not run.
+    virtual std::string instance() const = 0;
+
     /// Shows a notification with the default sound and a default action, and calls back on the main thread with the
     /// service's number for it, or with 0 when it was not shown.
     virtual void show(const std::string& title, const std::string& body,

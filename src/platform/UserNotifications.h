@@ -10,9 +10,12 @@ namespace sunpane {
 
 enum class NotificationAuthorization { notDetermined, denied, authorized };
 
-/// When a notification comes due: at every moment, in the user's calendar and time zone, that matches all components
-/// that are set. Components smaller than the smallest one set count as their least value.
+/// When a notification comes due: at every moment that matches all components that are set, in the Gregorian calendar
+/// and in `timeZone`. Components smaller than the smallest one set count as their least value. A moment that the clocks
+/// skip comes due at the first instant after the gap, one that they repeat comes due once.
 struct CalendarTrigger {
+    /// Whose clock the components are read from, as an IANA name; absent: the user's, wherever the user is by then.
+    std::optional<std::string> timeZone;
     std::optional<int> year;
     /// 1 to 12.
     std::optional<int> month;
@@ -55,7 +58,8 @@ public:
     virtual void requestAuthorization(std::function<void(bool granted)> answer) = 0;
     virtual void pending(std::function<void(std::vector<NotificationRequest>)> answer) = 0;
 
-    /// Adds a request, in place of a pending one of the same identifier. One that never comes due is dropped.
+    /// Adds a request, in place of a pending one of the same identifier. One that never comes due is dropped, and so
+    /// is one that would only repeat what was shown under its identifier for the same moment.
     virtual void add(NotificationRequest request) = 0;
 
     /// Forgets pending requests. What was shown already stays where it is.

@@ -12,6 +12,10 @@ public:
     /// Shows a folder in the user's file manager. Returns at once; without a file manager nothing happens.
     virtual void revealFolder(const std::string& path) = 0;
 
+    /// Opens an address in the user's browser. Only `http` and `https` addresses are opened. Returns at once; without a
+    /// browser nothing happens.
+    virtual void openUrl(const std::string& url) = 0;
+
     /// Ends this program in good order.
     virtual void terminate() = 0;
 };
