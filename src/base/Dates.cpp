@@ -63,8 +63,17 @@ CivilDay civilFromDays(std::int64_t days) {
 
 }  // namespace
 
+// A stretch of time in which the zone's offset from UTC stays the same (ms).
+struct ConstantOffset {
+    UDate from = 0;
+    UDate to = 0;
+    double offset = 0;
+};
+
 struct LocalCalendar::Zone {
     std::unique_ptr<icu::TimeZone> timeZone;
+    // The stretch that was asked for last: days are mostly looked up near each other, and asking ICU takes long.
+    mutable ConstantOffset last;
 
     double offset(UDate date) const {
         std::int32_t raw = 0;
@@ -77,6 +86,9 @@ struct LocalCalendar::Zone {
     // The earliest instant whose local reading is `localMilliseconds`, or, when the clocks skip that reading, the
     // instant at which they do.
     UDate fromLocal(double localMilliseconds) const {
+        const UDate guess = localMilliseconds - last.offset;
+        // Clocks jump by a day at most, so that farther from either end no other instant has this reading.
+        if (guess >= last.from + 2 * millisecondsPerDay && guess < last.to - 2 * millisecondsPerDay) return guess;
         const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(timeZone.get());
         if (basic == nullptr) return localMilliseconds - offset(localMilliseconds);
         std::int32_t raw = 0;
@@ -84,12 +96,24 @@ struct LocalCalendar::Zone {
         UErrorCode status = U_ZERO_ERROR;
         basic->getOffsetFromLocal(localMilliseconds, UCAL_TZ_LOCAL_FORMER, UCAL_TZ_LOCAL_FORMER, raw, daylight, status);
         const UDate date = localMilliseconds - raw - daylight;
-        if (date + offset(date) == localMilliseconds) return date;
+        if (date + offset(date) == localMilliseconds) {
+            remember(*basic, date, localMilliseconds - date);
+            return date;
+        }
         // Skipped: read with the offset before the gap, `date` lies after the jump by the part of the gap that
         // `localMilliseconds` is into.
         icu::TimeZoneTransition transition;
         if (basic->getPreviousTransition(date, true, transition) != 0) return transition.getTime();
         return date;
+    }
+
+private:
+    void remember(const icu::BasicTimeZone& zone, UDate date, double offset) const {
+        constexpr UDate never = 1e18;
+        icu::TimeZoneTransition transition;
+        last.from = zone.getPreviousTransition(date, true, transition) != 0 ? transition.getTime() : -never;
+        last.to = zone.getNextTransition(date, false, transition) != 0 ? transition.getTime() : never;
+        last.offset = offset;
     }
 };
 

@@ -31,6 +31,20 @@ TEST(Dates, StartOfDayFollowsTheZoneAcrossDaylightSaving) {
     }
 }
 
+// A calendar remembers what it was asked for last, which must not show.
+TEST(Dates, StartOfDayDoesNotDependOnWhatWasAskedBefore) {
+    for (const char* zone : {"Europe/Amsterdam", "Pacific/Apia", "Africa/Cairo", "Asia/Manila", "America/Sao_Paulo"}) {
+        const LocalCalendar reused(zone, "en_US");
+        for (int year : {1844, 1845, 1995, 2011, 2012, 2026, 2050, 2018}) {
+            for (int dayOfYear = 0; dayOfYear < 372; ++dayOfYear) {
+                const CivilDay day{year, dayOfYear / 31 + 1, dayOfYear % 31 + 1};
+                ASSERT_EQ(reused.startOfDay(day), LocalCalendar(zone, "en_US").startOfDay(day))
+                    << zone << ' ' << day.year << '-' << day.month << '-' << day.day;
+            }
+        }
+    }
+}
+
 TEST(Dates, DaysThatDoNotExistAreAbsent) {
     const LocalCalendar calendar("Europe/Amsterdam", "en_US");
     for (const CivilDay day :
