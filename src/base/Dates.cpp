@@ -61,7 +61,48 @@ CivilDay civilFromDays(std::int64_t days) {
     return {static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0)), month, day};
 }
 
+// Reads exactly `digits` digits at `position` and moves past them.
+std::optional<int> takeNumber(std::string_view text, std::size_t& position, std::size_t digits) {
+    if (text.size() < position + digits) return std::nullopt;
+    int number = 0;
+    for (const char c : text.substr(position, digits)) {
+        if (c < '0' || c > '9') return std::nullopt;
+        number = number * 10 + (c - '0');
+    }
+    position += digits;
+    return number;
+}
+
+bool take(std::string_view text, std::size_t& position, char expected) {
+    if (position >= text.size() || text[position] != expected) return false;
+    ++position;
+    return true;
+}
+
+// The rest of an ISO 8601 text from its offset on, in seconds; absent when it has none of the known forms.
+std::optional<double> takeOffset(std::string_view text, std::size_t& position) {
+    if (take(text, position, 'Z')) return 0;
+    const bool negative = text.substr(position).starts_with('-');
+    if (!negative && !text.substr(position).starts_with('+')) return std::nullopt;
+    ++position;
+    const auto hours = takeNumber(text, position, 2);
+    take(text, position, ':');
+    const auto minutes = takeNumber(text, position, 2);
+    if (!hours || !minutes || *hours > 23 || *minutes > 59) return std::nullopt;
+    return (negative ? -60.0 : 60.0) * (*hours * 60 + *minutes);
+}
+
 }  // namespace
+
+CivilDay addingDays(CivilDay day, int days) {
+    return civilFromDays(daysFromCivil(day) + days);
+}
+
+int weekday(CivilDay day) {
+    // 1 January 1970 was a Thursday.
+    const std::int64_t sinceThursday = daysFromCivil(day) % 7;
+    return static_cast<int>((sinceThursday + 7 + 4) % 7) + 1;
+}
 
 // A stretch of time in which the zone's offset from UTC stays the same (ms).
 struct ConstantOffset {
@@ -74,6 +115,9 @@ struct LocalCalendar::Zone {
     std::unique_ptr<icu::TimeZone> timeZone;
     // The stretch that was asked for last: days are mostly looked up near each other, and asking ICU takes long.
     mutable ConstantOffset last;
+    // Making a formatter costs a hundred times what using it does, and the same pattern tends to come again.
+    std::string formatKey;
+    std::unique_ptr<icu::SimpleDateFormat> formatter;
 
     double offset(UDate date) const {
         std::int32_t raw = 0;
@@ -163,14 +207,60 @@ Instant LocalCalendar::settingTime(Instant instant, int hour, int minute) const 
     return fromUDate(zone_->fromLocal(midnight + (hour * 60.0 + minute) * 60000.0));
 }
 
+CivilTime LocalCalendar::civilTime(Instant instant) const {
+    const double date = std::floor(toUDate(instant) / 1000) * 1000;
+    const double local = date + zone_->offset(date);
+    const double days = std::floor(local / millisecondsPerDay);
+    const auto seconds = static_cast<int>((local - days * millisecondsPerDay) / 1000);
+    return {civilFromDays(static_cast<std::int64_t>(days)), seconds / 3600, seconds / 60 % 60, seconds % 60};
+}
+
+Instant LocalCalendar::instant(const CivilTime& time) const {
+    const double seconds = time.hour * 3600.0 + time.minute * 60.0 + time.second;
+    return fromUDate(
+        zone_->fromLocal(static_cast<double>(daysFromCivil(time.day)) * millisecondsPerDay + seconds * 1000));
+}
+
+std::optional<Instant> LocalCalendar::parseIso8601(std::string_view text) const {
+    std::size_t at = 0;
+    CivilTime time;
+    const auto year = takeNumber(text, at, 4);
+    const bool dashed = take(text, at, '-');
+    const auto month = takeNumber(text, at, 2);
+    const bool dashedAgain = take(text, at, '-');
+    const auto day = takeNumber(text, at, 2);
+    if (!year || !month || !day || !dashed || !dashedAgain) return std::nullopt;
+    time.day = {*year, *month, *day};
+    if (!startOfDay(time.day)) return std::nullopt;
+    if (at == text.size()) return instant(time);
+
+    if (!take(text, at, 'T') && !take(text, at, ' ')) return std::nullopt;
+    const auto hour = takeNumber(text, at, 2);
+    const bool colon = take(text, at, ':');
+    const auto minute = takeNumber(text, at, 2);
+    const auto second = take(text, at, ':') ? takeNumber(text, at, 2) : std::optional(0);
+    if (!hour || !colon || !minute || !second || *hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
+    time = {time.day, *hour, *minute, *second};
+    if (at == text.size()) return instant(time);
+    const auto offset = takeOffset(text, at);
+    if (!offset || at != text.size()) return std::nullopt;
+    return LocalCalendar("UTC", locale_).instant(time) - *offset;
+}
+
 std::string LocalCalendar::format(Instant instant, std::string_view pattern,
                                   std::optional<std::string_view> locale) const {
-    UErrorCode status = U_ZERO_ERROR;
-    icu::SimpleDateFormat formatter(toUnicode(pattern), toLocale(locale.value_or(locale_)), status);
-    if (U_FAILURE(status)) return {};
-    formatter.setTimeZone(*zone_->timeZone);
+    std::string key = std::string(locale.value_or(locale_)) + '\n' + std::string(pattern);
+    if (!zone_->formatter || zone_->formatKey != key) {
+        UErrorCode status = U_ZERO_ERROR;
+        auto formatter =
+            std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern), toLocale(locale.value_or(locale_)), status);
+        if (U_FAILURE(status)) return {};
+        formatter->setTimeZone(*zone_->timeZone);
+        zone_->formatter = std::move(formatter);
+        zone_->formatKey = std::move(key);
+    }
     icu::UnicodeString result;
-    return toUtf8(formatter.format(toUDate(instant), result));
+    return toUtf8(zone_->formatter->format(toUDate(instant), result));
 }
 
 std::string LocalCalendar::dayString(Instant instant) const {

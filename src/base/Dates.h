@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,7 +15,21 @@ struct CivilDay {
     int year = 1;
     int month = 1;
     int day = 1;
-    friend bool operator==(const CivilDay&, const CivilDay&) = default;
+    friend auto operator<=>(const CivilDay&, const CivilDay&) = default;
+};
+
+/// The day `days` later; earlier when negative.
+CivilDay addingDays(CivilDay day, int days);
+/// 1 (Sunday) to 7 (Saturday).
+int weekday(CivilDay day);
+
+/// What a calendar and a clock on the wall show.
+struct CivilTime {
+    CivilDay day;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    friend auto operator<=>(const CivilTime&, const CivilTime&) = default;
 };
 
 /// Calendar arithmetic and date patterns in one time zone and locale, taken from a clock at construction. Cheap to
@@ -41,6 +56,16 @@ public:
 
     /// That time of the day that `instant` falls on, moved forward when the clocks skip it.
     Instant settingTime(Instant instant, int hour, int minute) const;
+
+    /// What the clock shows at `instant`, the fraction of a second dropped.
+    CivilTime civilTime(Instant instant) const;
+    /// The first instant at which the clock shows `time`, a day that exists and a time of it, or, when it skips that
+    /// time, the instant at which it does.
+    Instant instant(const CivilTime& time) const;
+
+    /// Reads ISO 8601 as in "2026-11-22T09:30:00+01:00". The time or its seconds may be left out, the offset may be
+    /// "Z"; without one the text means local time. Anything else: absent.
+    std::optional<Instant> parseIso8601(std::string_view text) const;
 
     /// Formats with a pattern of Unicode Technical Standard 35 ("yyyy-MM-dd"). An absent locale means the user's.
     std::string format(Instant instant, std::string_view pattern,

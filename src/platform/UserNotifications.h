@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Instant.h"
+
 namespace sunpane {
 
 enum class NotificationAuthorization { notDetermined, denied, authorized };
@@ -38,6 +40,8 @@ struct NotificationRequest {
     /// Handed back when the user answers the notification.
     std::map<std::string, std::string> userInfo;
     CalendarTrigger trigger;
+    /// From then on it is not worth showing any more; absent: it always is.
+    std::optional<Instant> expires;
     friend bool operator==(const NotificationRequest&, const NotificationRequest&) = default;
 };
 
