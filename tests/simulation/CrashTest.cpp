@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "core/stores/ItemFlagStore.h"
+#include "core/stores/Journal.h"
 #include "core/stores/TodoStore.h"
 #include "linux/system/LocalCloudFiles.h"
 #include "linux/system/PosixFileSystem.h"
@@ -143,8 +144,30 @@ struct Note {
     }
 }
 
-/// Lets a process work for a while, kills it, and returns what it had told that counts.
-Note killWhileWorking(const std::string& folder, const std::string& stateFolder, std::chrono::microseconds time) {
+/// Keeps every other program from writing a store file while it lives, as one would that waits for its own disk.
+class HeldLocks {
+public:
+    HeldLocks(const std::string& folder, const std::string& stateFolder) {
+        for (const char* name : {TodoStore::fileName, ItemFlagStore::fileName}) {
+            const std::string file = disk_.canonicalPath(folder + "/" + name);
+            std::unique_ptr<FileLock> lock;
+            for (int attempts = 0; !lock && attempts < 200; ++attempts) {
+                lock = disk_.tryLock(stateFolder + "/" + journalName(file) + ".lock");
+                if (!lock) std::this_thread::sleep_for(std::chrono::microseconds(500));
+            }
+            locks_.push_back(std::move(lock));
+        }
+    }
+
+private:
+    PosixFileSystem disk_;
+    std::vector<std::unique_ptr<FileLock>> locks_;
+};
+
+/// Lets a process work for a while, kills it, and returns what it had told that counts. With `isHindered`, all its
+/// files are locked by another program for the second half of that time.
+Note killWhileWorking(const std::string& folder, const std::string& stateFolder, std::chrono::microseconds time,
+                      bool isHindered) {
     std::array<int, 2> pipeEnds{};
     if (pipe(pipeEnds.data()) != 0) throw std::runtime_error("no pipe");
     const pid_t child = fork();
@@ -153,7 +176,9 @@ Note killWhileWorking(const std::string& folder, const std::string& stateFolder,
         work(folder, stateFolder, pipeEnds[1]);
     }
     close(pipeEnds[1]);
-    std::this_thread::sleep_for(time);
+    std::this_thread::sleep_for(time / 2);
+    const auto locks = isHindered ? std::make_unique<HeldLocks>(folder, stateFolder) : nullptr;
+    std::this_thread::sleep_for(time / 2);
     const auto killedAt = Steady::now();
     kill(child, SIGKILL);
     int status = 0;
@@ -208,8 +233,9 @@ int main(int argc, char** argv) {
     Note last;
     std::int64_t counted = 0;
     for (int i = 1; i <= kills; ++i) {
-        const std::chrono::microseconds time(random() % 250000);
-        const Note acknowledged = killWhileWorking(folder.path(), state.path(), time);
+        const bool isHindered = i % 4 == 0;
+        const std::chrono::microseconds time(random() % (isHindered ? 500000 : 250000));
+        const Note acknowledged = killWhileWorking(folder.path(), state.path(), time, isHindered);
         if (acknowledged.todo > 0) {
             last = acknowledged;
             ++counted;

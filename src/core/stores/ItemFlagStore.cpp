@@ -249,7 +249,10 @@ void ItemFlagStore::adoptForeignChanges() {
 
 void ItemFlagStore::reloadIfChangedExternally() {
     const auto mtime = file_.modificationTime();
-    if (!mtime) return;
+    if (!mtime) {
+        if (file_.wentWithItsFolder()) save();
+        return;
+    }
     if (lastKnownMtime_ && *mtime > *lastKnownMtime_) {
         files_.ensureDownloaded(file_.path(), StoreFiles::downloadTimeout);
         const auto outcome = file_.reload([this](const StoreFile::Incoming& incoming) { return take(incoming); });

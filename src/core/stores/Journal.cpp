@@ -15,9 +15,6 @@ std::string heading(bool isWritten) {
     return isWritten ? "dawnly journal 2 +\n" : "dawnly journal 2 -\n";
 }
 constexpr std::string_view noBase = "-";
-// Holds the first two lines of a record, which no two records share.
-constexpr std::size_t headBytes = 160;
-
 // 64-bit FNV-1a: tells damage and mix-ups, which is all that is asked of it here.
 std::uint64_t checksum(std::string_view bytes, std::uint64_t hash = 0xcbf29ce484222325) {
     for (const char byte : bytes)
@@ -46,6 +43,24 @@ std::optional<std::size_t> toSize(std::string_view digits) {
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
     return value;
+}
+
+std::string journalPath(const JournalPlace& place, int index) {
+    return place.stateFolder + "/" + journalName(place.path) + ".journal" + std::to_string(index);
+}
+
+std::string slotPath(const JournalPlace& place, int index, std::size_t slot) {
+    return journalPath(place, index) + "-" + std::to_string(slot);
+}
+
+std::optional<JournalRecord> readRecord(const JournalPlace& place, const std::string& path) {
+    const std::size_t maximumBytes = 4 * place.maximumContentBytes + Journal::minimumSlotBytes;
+    const FileReading reading = place.disk.read(path, maximumBytes);
+    if (reading.status != FileReading::Status::read) return std::nullopt;
+    auto record = decodeJournal(reading.bytes);
+    if (!record || record->path != place.path) return std::nullopt;
+    if (place.isValid && !place.isValid(record->content)) return std::nullopt;
+    return record;
 }
 
 }  // namespace
@@ -102,26 +117,54 @@ bool isRemnantOf(std::string_view bytes, std::string_view content) {
     return bytes.size() <= content.size() && content.starts_with(kept);
 }
 
-Journal::Journal(FileSystem& disk, std::string stateFolder, std::string path, std::size_t maximumContentBytes,
-                 std::function<bool(std::string_view)> isValid)
-    : disk_(disk),
-      stateFolder_(std::move(stateFolder)),
-      path_(std::move(path)),
-      maximumSlotBytes_(4 * maximumContentBytes + minimumSlotBytes),
-      isValid_(std::move(isValid)) {
-    for (std::size_t i = 0; i < slotCount; ++i) {
-        slots_[i].path = stateFolder_ + "/" + journalName(path_) + ".journal" + std::to_string(i);
-    }
+std::unique_ptr<Journal> Journal::take(const JournalPlace& place, int index) {
+    auto lock = place.disk.tryLock(journalPath(place, index) + ".lock");
+    if (!lock) return nullptr;
+    return std::unique_ptr<Journal>(new Journal(place, index, std::move(lock)));
 }
 
-void Journal::refresh() {
-    for (Slot& slot : slots_) {
-        std::string head = disk_.beginning(slot.path, headBytes);
-        if (head == slot.head) continue;
-        const auto record = read(slot);
-        if (noted_ != nullptr && slot.ours == noted_) noted_ = nullptr;
-        slot = {slot.path, std::move(head), record ? record->number : 0, record && record->isWritten, nullptr};
-        lastNumber_ = std::max(lastNumber_, slot.number);
+std::optional<FileTime> Journal::lastChange(const JournalPlace& place, int index) {
+    std::optional<FileTime> last;
+    for (std::size_t slot = 0; slot < slotCount; ++slot) {
+        const auto stamp = place.disk.stamp(slotPath(place, index, slot));
+        // The first slot is the first one used.
+        if (!stamp) break;
+        if (!last || stamp->modified > *last) last = stamp->modified;
+    }
+    return last;
+}
+
+std::optional<JournalRecord> Journal::lastWritten(const JournalPlace& place) {
+    // Records are marked one after the other, by whoever has the store file's lock.
+    std::optional<std::pair<FileTime, JournalRecord>> last;
+    for (int index = 0; index < maximumJournals; ++index) {
+        if (!lastChange(place, index)) continue;
+        for (std::size_t slot = 0; slot < slotCount; ++slot) {
+            const std::string path = slotPath(place, index, slot);
+            auto record = readRecord(place, path);
+            const auto stamp = place.disk.stamp(path);
+            if (!record || !record->isWritten || !stamp) continue;
+            const std::pair marked(stamp->modified, record->number);
+            if (!last || marked > std::pair(last->first, last->second.number)) {
+                last.emplace(stamp->modified, std::move(*record));
+            }
+        }
+    }
+    return last ? std::optional(std::move(last->second)) : std::nullopt;
+}
+
+Journal::Journal(const JournalPlace& place, int index, std::unique_ptr<FileLock> lock)
+    : place_(place), index_(index), lock_(std::move(lock)) {
+    for (std::size_t i = 0; i < slotCount; ++i) {
+        slots_[i].path = slotPath(place_, index_, i);
+        const auto record = readRecord(place_, slots_[i].path);
+        if (!record) continue;
+        slots_[i].number = record->number;
+        slots_[i].isWritten = record->isWritten;
+    }
+    for (const JournalRecord& record : unfinished()) {
+        for (Slot& slot : slots_)
+            slot.isLeftOver = slot.isLeftOver || slot.number == record.number;
     }
 }
 
@@ -130,54 +173,44 @@ std::vector<JournalRecord> Journal::unfinished() const {
     for (const Slot& slot : slots_) {
         if (slot.isWritten) written = std::max(written, slot.number);
     }
-    std::vector<const Slot*> open;
+    std::vector<JournalRecord> open;
     for (const Slot& slot : slots_) {
-        if (!slot.isWritten && slot.number > written) open.push_back(&slot);
+        if (slot.isWritten || slot.number <= written) continue;
+        if (auto record = readRecord(place_, slot.path)) open.push_back(std::move(*record));
     }
-    const auto isForeign = [](const Slot* slot) { return slot->ours == nullptr; };
-    if (std::none_of(open.begin(), open.end(), isForeign)) return {};
-    std::sort(open.begin(), open.end(), [](const Slot* a, const Slot* b) { return a->number < b->number; });
-
-    // Of two contents made from the same one, the later took the place of the earlier and of all that built on it.
-    std::vector<std::pair<const Slot*, JournalRecord>> standing;
-    for (const Slot* slot : open) {
-        auto record = read(*slot);
-        if (!record) continue;
-        const auto replaced = std::find_if(standing.begin(), standing.end(),
-                                           [&](const auto& earlier) { return earlier.second.base == record->base; });
-        standing.erase(replaced, standing.end());
-        standing.emplace_back(slot, std::move(*record));
+    std::sort(open.begin(), open.end(), [](const auto& a, const auto& b) { return a.number > b.number; });
+    // From the latest back to what it was made from. The others were replaced before they were written.
+    std::vector<JournalRecord> chain;
+    for (JournalRecord& record : open) {
+        if (chain.empty() || chain.back().base == record.content) chain.push_back(std::move(record));
     }
-    std::vector<JournalRecord> foreign;
-    for (auto& [slot, record] : standing) {
-        if (isForeign(slot)) foreign.push_back(std::move(record));
-    }
-    return foreign;
+    std::reverse(chain.begin(), chain.end());
+    return chain;
 }
 
-std::optional<JournalRecord> Journal::lastWritten() const {
-    const Slot* latest = nullptr;
-    for (const Slot& slot : slots_) {
-        if (slot.isWritten && (latest == nullptr || slot.number > latest->number)) latest = &slot;
-    }
-    return latest == nullptr ? std::nullopt : read(*latest);
-}
-
-bool Journal::note(const Content& content, const Content& base, const Content& inUse) {
+bool Journal::note(const Content& content, const Content& base) {
     if (noted_ == content && notedBase_ == base) return true;
-    Slot& slot = nextSlot(inUse);
-    const JournalRecord record{lastNumber_ + 1, false, path_, base ? std::optional(*base) : std::nullopt, *content};
+    std::uint64_t last = 0;
+    for (const Slot& slot : slots_)
+        last = std::max(last, slot.number);
+    const JournalRecord record{last + 1, false, place_.path, base ? std::optional(*base) : std::nullopt, *content};
     const std::string bytes = encodeJournal(record);
     std::size_t size = minimumSlotBytes;
     while (size < bytes.size())
         size *= 2;
+    // Two records are needed at most, and the last written one; the oldest of the others makes room.
+    Slot& slot = *std::min_element(slots_.begin(), slots_.end(), [&](const Slot& a, const Slot& b) {
+        return std::pair(importance(a), a.number) < std::pair(importance(b), b.number);
+    });
     // Until it is whole again the slot says nothing.
-    slot = {slot.path, "", 0, false, nullptr};
-    bool kept = disk_.overwrite(slot.path, bytes, size);
-    if (!kept && disk_.createFolders(stateFolder_)) kept = disk_.overwrite(slot.path, bytes, size);
+    slot = {slot.path, 0, false, false, nullptr};
+    bool kept = place_.disk.overwrite(slot.path, bytes, size);
+    if (!kept && place_.disk.createFolders(place_.stateFolder)) kept = place_.disk.overwrite(slot.path, bytes, size);
     if (!kept) return false;
-    lastNumber_ = record.number;
-    slot = {slot.path, disk_.beginning(slot.path, headBytes), record.number, false, content};
+    // The latest record stands for all of them.
+    for (Slot& other : slots_)
+        other.isLeftOver = false;
+    slot = {slot.path, record.number, false, false, content};
     noted_ = content;
     notedBase_ = base;
     notedSlot_ = static_cast<std::size_t>(&slot - slots_.data());
@@ -192,10 +225,10 @@ void Journal::markWritten(const Content& content) {
 
 void Journal::markWritten(std::uint64_t number) {
     for (Slot& slot : slots_) {
-        if (slot.number != number || !disk_.overwrite(slot.path, heading(true), 0)) continue;
+        if (slot.number != number || !place_.disk.overwrite(slot.path, heading(true), 0)) continue;
         slot.isWritten = true;
+        slot.isLeftOver = false;
         slot.ours = nullptr;
-        slot.head = disk_.beginning(slot.path, headBytes);
     }
 }
 
@@ -205,28 +238,11 @@ void Journal::markAllWritten() {
     }
 }
 
-std::optional<JournalRecord> Journal::read(const Slot& slot) const {
-    const FileReading reading = disk_.read(slot.path, maximumSlotBytes_);
-    if (reading.status != FileReading::Status::read) return std::nullopt;
-    auto record = decodeJournal(reading.bytes);
-    if (!record || record->path != path_ || (isValid_ && !isValid_(record->content))) return std::nullopt;
-    return record;
-}
-
-// The oldest slot but those of the content being written, of our latest record and of the last content written.
-Journal::Slot& Journal::nextSlot(const Content& inUse) {
-    const Slot* lastWritten = nullptr;
-    for (const Slot& slot : slots_) {
-        if (slot.isWritten && (lastWritten == nullptr || slot.number > lastWritten->number)) lastWritten = &slot;
-    }
-    const auto counts = [&](const Slot& slot) {
-        return &slot == lastWritten || (slot.ours != nullptr && (slot.ours == inUse || slot.ours == noted_));
-    };
-    // At most three count, so one is left.
-    static_assert(slotCount > 3);
-    return *std::min_element(slots_.begin(), slots_.end(), [&](const Slot& a, const Slot& b) {
-        return std::pair(counts(a), a.number) < std::pair(counts(b), b.number);
-    });
+// How much a record is needed: not at all, for a file that loses its end, or because nothing else holds the content.
+int Journal::importance(const Slot& slot) const {
+    if (slot.isLeftOver || (slot.ours && (slot.ours == noted_ || slot.ours == notedBase_))) return 2;
+    const auto isLater = [&](const Slot& other) { return other.isWritten && other.number > slot.number; };
+    return slot.isWritten && std::none_of(slots_.begin(), slots_.end(), isLater) ? 1 : 0;
 }
 
 }  // namespace sunpane

@@ -42,43 +42,55 @@ std::string journalName(std::string_view path);
 /// may have followed by zeros. The whole content counts as well.
 bool isRemnantOf(std::string_view bytes, std::string_view content);
 
-/// The journal of one store file: four files of which the one that matters least is overwritten next, so that a record
-/// that is cut off harms none that counts. Overwriting is what a disk does quickly even when it is busy.
+/// Where the journals of one store file are, and what they may hold.
+struct JournalPlace {
+    FileSystem& disk;
+    std::string stateFolder;
+    /// The store file.
+    std::string path;
+    std::size_t maximumContentBytes = 0;
+    /// Judges the contents of records; null: all are good.
+    std::function<bool(std::string_view)> isValid;
+};
+
+/// What one program notes about its writes to one store file. Programs that share the file have a journal each, so that
+/// a change need not wait for another program to be safe from its own program's death; the journal of a program that
+/// died is taken over by another.
 ///
-/// Used by one thread at a time. Programs that share a journal take turns by the store file's lock; each calls
-/// `refresh` first.
+/// Four files, of which the one that matters least is overwritten next, so that a record that is cut off harms none
+/// that counts. Overwriting is what a disk does quickly even when it is busy. Used by one thread at a time.
 class Journal {
 public:
     using Content = std::shared_ptr<const std::string>;
 
+    /// How many programs at once have a journal of the same file; others do without.
+    static constexpr int maximumJournals = 8;
     static constexpr std::size_t slotCount = 4;
     /// Slots are this long at least, and grow by doubling.
     static constexpr std::size_t minimumSlotBytes = 16384;
 
-    /// `path` names the store file; `isValid` judges the contents of records.
-    Journal(FileSystem& disk, std::string stateFolder, std::string path, std::size_t maximumContentBytes,
-            std::function<bool(std::string_view)> isValid);
+    /// Takes the journal at `index` for as long as the object lives. Null when a living program has it.
+    static std::unique_ptr<Journal> take(const JournalPlace& place, int index);
+    /// When the journal at `index` last changed; absent when it was never used.
+    static std::optional<FileTime> lastChange(const JournalPlace& place, int index);
 
-    /// Takes notice of what other programs have written.
-    void refresh();
+    /// The last content that is known to have been in the file, by the journals of all programs.
+    static std::optional<JournalRecord> lastWritten(const JournalPlace& place);
 
-    /// The records of others whose contents may not be in the file yet, in the order in which they are to be written.
+    int index() const { return index_; }
+
+    /// The records whose contents are to be put into the file, in that order, to end what was begun: the latest, which
+    /// holds all that its program knew, and before it those that it was made from.
     std::vector<JournalRecord> unfinished() const;
 
-    /// The last content that is known to have been in the file; absent when there is none.
-    std::optional<JournalRecord> lastWritten() const;
+    /// Notes that `content` is to be written, made from `base` (null: no file), which is in the file already or noted
+    /// itself. False when that was not possible.
+    bool note(const Content& content, const Content& base);
 
-    /// Notes that `content`, made from `base` (null: no file), is about to be written. Keeps the record of `inUse`,
-    /// which is being written right now. False when that was not possible.
-    bool note(const Content& content, const Content& base, const Content& inUse);
-
-    /// Whether the latest record of ours is of this content.
-    bool hasNoted(const Content& content) const { return content != nullptr && noted_ == content; }
-
-    /// Where the latest record of ours is, for forcing it to the disk.
+    /// The file that holds the latest record, for forcing it to the disk.
     const std::string& notedPath() const { return slots_[notedSlot_].path; }
 
-    /// Notes that the file holds the content of our record of it, or of the record with that number.
+    /// Notes that the file holds the content, or that of the record with that number.
     void markWritten(const Content& content);
     void markWritten(std::uint64_t number);
     /// Notes that the file holds something newer than all records.
@@ -87,26 +99,23 @@ public:
 private:
     struct Slot {
         std::string path;
-        // As last seen or written here; tells whether another program wrote the slot.
-        std::string head;
         std::uint64_t number = 0;
         bool isWritten = false;
+        // Whether what its program left unfinished needs it.
+        bool isLeftOver = false;
         Content ours;
     };
 
-    std::optional<JournalRecord> read(const Slot& slot) const;
-    Slot& nextSlot(const Content& inUse);
+    Journal(const JournalPlace& place, int index, std::unique_ptr<FileLock> lock);
+    int importance(const Slot& slot) const;
 
-    FileSystem& disk_;
-    std::string stateFolder_;
-    std::string path_;
-    std::size_t maximumSlotBytes_;
-    std::function<bool(std::string_view)> isValid_;
+    JournalPlace place_;
+    int index_;
+    std::unique_ptr<FileLock> lock_;
     std::array<Slot, slotCount> slots_;
     Content noted_;
     Content notedBase_;
     std::size_t notedSlot_ = 0;
-    std::uint64_t lastNumber_ = 0;
 };
 
 }  // namespace sunpane

@@ -21,12 +21,13 @@ StoreFile::StoreFile(StoreFiles& files, std::string path, std::optional<StoreFor
         });
     };
     writer_ = std::make_shared<StoreFileWriter>(files, path_, std::move(format), std::move(onConflict));
-    files.addJournal(writer_);
 }
 
 StoreFile::~StoreFile() = default;
 
 bool StoreFile::load(const Taker& take) {
+    // A store of this process that was on the same file before may still be writing.
+    if (files_.isBusy()) files_.drain();
     if (const Content unwritten = writer_->settleAtStart()) return take({*unwritten});
     FileReading reading = writer_->readFile();
     if (reading.status != FileReading::Status::read) return false;
@@ -66,6 +67,20 @@ bool StoreFile::changedOnDisk() const {
 std::optional<FileTime> StoreFile::modificationTime() const {
     const auto stamp = files_.ports().files.stamp(path_);
     return stamp ? std::optional(stamp->modified) : std::nullopt;
+}
+
+std::optional<FileTime> StoreFile::knownTime() const {
+    const auto view = writer_->view();
+    return view.stamp ? std::optional(view.stamp->modified) : std::nullopt;
+}
+
+bool StoreFile::wentWithItsFolder() {
+    if (!files_.ports().files.exists(path_.substr(0, path_.rfind('/')))) {
+        folderIsGone_ = true;
+        return false;
+    }
+    const auto view = writer_->view();
+    return std::exchange(folderIsGone_, false) && view.onDisk && !view.unwritten && !files_.awaitsDownload(path_);
 }
 
 void StoreFile::writeAsync(std::string content, std::function<void()> completion) {

@@ -70,6 +70,13 @@ public:
     /// The file's modification time; absent when it cannot be read.
     std::optional<FileTime> modificationTime() const;
 
+    /// When what is known of the file was read or written here; absent when that cannot be told.
+    std::optional<FileTime> knownTime() const;
+
+    /// Whether the file went away together with its folder and the folder is back without it, so that the store must
+    /// save again. Tells it once. For regular asking while there is no file.
+    bool wentWithItsFolder();
+
     /// Hands the content over and returns at once. Of contents that wait, only the latest is written; `completion`
     /// runs on the main thread after it was, and not at all when this object goes first.
     void writeAsync(std::string content, std::function<void()> completion = nullptr);
@@ -86,6 +93,7 @@ private:
     std::string path_;
     std::function<void(const Incoming&)> conflict_;
     std::shared_ptr<StoreFileWriter> writer_;
+    bool folderIsGone_ = false;
     // Lets what comes back from the queue find this object, or find it gone.
     std::shared_ptr<StoreFile*> self_;
 };

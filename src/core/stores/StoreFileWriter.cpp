@@ -16,11 +16,12 @@ StoreFileWriter::StoreFileWriter(StoreFiles& files, std::string path, std::optio
       queue_(files.queue()),
       stateFolder_(files.stateFolder()),
       path_(std::move(path)),
-      identity_(disk_.canonicalPath(path_)),
       format_(std::move(format)),
       onConflict_(std::move(onConflict)),
-      lockPath_(pathInside(stateFolder_, journalName(identity_) + ".lock")),
-      journal_(disk_, stateFolder_, identity_, StoreFile::maximumBytes, format_ ? format_->decodes : nullptr) {}
+      // The same file has the same journals, however a program was given its path.
+      place_{disk_, stateFolder_, disk_.canonicalPath(path_), StoreFile::maximumBytes,
+             format_ ? format_->decodes : nullptr},
+      lockPath_(pathInside(stateFolder_, journalName(place_.path) + ".lock")) {}
 
 void StoreFileWriter::submit(std::string content, std::function<void()> completion) {
     {
@@ -34,12 +35,12 @@ void StoreFileWriter::submit(std::string content, std::function<void()> completi
 }
 
 void StoreFileWriter::post(Step step) {
-    queue_.post([self = shared_from_this(), step, activity = files_.beginActivity()] { (self.get()->*step)(); });
+    queue_.post([activity = files_.beginActivity(), self = shared_from_this(), step] { (self.get()->*step)(); });
 }
 
 void StoreFileWriter::postToSyncQueue(Step step) {
     files_.syncQueue().post(
-        [self = shared_from_this(), step, activity = files_.beginActivity()] { (self.get()->*step)(); });
+        [activity = files_.beginActivity(), self = shared_from_this(), step] { (self.get()->*step)(); });
 }
 
 void StoreFileWriter::adopt(Content content, const FileStamp& stamp) {
@@ -58,12 +59,14 @@ StoreFileWriter::View StoreFileWriter::view() const {
 }
 
 StoreFileWriter::Content StoreFileWriter::settleAtStart() {
-    const auto lock = waitForLock(lockPatienceAtStart, nullptr);
-    if (settle()) return nullptr;
+    lock_ = waitForLock(lockPatienceAtStart);
+    const bool isSettled = settle();
+    lock_ = nullptr;
+    if (isSettled) return nullptr;
     auto content = std::make_shared<const std::string>(std::move(unsettled_->content));
     const auto base = unsettled_->base ? std::make_shared<const std::string>(std::move(*unsettled_->base)) : nullptr;
     // From now on it is ours to write, and what the user does next replaces it.
-    journal_.note(content, base, nullptr);
+    if (journal_) journal_->note(content, base);
     const std::lock_guard guard(mutex_);
     current_ = content;
     onDisk_ = base;
@@ -72,12 +75,11 @@ StoreFileWriter::Content StoreFileWriter::settleAtStart() {
 }
 
 StoreFileWriter::Content StoreFileWriter::recoverTruncated(const std::string& remnant) {
-    const auto lock = waitForLock(lockPatienceAtStart, nullptr);
-    journal_.refresh();
-    auto record = journal_.lastWritten();
+    const auto lock = waitForLock(lockPatienceAtStart);
+    auto record = Journal::lastWritten(place_);
     if (!record || !isRemnantOf(remnant, record->content)) return nullptr;
     auto content = std::make_shared<const std::string>(std::move(record->content));
-    const bool rewritten = disk_.writeInPlace(path_, *content);
+    const bool rewritten = lock && disk_.writeInPlace(path_, *content);
     disk_.sync(path_);
     const std::lock_guard guard(mutex_);
     onDisk_ = content;
@@ -101,7 +103,7 @@ void StoreFileWriter::process() {
         scheduled_ = false;
     }
     if (isWriting_) {
-        journalAhead();
+        noteAhead();
     } else {
         begin();
     }
@@ -124,69 +126,62 @@ bool StoreFileWriter::takeNext() {
 void StoreFileWriter::begin() {
     if (!takeNext()) return;
     isWriting_ = true;
-    lock_ = waitForLock(lockPatience, [this] { files_.journalWaiting(); });
-    const bool isSettled = settle();
-    isJournaled_ = journal_.note(written_, base_, nullptr);
-    isJournalSynced_ = false;
-    // What another run left unwritten goes first.
-    if (!isSettled) return finish(Outcome::failed);
-    decideContent();
+    isJournaled_ = journal_ && journal_->note(written_, base_);
+    journalPath_ = isJournaled_ ? journal_->notedPath() : "";
+    isNextNoted_ = false;
+    postToSyncQueue(&StoreFileWriter::write);
 }
 
-void StoreFileWriter::decideContent() {
-    if (isJournaled_ && !journal_.hasNoted(written_)) {
-        // A newer content came into the journal while the disk was waited for, so that one is written.
-        if (!takeNext()) return finish(Outcome::failed);
-        isJournaled_ = journal_.note(written_, base_, nullptr);
-        isJournalSynced_ = ++restarts_ > maximumRestarts;
+// What was handed over during a write must not wait for the end of it to be safe.
+void StoreFileWriter::noteAhead() {
+    Content waiting;
+    {
+        const std::lock_guard guard(mutex_);
+        waiting = next_;
     }
+    isNextNoted_ = waiting && journal_ && journal_->note(waiting, isJournaled_ ? written_ : base_);
+}
+
+void StoreFileWriter::write() {
     // What is derived can be derived again; the rest must be safe from a power cut before the file is emptied.
-    if (format_ && isJournaled_ && !isJournalSynced_) {
-        journalPath_ = journal_.notedPath();
-        return postToSyncQueue(&StoreFileWriter::syncJournal);
-    }
-    isPutting_ = true;
-    postToSyncQueue(&StoreFileWriter::putContent);
-}
-
-void StoreFileWriter::syncJournal() {
-    disk_.sync(journalPath_);
-    post(&StoreFileWriter::journalSynced);
-}
-
-void StoreFileWriter::journalSynced() {
-    isJournalSynced_ = true;
-    decideContent();
-}
-
-void StoreFileWriter::putContent() {
-    outcome_ = clearTheWay(*written_, base_);
-    if (outcome_ == Outcome::written) {
-        // Without a journal a write in place could destroy the only copy, so the file is replaced as a whole.
-        const bool put =
-            isJournaled_ ? disk_.writeInPlace(path_, *written_) : disk_.replaceAtomically(path_, *written_);
-        if (put) {
-            lastWritten_ = written_;
-            remnant_.reset();
-            const std::lock_guard guard(mutex_);
-            onDisk_ = written_;
-        } else {
-            const FileReading left = readFile();
-            remnant_ = left.status == FileReading::Status::read ? std::optional(left.bytes) : std::nullopt;
-            outcome_ = Outcome::failed;
-        }
-        if (put && format_) disk_.sync(path_);
-    }
+    if (format_ && isJournaled_) disk_.sync(journalPath_);
+    lock_ = waitForLock(journal_ ? lockPatience : 0);
+    // Two programs that write at once could leave a mix of both, unless the file is replaced.
+    const bool mayWrite = lock_ || !isJournaled_;
+    // What another run left unwritten goes first.
+    outcome_ = mayWrite && settle() ? putContent() : Outcome::failed;
     post(&StoreFileWriter::completeWrite);
 }
 
+StoreFileWriter::Outcome StoreFileWriter::putContent() {
+    if (const Outcome way = clearTheWay(); way != Outcome::written) return way;
+    // Without a journal a write in place could destroy the only copy.
+    if (!(isJournaled_ ? disk_.writeInPlace(path_, *written_) : disk_.replaceAtomically(path_, *written_))) {
+        noteRemnant();
+        return Outcome::failed;
+    }
+    lastWritten_ = written_;
+    {
+        // Before the wait for the disk, so that what another program writes meanwhile is not taken for ours.
+        const auto stamp = disk_.stamp(path_);
+        const std::lock_guard lock(mutex_);
+        onDisk_ = written_;
+        stamp_ = stamp;
+    }
+    if (format_) disk_.sync(path_);
+    return Outcome::written;
+}
+
+void StoreFileWriter::noteRemnant() {
+    FileReading left = readFile();
+    remnant_ = left.status == FileReading::Status::read ? std::optional(std::move(left.bytes)) : std::nullopt;
+}
+
 void StoreFileWriter::completeWrite() {
-    if (outcome_ == Outcome::written) {
-        if (isJournaled_) {
-            journal_.markWritten(written_);
-        } else {
-            journal_.markAllWritten();
-        }
+    if (outcome_ == Outcome::written && isJournaled_) {
+        journal_->markWritten(written_);
+    } else if (outcome_ == Outcome::written && journal_ && !isNextNoted_) {
+        journal_->markAllWritten();
     }
     finish(outcome_);
 }
@@ -195,16 +190,11 @@ void StoreFileWriter::finish(Outcome outcome) {
     bool hasNext = false;
     {
         const std::lock_guard lock(mutex_);
-        if (outcome == Outcome::written) {
-            current_ = nullptr;
-            stamp_ = disk_.stamp(path_);
-        }
+        if (outcome == Outcome::written) current_ = nullptr;
         hasNext = next_ != nullptr;
     }
     isWriting_ = false;
-    isPutting_ = false;
     lock_ = nullptr;
-    restarts_ = 0;
     retry_.cancel();
     if (outcome == Outcome::written) {
         for (auto& completion : currentCompletions_)
@@ -219,24 +209,8 @@ void StoreFileWriter::finish(Outcome outcome) {
     if (outcome != Outcome::written) retryLater();
 }
 
-void StoreFileWriter::journalAhead() {
-    Content waiting;
-    Content base;
-    {
-        const std::lock_guard guard(mutex_);
-        waiting = next_;
-        base = isPutting_ ? written_ : onDisk_;
-    }
-    if (!waiting || journal_.hasNoted(waiting)) return;
-    // A write under way holds the lock for both.
-    const auto lock = lock_ ? nullptr : disk_.tryLock(lockPath_);
-    if (lock) journal_.refresh();
-    if (!lock_ && (!lock || !journal_.unfinished().empty())) return;
-    journal_.note(waiting, base, isPutting_ ? written_ : nullptr);
-}
-
 // Decides whether what stands in the file may be overwritten; `written` means that it may.
-StoreFileWriter::Outcome StoreFileWriter::clearTheWay(const std::string& content, const Content& onDisk) {
+StoreFileWriter::Outcome StoreFileWriter::clearTheWay() {
     if (!format_) return Outcome::written;
     FileReading reading = readFile();
     switch (reading.status) {
@@ -247,53 +221,77 @@ StoreFileWriter::Outcome StoreFileWriter::clearTheWay(const std::string& content
             if (reading.stamp.size <= StoreFile::maximumBytes) return Outcome::failed;
             break;
         case FileReading::Status::read:
-            if (isOurs(reading.bytes, onDisk) || reading.bytes == content) return Outcome::written;
+            if (isOurs(reading.bytes)) return Outcome::written;
             if (format_->decodes(reading.bytes)) {
-                found_ = {onDisk, std::make_shared<const std::string>(std::move(reading.bytes)), reading.stamp, 0};
+                found_ = {base_, std::make_shared<const std::string>(std::move(reading.bytes)), reading.stamp, 0};
                 return Outcome::conflict;
             }
     }
     return keepAside(reading.stamp) ? Outcome::written : Outcome::failed;
 }
 
-bool StoreFileWriter::isOurs(const std::string& bytes, const Content& onDisk) const {
-    if (onDisk && isRemnantOf(bytes, *onDisk)) return true;
+bool StoreFileWriter::isOurs(const std::string& bytes) const {
+    if (base_ && isRemnantOf(bytes, *base_)) return true;
     if (lastWritten_ && isRemnantOf(bytes, *lastWritten_)) return true;
-    return remnant_ == bytes;
+    return remnant_ == bytes || *written_ == bytes;
 }
 
-// Ends the writes that another run or another program left in the journal. False when that is not possible now.
+// Ends the writes that programs left in their journals when they died. False when that is not possible now. At the
+// start the first journal that is free, or the one that holds what could not be written, becomes ours.
 bool StoreFileWriter::settle() {
-    journal_.refresh();
-    for (JournalRecord& record : journal_.unfinished()) {
-        if (settleRecord(record)) continue;
-        unsettled_ = std::move(record);
-        return false;
+    const bool isStart = journal_ == nullptr && written_ == nullptr;
+    for (int index = 0; index < Journal::maximumJournals; ++index) {
+        if (journal_ && journal_->index() == index) continue;
+        auto& settledAt = settledAt_.at(static_cast<std::size_t>(index));
+        const auto changed = Journal::lastChange(place_, index);
+        if (changed == settledAt && (!isStart || journal_)) continue;
+        auto journal = Journal::take(place_, index);
+        if (!journal) continue;
+        const bool isSettled = settleJournal(*journal);
+        if (isSettled) settledAt = Journal::lastChange(place_, index);
+        if (isStart && (!isSettled || !journal_)) journal_ = std::move(journal);
+        if (!isSettled) return false;
     }
     return true;
 }
 
-bool StoreFileWriter::settleRecord(JournalRecord& record) {
+bool StoreFileWriter::settleJournal(Journal& journal) {
+    const auto records = journal.unfinished();
+    if (records.empty()) return true;
     const FileReading reading = readFile();
-    if (reading.status == FileReading::Status::unreadable) return false;
     const bool isThere = reading.status == FileReading::Status::read;
-    const bool untouched = isThere && record.base == reading.bytes;
-    Content merged;
-    if (isThere && format_ && !untouched && !isRemnantOf(reading.bytes, record.content)) {
-        if (format_->decodes(reading.bytes)) {
-            record.content = format_->merge(record.base ? &*record.base : nullptr, record.content, reading.bytes);
-            record.base = reading.bytes;
-            merged = std::make_shared<const std::string>(record.content);
-            if (!journal_.note(merged, std::make_shared<const std::string>(reading.bytes), nullptr)) return false;
-            disk_.sync(journal_.notedPath());
-        } else if (!keepAside(reading.stamp)) {
+    const auto found = isThere ? std::optional(reading.bytes) : std::nullopt;
+    const auto fits = [&](const JournalRecord& record) {
+        return !isThere || !format_ || found == record.base || isRemnantOf(*found, record.content);
+    };
+    // From the latest on to which the file can be brought as it is.
+    const auto fitting = std::find_if(records.rbegin(), records.rend(), fits);
+    auto record = fitting == records.rend() ? records.begin() : std::prev(fitting.base());
+    const bool isForeign = fitting == records.rend();
+    const bool isUnknown = isForeign && !format_->decodes(*found);
+    std::string content = record->content;
+    if (isForeign && !isUnknown) content = format_->merge(record->base ? &*record->base : nullptr, content, *found);
+    while (++record != records.end()) {
+        content = content == record->base ? record->content : format_->merge(&*record->base, record->content, content);
+    }
+    const bool isReadable = reading.status != FileReading::Status::unreadable;
+    unsettled_ = JournalRecord{0, false, place_.path, isReadable ? found : records.front().base, content};
+    if (!isReadable || (lock_ == nullptr && found != content)) return false;
+    if (isUnknown && !keepAside(reading.stamp)) return false;
+    if (content != records.back().content) {
+        // So that an end of this write, too, is found by the next start.
+        if (!journal.note(std::make_shared<const std::string>(content),
+                          found ? std::make_shared<const std::string>(*found) : nullptr)) {
             return false;
         }
+        disk_.sync(journal.notedPath());
     }
-    if ((!isThere || reading.bytes != record.content) && !disk_.writeInPlace(path_, record.content)) return false;
+    if (found != content && !disk_.writeInPlace(path_, content)) {
+        noteRemnant();
+        return false;
+    }
     disk_.sync(path_);
-    journal_.markWritten(record.number);
-    if (merged) journal_.markWritten(merged);
+    journal.markAllWritten();
     return true;
 }
 
@@ -317,11 +315,10 @@ bool StoreFileWriter::keepAside(const FileStamp& stamp) {
     return false;
 }
 
-std::unique_ptr<FileLock> StoreFileWriter::waitForLock(Seconds patience, const std::function<void()>& whileWaiting) {
+std::unique_ptr<FileLock> StoreFileWriter::waitForLock(Seconds patience) {
     for (Seconds waited = 0;; waited += lockPoll) {
         if (auto lock = disk_.tryLock(lockPath_)) return lock;
         if (waited >= patience) return nullptr;
-        if (whileWaiting) whileWaiting();
         ports_.wait(lockPoll);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -14,11 +15,11 @@
 
 namespace sunpane {
 
-/// The part of a StoreFile that works on the store queue: journal, check, write, retry.
+/// The part of a StoreFile that works on the queues: journal, check, write, retry.
 ///
-/// Shared between the StoreFile on the main thread and the tasks on the queue. What both touch is under the mutex; the
-/// rest belongs to whoever runs `process`, `settle` or `recoverTruncated`, one at a time.
-class StoreFileWriter : public JournalsAhead, public std::enable_shared_from_this<StoreFileWriter> {
+/// Shared between the StoreFile on the main thread and the tasks on the queues. What several threads touch is under the
+/// mutex. Of the rest, the journal belongs to the store queue and what a write needs is handed from queue to queue.
+class StoreFileWriter : public std::enable_shared_from_this<StoreFileWriter> {
 public:
     using Content = StoreFile::Content;
 
@@ -32,13 +33,10 @@ public:
     };
     using ConflictHandler = std::function<void(const Conflict&)>;
 
-    /// A program of ours holds the lock for the few milliseconds of a write. One that holds it for so long (s) hangs,
-    /// and what the user does here must not stay unwritten for its sake.
+    /// How long (s) a write waits for its turn before it is put off. It is in the journal meanwhile.
     static constexpr Seconds lockPatience = 3.0;
     static constexpr Seconds lockPatienceAtStart = 1.0;
     static constexpr Seconds lockPoll = 0.005;
-    /// How often a write starts over for a newer content before it goes on with what is in the journal.
-    static constexpr int maximumRestarts = 3;
     /// Copies of unreadable files made within one second; beyond that the file is left alone.
     static constexpr int maximumCopiesPerSecond = 9;
 
@@ -62,8 +60,6 @@ public:
     View view() const;
     FileReading readFile() const { return disk_.read(path_, StoreFile::maximumBytes); }
 
-    void journalAhead() override;
-
     // Main thread, before anything was submitted.
 
     /// Ends an interrupted write. Null when the file is in order afterwards; otherwise the content that it should have
@@ -76,15 +72,12 @@ private:
     enum class Outcome { written, failed, conflict };
     using Step = void (StoreFileWriter::*)();
 
-    // A write, step by step. From `begin` to `finish` the lock is held. `syncJournal` and `putContent` run on the sync
-    // queue, since a busy disk may take long over them; the others run on the store queue, which is left free for the
-    // journal.
+    // A write, step by step. `write` runs on the sync queue, since other programs and a busy disk may take long over
+    // it; the others run on the store queue, which is left free for the journal.
     void process();
     void begin();
-    void decideContent();
-    void syncJournal();
-    void journalSynced();
-    void putContent();
+    void noteAhead();
+    void write();
     void completeWrite();
     void finish(Outcome outcome);
 
@@ -92,12 +85,14 @@ private:
     void post(Step step);
     void postToSyncQueue(Step step);
 
-    Outcome clearTheWay(const std::string& content, const Content& onDisk);
-    bool isOurs(const std::string& bytes, const Content& onDisk) const;
+    Outcome putContent();
+    Outcome clearTheWay();
+    void noteRemnant();
+    bool isOurs(const std::string& bytes) const;
     bool settle();
-    bool settleRecord(JournalRecord& record);
+    bool settleJournal(Journal& journal);
     bool keepAside(const FileStamp& stamp);
-    std::unique_ptr<FileLock> waitForLock(Seconds patience, const std::function<void()>& whileWaiting);
+    std::unique_ptr<FileLock> waitForLock(Seconds patience);
     void retryLater();
 
     StoreFiles& files_;
@@ -106,10 +101,9 @@ private:
     WorkQueue& queue_;
     const std::string stateFolder_;
     const std::string path_;
-    // The same file has the same journal, however a program was given its path.
-    const std::string identity_;
     const std::optional<StoreFormat> format_;
     const ConflictHandler onConflict_;
+    const JournalPlace place_;
     const std::string lockPath_;
 
     mutable std::mutex mutex_;
@@ -122,7 +116,10 @@ private:
     std::uint64_t adoptions_ = 0;
 
     std::vector<std::function<void()>> currentCompletions_;
-    Journal journal_;
+    // Null when too many programs have one.
+    std::unique_ptr<Journal> journal_;
+    // When the journals of dead programs were last found in order, by their indices.
+    std::array<std::optional<FileTime>, Journal::maximumJournals> settledAt_;
     // What an earlier run left unwritten and could not be written at once.
     std::optional<JournalRecord> unsettled_;
 
@@ -133,11 +130,8 @@ private:
     Content base_;
     std::uint64_t adoptionsAtStart_ = 0;
     bool isJournaled_ = false;
-    bool isJournalSynced_ = false;
+    bool isNextNoted_ = false;
     std::string journalPath_;
-    int restarts_ = 0;
-    // From here on the file may hold `written_`, so that what comes next builds on it.
-    bool isPutting_ = false;
     Outcome outcome_ = Outcome::failed;
 
     Content lastWritten_;

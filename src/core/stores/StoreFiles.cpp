@@ -5,6 +5,14 @@
 #include "base/AppIdentity.h"
 
 namespace sunpane {
+namespace {
+
+std::string placeholderFor(const std::string& path) {
+    const std::size_t name = path.rfind('/') + 1;
+    return path.substr(0, name) + "." + path.substr(name) + ".icloud";
+}
+
+}  // namespace
 
 StoreFiles::StoreFiles(Ports ports, std::string stateFolder)
     : ports_(std::move(ports)),
@@ -28,32 +36,16 @@ void StoreFiles::drain() {
     do {
         queue_->drain();
         syncQueue_->drain();
-    } while (*activities_ > 0);
+    } while (isBusy());
 }
 
-void StoreFiles::addJournal(std::weak_ptr<JournalsAhead> journal) {
-    const std::lock_guard lock(mutex_);
-    std::erase_if(journals_, [](const auto& known) { return known.expired(); });
-    journals_.push_back(std::move(journal));
-}
-
-void StoreFiles::journalWaiting() {
-    std::vector<std::weak_ptr<JournalsAhead>> journals;
-    {
-        const std::lock_guard lock(mutex_);
-        journals = journals_;
-    }
-    for (const auto& journal : journals) {
-        if (const auto waiting = journal.lock()) waiting->journalAhead();
-    }
+bool StoreFiles::awaitsDownload(const std::string& path) const {
+    return !ports_.files.exists(path) && ports_.files.exists(placeholderFor(path));
 }
 
 void StoreFiles::ensureDownloaded(const std::string& path, Seconds timeout) {
-    if (ports_.files.exists(path)) return;
-    const std::size_t name = path.rfind('/') + 1;
-    const std::string placeholder = path.substr(0, name) + "." + path.substr(name) + ".icloud";
-    if (!ports_.files.exists(placeholder)) return;
-    ports_.cloud.startDownloading(placeholder);
+    if (!awaitsDownload(path)) return;
+    ports_.cloud.startDownloading(placeholderFor(path));
     // Counted rather than clocked: a wall clock that jumps must neither cut the wait short nor stretch it.
     for (Seconds waited = 0; waited < timeout && !ports_.files.exists(path); waited += downloadPoll) {
         ports_.wait(downloadPoll);

@@ -3,9 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <vector>
 
 #include "base/Clock.h"
 #include "base/RunLoop.h"
@@ -14,13 +12,6 @@
 #include "platform/FileSystem.h"
 
 namespace sunpane {
-
-/// Something that can put a change that waits for its turn on the store queue into the journal ahead of its turn.
-class JournalsAhead {
-public:
-    virtual ~JournalsAhead() = default;
-    virtual void journalAhead() = 0;
-};
 
 /// What the stores share to reach their files: the one queue on which all store files are written, a helper queue that
 /// waits for the disk, and the folder that keeps the journals of writes under way.
@@ -56,13 +47,11 @@ public:
     /// Where nothing stands under `path` but a placeholder for it does, asks for the download and blocks until the
     /// file is there, at most `timeout` seconds.
     void ensureDownloaded(const std::string& path, Seconds timeout);
+    /// Whether only a placeholder stands for the file.
+    bool awaitsDownload(const std::string& path) const;
 
-    void addJournal(std::weak_ptr<JournalsAhead> journal);
-
-    /// Journals everything that waits. Called while a write waits for another program. On the store queue.
-    void journalWaiting();
-
-    /// Where files are forced to the disk. That can take long, and no change may wait for it to get into the journal.
+    /// Where the files themselves are written, which waits for other programs and for the disk. That can take long, and
+    /// no change may wait for it to get into the journal.
     WorkQueue& syncQueue() { return *syncQueue_; }
 
     /// Work in progress: held by every task of a write, and by what follows it until all is done.
@@ -71,6 +60,7 @@ public:
 
     /// Blocks until what was handed over before has been written or has failed once.
     void drain();
+    bool isBusy() const { return *activities_ > 0; }
 
 private:
     Ports ports_;
@@ -78,8 +68,6 @@ private:
     std::shared_ptr<std::atomic<int>> activities_ = std::make_shared<std::atomic<int>>(0);
     std::unique_ptr<WorkQueue> queue_;
     std::unique_ptr<WorkQueue> syncQueue_;
-    std::mutex mutex_;
-    std::vector<std::weak_ptr<JournalsAhead>> journals_;
 };
 
 /// `directory` + "/" + `name`, without doubling a trailing slash.

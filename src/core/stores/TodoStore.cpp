@@ -271,7 +271,10 @@ void TodoStore::adoptForeignChanges() {
 
 void TodoStore::reloadIfChangedExternally() {
     const auto mtime = file_.modificationTime();
-    if (!mtime) return;
+    if (!mtime) {
+        if (file_.wentWithItsFolder()) save();
+        return;
+    }
     if (lastKnownMtime_ && *mtime > *lastKnownMtime_) {
         files_.ensureDownloaded(file_.path(), StoreFiles::downloadTimeout);
         announceChange();
@@ -287,7 +290,7 @@ void TodoStore::save() {
         state_.dismissed.erase(state_.dismissed.begin(),
                                state_.dismissed.begin() + static_cast<std::ptrdiff_t>(excess));
     }
-    file_.writeAsync(encodeTodos(state_), [this] { lastKnownMtime_ = file_.modificationTime(); });
+    file_.writeAsync(encodeTodos(state_), [this] { lastKnownMtime_ = file_.knownTime(); });
 }
 
 }  // namespace sunpane

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "StoreFixture.h"
 #include "core/stores/Journal.h"
@@ -85,39 +86,51 @@ TEST(Journal, ReadsBackWhatWasNotedAndNothingDamaged) {
     EXPECT_NE(journalName("/a/x.json"), journalName("/b/x.json"));
 }
 
-// Three contents are noted, one of them is written, and the disk dies at every step of a fourth: the one before it is
-// still known, and so is the last one written.
+Journal::Content content(const char* text) {
+    return std::make_shared<const std::string>(text);
+}
+
+JournalPlace placeOf(StoreFixture& machine) {
+    return {machine.disk, StoreFixture::stateFolder, StoreFixture::path(name), 1000, nullptr};
+}
+
+// One content is in the file, a second is being written, a third waits, and the disk dies at every step of a fourth
+// that replaces it: what is needed to end the writes is still known, and so is the last content written. The same when
+// the journal is then taken over and the process dies while it notes the next.
 TEST(Journal, ARecordThatIsCutOffHarmsNoneThatCounts) {
     for (std::uint64_t steps = 1; steps < 5; ++steps) {
         StoreFixture machine;
-        const auto valid = [](std::string_view) { return true; };
-        const auto make = [&] { return Journal(machine.disk, StoreFixture::stateFolder, "/f/x.json", 1000, valid); };
-        const auto content = [](const char* text) { return std::make_shared<const std::string>(text); };
-        Journal journal = make();
-        journal.refresh();
+        auto journal = Journal::take(placeOf(machine), 0);
         const auto one = content("one");
         const auto two = content("two");
-        ASSERT_TRUE(journal.note(one, nullptr, nullptr));
-        journal.markWritten(one);
-        ASSERT_TRUE(journal.note(two, one, nullptr));
-        ASSERT_TRUE(journal.note(content("three"), two, two));
-        ASSERT_TRUE(journal.note(content("four"), two, two));
+        ASSERT_TRUE(journal->note(one, nullptr));
+        journal->markWritten(one);
+        ASSERT_TRUE(journal->note(two, one));
+        ASSERT_TRUE(journal->note(content("three"), two));
+        ASSERT_TRUE(journal->note(content("four"), two));
+        const auto expectChain = [&](const char* last) {
+            EXPECT_FALSE(Journal::take(placeOf(machine), 0)) << "its program lives";
+            journal = nullptr;
+            machine.disk.revive();
+            journal = Journal::take(placeOf(machine), 0);
+            const auto unfinished = journal->unfinished();
+            ASSERT_EQ(unfinished.size(), 2U) << steps;
+            EXPECT_EQ(unfinished[0].content, "two") << steps;
+            EXPECT_EQ(unfinished[1].content, last) << steps;
+            EXPECT_EQ(Journal::lastWritten(placeOf(machine))->content, "one") << steps;
+        };
         machine.disk.dieAfter(steps);
-        journal.note(content("five"), two, two);
-        machine.disk.revive();
-        Journal next = make();
-        next.refresh();
-        const auto unfinished = next.unfinished();
-        ASSERT_EQ(unfinished.size(), 2U) << steps;
-        EXPECT_EQ(unfinished[0].content, "two") << steps;
-        EXPECT_EQ(unfinished[1].content, steps == 4 ? "five" : "four") << steps;
-        EXPECT_EQ(next.lastWritten()->content, "one") << steps;
-        next.markWritten(unfinished[0].number);
-        next.markWritten(unfinished[1].number);
-        EXPECT_THAT(next.unfinished(), IsEmpty());
-        Journal third = make();
-        third.refresh();
-        EXPECT_THAT(third.unfinished(), IsEmpty());
+        journal->note(content("five"), two);
+        expectChain(steps == 4 ? "five" : "four");
+        if (steps == 4) continue;
+        machine.disk.dieAfter(steps);
+        journal->note(content("six"), content("found"));
+        expectChain("four");
+        ASSERT_TRUE(journal->note(content("seven"), content("found")));
+        ASSERT_EQ(journal->unfinished().size(), 1U) << "the latest holds all, and was made from what is in the file";
+        journal->markAllWritten();
+        EXPECT_THAT(journal->unfinished(), IsEmpty());
+        EXPECT_EQ(Journal::lastWritten(placeOf(machine))->content, "seven");
     }
 }
 
@@ -131,27 +144,40 @@ TEST(Journal, KnowsTheRemnantOfACutOffWrite) {
     EXPECT_FALSE(isRemnantOf("a" + nul + nul + nul, "abc"));
 }
 
-// The process dies at every single step of two writes: what was handed over a tenth of a second before is never lost,
-// and what the file holds after the next start decodes.
+// The process dies at every single step of two writes that overlap: what got into the journal is never lost, and what
+// the file holds after the next start decodes.
 TEST(StoreFile, LosesNothingWhereverTheProcessDies) {
+    constexpr std::uint64_t noteSteps = 4;
     for (std::uint64_t steps = 1;; ++steps) {
         StoreFixture machine;
         auto store = std::make_unique<LetterStore>(machine);
         store->add('a');
         machine.settle();
+        std::uint64_t stepsAtSecond = 0;
+        machine.disk.whileSyncing = [&](const std::string&) {
+            if (stepsAtSecond > 0) return;
+            stepsAtSecond = machine.disk.steps();
+            store->add('c');
+            machine.settle();
+        };
+        const std::uint64_t start = machine.disk.steps();
         machine.disk.dieAfter(steps);
         store->add('b');
         machine.settle();
-        const bool journaled = !machine.disk.isDead() || steps > 5;  // the journal takes five steps
+        machine.disk.whileSyncing = nullptr;
         if (!machine.disk.isDead()) {
-            EXPECT_GT(steps, 8U);
+            EXPECT_GT(steps, 4 * noteSteps);
             break;
         }
         store.reset();
         machine.restart();
         LetterStore next(machine);
         EXPECT_THAT(next.state, Contains('a')) << steps;
-        EXPECT_TRUE(!journaled || next.state.contains('b')) << steps;
+        EXPECT_TRUE(steps <= noteSteps || next.state.contains('b')) << steps;
+        // The rest of the sync, then the note.
+        const std::uint64_t secondSafe = stepsAtSecond - start + 1 + noteSteps;
+        EXPECT_TRUE(stepsAtSecond == 0 || steps <= secondSafe || next.state.contains('c')) << steps;
+        EXPECT_TRUE(next.state.contains('b') || !next.state.contains('c')) << steps;
         machine.settle();
         EXPECT_EQ(machine.content(name), LetterStore::text(next.state)) << steps;
         EXPECT_THAT(machine.disk.filesIn(StoreFixture::folder), ElementsAre(name)) << steps;
@@ -244,13 +270,28 @@ TEST(StoreFile, AVanishedFolderIsWrittenToOnceItIsBack) {
     LetterStore store(machine);
     store.add('a');
     machine.settle();
+    machine.disk.removeExternally(StoreFixture::path(name));
+    EXPECT_FALSE(store.file.wentWithItsFolder()) << "only the file was removed";
     machine.disk.removeFolder(StoreFixture::folder);
+    EXPECT_FALSE(store.file.wentWithItsFolder());
+    machine.disk.makeFolder(StoreFixture::folder);
+    machine.disk.writeExternally(StoreFixture::path(".letters.json.icloud"), "");
+    EXPECT_FALSE(store.file.wentWithItsFolder()) << "it is still to be downloaded";
+
+    machine.disk.removeFolder(StoreFixture::folder);
+    EXPECT_FALSE(store.file.wentWithItsFolder());
     store.add('b');
     machine.pass(10);
-    EXPECT_EQ(machine.content(name), "(no file)");
     machine.disk.makeFolder(StoreFixture::folder);
+    EXPECT_FALSE(store.file.wentWithItsFolder()) << "a write is on its way";
     machine.pass(StoreFile::retryInterval);
     EXPECT_EQ(machine.content(name), "[ab]");
+
+    machine.disk.removeFolder(StoreFixture::folder);
+    EXPECT_FALSE(store.file.wentWithItsFolder());
+    machine.disk.makeFolder(StoreFixture::folder);
+    EXPECT_TRUE(store.file.wentWithItsFolder());
+    EXPECT_FALSE(store.file.wentWithItsFolder()) << "told once";
 }
 
 TEST(StoreFile, WithoutAStateFolderTheFileIsReplacedAsAWhole) {
@@ -335,6 +376,18 @@ TEST(StoreFile, MergesWhatAnotherProgramWroteBeforeOurWriteRan) {
     EXPECT_EQ(machine.content(name), "[bc]");
 }
 
+TEST(StoreFile, DoesNotTakeWhatAnotherProgramWroteDuringTheSyncForItsOwn) {
+    StoreFixture machine;
+    LetterStore store(machine);
+    machine.disk.whileSyncing = [&](const std::string& path) {
+        if (path == StoreFixture::path(name)) machine.disk.writeExternally(path, "[xy]");
+    };
+    store.add('a');
+    machine.settle();
+    EXPECT_TRUE(store.file.changedOnDisk());
+    EXPECT_LT(store.file.knownTime(), store.file.modificationTime());
+}
+
 TEST(StoreFile, ReloadsWhatChangedAndKeepsWhatIsNotWrittenYet) {
     StoreFixture machine;
     LetterStore store(machine);
@@ -381,47 +434,60 @@ TEST(StoreFile, EndsTheWriteOfAProgramThatDiedBeforeWritingItsOwn) {
     LetterStore store(machine);
     store.add('a');
     machine.settle();
-    const std::string base = "[a]";
-    Journal other(machine.disk, StoreFixture::stateFolder, StoreFixture::path(name), 1000, LetterStore::decodes);
-    other.refresh();
-    other.note(std::make_shared<const std::string>("[ad]"), std::make_shared<const std::string>(base), nullptr);
+    auto other = Journal::take(placeOf(machine), 1);
+    other->note(content("[ad]"), content("[a]"));
     store.add('b');
     machine.settle();
-    EXPECT_EQ(machine.content(name), "[abd]");
-    EXPECT_EQ(store.state, (std::set{'a', 'b', 'd'}));
-    other.refresh();
-    EXPECT_THAT(other.unfinished(), IsEmpty());
+    EXPECT_EQ(machine.content(name), "[ab]") << "what a living program noted is its own to write";
+    other = nullptr;
+    store.add('c');
+    machine.settle();
+    EXPECT_EQ(machine.content(name), "[abcd]");
+    EXPECT_EQ(store.state, (std::set{'a', 'b', 'c', 'd'}));
+    EXPECT_THAT(Journal::take(placeOf(machine), 1)->unfinished(), IsEmpty());
 }
 
-TEST(StoreFile, DoesNotWaitForeverForAProgramThatHoldsTheLock) {
+// While another program holds the lock nothing is written, but all that changes is safe from a crash.
+TEST(StoreFile, AProgramThatHoldsTheLockKeepsNoChangeFromTheJournal) {
     StoreFixture machine;
-    LetterStore store(machine);
-    const auto held = machine.disk.tryLock(std::string(StoreFixture::stateFolder) + "/" +
-                                           journalName(StoreFixture::path(name)) + ".lock");
+    const std::string lockPath =
+        std::string(StoreFixture::stateFolder) + "/" + journalName(StoreFixture::path(name)) + ".lock";
+    auto store = std::make_unique<LetterStore>(machine);
+    auto held = machine.disk.tryLock(lockPath);
     ASSERT_TRUE(held);
     machine.waited = 0;
-    store.add('a');
+    machine.whileWaiting = [&] {
+        if (store->state.size() == 1) store->add('b');
+    };
+    store->add('a');
     machine.settle();
-    EXPECT_EQ(machine.content(name), "[a]");
-    EXPECT_GT(machine.waited, 0.1);
-    EXPECT_LT(machine.waited, 4.0);
+    EXPECT_EQ(machine.content(name), "(no file)");
+    EXPECT_NEAR(machine.waited, 2 * 3.0, 0.1) << "once for each of the two contents";
+    machine.disk.dieAfter(0);
+    machine.whileWaiting = nullptr;
+    store.reset();
+    machine.restart();
+    store = std::make_unique<LetterStore>(machine);
+    EXPECT_EQ(store->state, (std::set{'a', 'b'})) << "even before it may be written";
+    store->add('c');
+    held = nullptr;
+    machine.pass(StoreFile::retryInterval);
+    EXPECT_EQ(machine.content(name), "[abc]");
 }
 
 // A slow disk must not keep a change from the journal: what comes in while one file is being synced is journaled
-// before the next thing that blocks.
+// before anything else that blocks.
 TEST(StoreFile, AChangeDuringASlowWriteIsSafeBeforeTheNextBlockingStep) {
     StoreFixture machine;
     auto slow = std::make_unique<LetterStore>(machine, "slow.json");
     auto quick = std::make_unique<LetterStore>(machine);
     slow->add('s');
-    machine.disk.whileSyncing = [&](const std::string& path) {
-        if (path.find("slow.json") == std::string::npos) return;
-        if (quick->state.empty()) {
-            quick->add('q');
-            slow->add('t');
-            return;
-        }
-        machine.disk.dieAfter(0);  // within the second sync
+    bool isFirstSync = true;
+    machine.disk.whileSyncing = [&](const std::string&) {
+        if (!std::exchange(isFirstSync, false)) return machine.disk.dieAfter(0);
+        quick->add('q');
+        slow->add('t');
+        machine.settle();
     };
     machine.settle();
     ASSERT_TRUE(machine.disk.isDead());
