@@ -11,7 +11,7 @@ namespace sunpane {
 /// A decoded picture, row by row from the top: four bytes (red, green, blue, alpha; not premultiplied) a pixel.
 struct Artwork {
     /// Larger pictures were scaled down to fit, in pixels.
-    static constexpr int maximumSide = 512;
+    static constexpr int maximumSide = 256;
 
     /// In pixels, at least 1.
     int width = 0;
