@@ -34,6 +34,10 @@ std::string configFolder() {
     return absoluteVariable("XDG_CONFIG_HOME", homeFolder() + "/.config").append(ownFolder);
 }
 
+std::string dataFolder() {
+    return absoluteVariable("XDG_DATA_HOME", homeFolder() + "/.local/share").append(ownFolder);
+}
+
 std::string stateFolder() {
     return absoluteVariable("XDG_STATE_HOME", homeFolder() + "/.local/state").append(ownFolder);
 }

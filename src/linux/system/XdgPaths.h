@@ -10,6 +10,8 @@ namespace sunpane::xdg {
 std::string homeFolder();
 /// `$XDG_CONFIG_HOME/dawnly`
 std::string configFolder();
+/// `$XDG_DATA_HOME/dawnly`
+std::string dataFolder();
 /// `$XDG_STATE_HOME/dawnly`
 std::string stateFolder();
 /// `$XDG_RUNTIME_DIR`, or the temporary folder when there is none.

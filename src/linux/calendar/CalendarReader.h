@@ -1,0 +1,137 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Clock.h"
+#include "base/WorkQueue.h"
+#include "linux/calendar/CalendarService.h"
+#include "linux/calendar/CalendarSnapshot.h"
+#include "linux/calendar/IcsFolder.h"
+#include "linux/calendar/IcsZones.h"
+#include "platform/FileSystem.h"
+#include "platform/FolderEvents.h"
+
+namespace sunpane {
+
+/// Reads the calendars of the folder and of the service and publishes a snapshot whenever they changed. A file is
+/// parsed again only when its stamp differs. Lives on its queue: all but the constructor, the destructor and `stop`
+/// is called there. `stop` comes first, then the queue is destroyed, then the reader.
+class CalendarReader {
+public:
+    /// The folder is looked through this often (s), for changes that no event told of and for the turn of the day.
+    static constexpr Seconds pollInterval{60};
+    /// A burst of changes is read once, this long (s) after its first.
+    static constexpr Seconds settleTime{0.5};
+    /// The first snapshot waits this long (s) for the service, and goes without it then.
+    static constexpr Seconds servicePatience{5};
+    /// A service that has not answered for this long (s) is asked again, and a new event counts as not written.
+    static constexpr Seconds serviceTimeout{30};
+    /// How many days before and after today a snapshot covers.
+    static constexpr int daysBefore = 7;
+    static constexpr int daysAfter = 35;
+    /// Calendars in folders of their own past these are not watched, only polled: a watch costs a thread.
+    static constexpr std::size_t maximumWatchedFolders = 16;
+    /// Where new events go when no service takes them.
+    static constexpr const char* defaultCalendar = "Dawnly";
+
+    struct Ports {
+        const Clock& clock;
+        WorkQueue& queue;
+        FolderEvents& folderEvents;
+        FileSystem& files;
+        std::string folder;
+        CalendarServiceMaker makeService;
+    };
+    using Publish = std::function<void(std::shared_ptr<const CalendarSnapshot>)>;
+
+    /// `publish` is called on the queue.
+    CalendarReader(Ports ports, Publish publish);
+    ~CalendarReader();
+
+    /// Ends what is running as soon as it can and waits for that; nothing is published or called back afterwards. Main
+    /// thread.
+    void stop();
+
+    void start();
+
+    /// Looks for changes now.
+    void check();
+
+    /// Writes an event; `done` is called on the queue, with nothing when that failed.
+    void add(const CalendarStore::NewEvent& event, std::function<void(std::optional<std::string>)> done);
+
+private:
+    struct Parsed {
+        FileStamp stamp;
+        std::shared_ptr<const IcsContent> content;
+        /// What of it falls into the span; null until it is needed.
+        std::shared_ptr<const std::vector<IcsOccurrence>> occurrences;
+    };
+    struct ServiceCalendar {
+        CalendarInfo info;
+        Parsed parsed;
+    };
+    struct PendingAdd {
+        std::function<void(std::optional<std::string>)> done;
+        Subscription deadline;
+    };
+    class Gate;
+
+    bool moveSpan();
+    bool readFolder();
+    bool readFile(const IcsFolderCalendar::File& file);
+    void watchFolders();
+    void folderChanged();
+
+    void askService();
+    void serviceChanged();
+    void serviceAnswered(std::optional<std::vector<CalendarService::Calendar>> answer);
+    void addAnswered(std::uint64_t number, const CalendarService::Added& added, const std::string& uid,
+                     const std::string& text);
+    void finishAdd(std::uint64_t number, std::optional<std::string> identifier);
+    std::optional<std::string> addToFolder(const std::string& uid, const std::string& text);
+
+    void publish();
+    CalendarSnapshot::Part toPart(std::size_t calendar, Parsed& parsed) const;
+
+    Ports ports_;
+    Publish publish_;
+    std::atomic<bool> stopped_{false};
+    IcsZones zones_;
+
+    TimeSpan span_;
+    std::string zoneName_;
+    IcsZonePointer userZone_;
+
+    std::vector<IcsFolderCalendar> found_;
+    // By path.
+    std::map<std::string, Parsed> files_;
+    std::map<std::string, std::unique_ptr<FolderEventSource>> watches_;
+    bool folderRead_ = false;
+    bool folderSettling_ = false;
+
+    std::shared_ptr<Gate> gate_;
+    std::vector<ServiceCalendar> serviceCalendars_;
+    bool serviceAsked_ = false;
+    bool serviceChangedMeanwhile_ = false;
+    bool serviceSettled_ = false;
+    std::map<std::uint64_t, PendingAdd> pendingAdds_;
+    std::uint64_t nextAdd_ = 0;
+
+    Subscription poll_;
+    Subscription settle_;
+    Subscription patience_;
+    Subscription serviceDeadline_;
+    Subscription serviceSettle_;
+    // Goes first: it may still be calling.
+    std::unique_ptr<CalendarService> service_;
+};
+
+}  // namespace sunpane

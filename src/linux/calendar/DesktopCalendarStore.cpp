@@ -1,0 +1,166 @@
+#include "linux/calendar/DesktopCalendarStore.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+
+#include "base/AppIdentity.h"
+#include "linux/calendar/CalendarReader.h"
+
+namespace sunpane {
+namespace {
+
+struct AccessName {
+    CalendarAccess access;
+    const char* name;
+};
+constexpr AccessName accessNames[] = {{CalendarAccess::full, "fullAccess"},
+                                      {CalendarAccess::writeOnly, "writeOnly"},
+                                      {CalendarAccess::denied, "denied"},
+                                      {CalendarAccess::restricted, "restricted"}};
+
+}  // namespace
+
+/// Where the queue leaves the newest snapshot for the main thread.
+struct DesktopCalendarStore::Mailbox {
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::shared_ptr<const CalendarSnapshot> snapshot;
+};
+
+DesktopCalendarStore::DesktopCalendarStore(Ports ports)
+    : ports_(std::move(ports)), mailbox_(std::make_shared<Mailbox>()) {
+    access();
+}
+
+DesktopCalendarStore::~DesktopCalendarStore() {
+    stopReading();
+}
+
+CalendarAccess DesktopCalendarStore::access() const {
+    CalendarAccess access = CalendarAccess::notDetermined;
+    if (ports_.fixedAccess) {
+        access = *ports_.fixedAccess;
+    } else if (const auto stored = ports_.defaults.read<std::string>(accessKey); stored.value) {
+        for (const auto& each : accessNames) {
+            if (*stored.value == each.name) access = each.access;
+        }
+    }
+    if (access == CalendarAccess::full) {
+        startReading();
+    } else {
+        stopReading();
+    }
+    return access;
+}
+
+void DesktopCalendarStore::startReading() const {
+    if (reader_) return;
+    queue_ = ports_.queues.makeQueue(std::string(appIdentifier) + ".calendar");
+    // A new mailbox: what an earlier reader left counts no more. The store is told through the main loop; the snapshot
+    // itself waits in the mailbox, where `loadNow` finds it without the loop.
+    const auto publish = [this, mailbox = mailbox_, &runLoop = ports_.runLoop,
+                          weak = std::weak_ptr(alive_)](std::shared_ptr<const CalendarSnapshot> snapshot) {
+        {
+            const std::lock_guard lock(mailbox->mutex);
+            mailbox->snapshot = std::move(snapshot);
+            mailbox->arrived.notify_all();
+        }
+        runLoop.post([this, weak] {
+            if (!weak.expired()) adopt();
+        });
+    };
+    reader_ = std::make_unique<CalendarReader>(CalendarReader::Ports{ports_.clock, *queue_, ports_.folderEvents,
+                                                                     ports_.files, ports_.folder, ports_.makeService},
+                                               publish);
+    queue_->post([reader = reader_.get()] { reader->start(); });
+}
+
+void DesktopCalendarStore::stopReading() const {
+    if (!reader_) return;
+    reader_->stop();
+    queue_.reset();
+    reader_.reset();
+    snapshot_ = nullptr;
+    const std::lock_guard lock(mailbox_->mutex);
+    mailbox_->snapshot = nullptr;
+}
+
+void DesktopCalendarStore::adopt() const {
+    {
+        const std::lock_guard lock(mailbox_->mutex);
+        // Nothing there: reading was stopped, or the newest was already taken.
+        if (!mailbox_->snapshot) return;
+        snapshot_ = std::move(mailbox_->snapshot);
+        mailbox_->snapshot = nullptr;
+    }
+    checkRequested_ = false;
+    changes_.call();
+}
+
+void DesktopCalendarStore::requestFullAccess(std::function<void(bool granted)> answer) {
+    const CalendarAccess known = access();
+    if (known != CalendarAccess::notDetermined || !ports_.prompt) {
+        ports_.runLoop.post([answer = std::move(answer), granted = known == CalendarAccess::full] { answer(granted); });
+        return;
+    }
+    // One prompt answers everyone who asks while it is open.
+    waitingForAnswer_.push_back(std::move(answer));
+    if (waitingForAnswer_.size() > 1) return;
+    ports_.prompt([this, weak = std::weak_ptr(alive_)](CalendarAccess answered) {
+        if (!weak.expired()) answerPrompt(answered);
+    });
+}
+
+void DesktopCalendarStore::answerPrompt(CalendarAccess access) {
+    for (const auto& each : accessNames) {
+        if (access == each.access) ports_.defaults.set(accessKey, std::string(each.name));
+    }
+    const bool granted = this->access() == CalendarAccess::full;
+    for (const auto& answer : std::exchange(waitingForAnswer_, {}))
+        answer(granted);
+}
+
+bool DesktopCalendarStore::loaded() const {
+    return access() == CalendarAccess::full && snapshot_ != nullptr;
+}
+
+std::vector<CalendarEvent> DesktopCalendarStore::events(Instant from, Instant to) const {
+    if (!loaded()) return {};
+    const TimeSpan span = snapshot_->span();
+    if ((from < span.from || to > span.to) && !std::exchange(checkRequested_, true)) {
+        // The clock was set, or the machine slept for weeks; the change is announced once the days are read.
+        queue_->post([reader = reader_.get()] { reader->check(); });
+    }
+    return snapshot_->events(from, to);
+}
+
+std::vector<CalendarInfo> DesktopCalendarStore::calendars() const {
+    return loaded() ? snapshot_->calendars() : std::vector<CalendarInfo>();
+}
+
+void DesktopCalendarStore::add(const NewEvent& event, std::function<void(std::optional<std::string> identifier)> done) {
+    const auto tell = [&runLoop = ports_.runLoop, done = std::move(done)](std::optional<std::string> identifier) {
+        runLoop.post([done, identifier = std::move(identifier)] { done(identifier); });
+    };
+    if (access() != CalendarAccess::full) return tell(std::nullopt);
+    queue_->post([reader = reader_.get(), event, tell] { reader->add(event, tell); });
+}
+
+Subscription DesktopCalendarStore::observeChanges(std::function<void()> handler) {
+    return changes_.add(std::move(handler));
+}
+
+bool DesktopCalendarStore::loadNow(Seconds timeout) {
+    if (access() != CalendarAccess::full) return false;
+    {
+        std::unique_lock lock(mailbox_->mutex);
+        mailbox_->arrived.wait_for(lock, std::chrono::duration<double>(timeout),
+                                   [&] { return mailbox_->snapshot != nullptr || snapshot_ != nullptr; });
+    }
+    adopt();
+    return loaded();
+}
+
+}  // namespace sunpane
