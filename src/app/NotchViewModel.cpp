@@ -20,6 +20,8 @@ NotchViewModel::NotchViewModel(const Collaborators& collaborators)
 
 NotchViewModel::~NotchViewModel() {
     if (provider_) provider_->stop();
+    with_.calendar.isDismissedTodo = nullptr;
+    with_.calendar.onChange = nullptr;
 }
 
 void NotchViewModel::postToMain(std::function<void(NotchViewModel&)> task) {
@@ -30,17 +32,16 @@ void NotchViewModel::postToMain(std::function<void(NotchViewModel&)> task) {
 
 void NotchViewModel::start() {
     watchStores();
+    followCalendar();
     observers_.push_back(with_.notifications.observe(notification::collapseNotch, [this](const auto&) {
         postToMain([](NotchViewModel& model) {
             model.suppressExpandUntil_ = model.with_.clock.now() + suppressAfterCollapse;
             model.setExpanded(false);
         });
     }));
-    observers_.push_back(with_.notifications.observe(notification::revealTodo, [this](const auto&) {
-        postToMain([](NotchViewModel& model) {
-            model.keepOpenUntil_ = model.with_.clock.now() + keepOpenAfterReveal;
-            model.setExpanded(true);
-        });
+    observers_.push_back(with_.notifications.observe(notification::revealTodo, [this](const auto& object) {
+        const auto todoID = object ? Uuid::parse(*object) : std::nullopt;
+        postToMain([todoID](NotchViewModel& model) { model.reveal(todoID); });
     }));
     startProvider();
     observers_.push_back(with_.notifications.observe(notification::briefingsFolderChanged, [this](const auto&) {
@@ -55,6 +56,24 @@ void NotchViewModel::watchStores() {
     todoStore_.onPrioChanged = [this](const Todo& todo) {
         if (todo.sourceItemKey) flagStore_.setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
     };
+}
+
+void NotchViewModel::followCalendar() {
+    with_.calendar.isDismissedTodo = [this](const std::string& title) { return todoStore_.isDismissed(title); };
+    with_.calendar.onChange = [this] { reapply(); };
+}
+
+void NotchViewModel::reveal(std::optional<Uuid> todoID) {
+    keepOpenUntil_ = with_.clock.now() + keepOpenAfterReveal;
+    setExpanded(true);
+    setHighlight(todoID);
+    highlightEnd_ = with_.runLoop.after(highlightDuration, [this] { setHighlight(std::nullopt); });
+}
+
+void NotchViewModel::setHighlight(std::optional<Uuid> todoID) {
+    if (todoID == highlightTodoID_) return;
+    announceChange();
+    highlightTodoID_ = todoID;
 }
 
 void NotchViewModel::startProvider() {
@@ -89,13 +108,38 @@ void NotchViewModel::reapply() {
 }
 
 void NotchViewModel::apply(std::vector<Briefing> items) {
+    const std::uint64_t application = ++applications_;
     std::stable_sort(items.begin(), items.end(), [](const Briefing& a, const Briefing& b) { return a.date > b.date; });
+    const LocalCalendar calendar(with_.clock);
+    const Instant now = with_.clock.now();
+    const bool isForToday = std::any_of(
+        items.begin(), items.end(), [&](const Briefing& briefing) { return calendar.isSameDay(briefing.date, now); });
+    if (isForToday) {
+        publish(std::move(items));
+        return;
+    }
+    with_.calendar.ensureAccess(
+        [weak = std::weak_ptr(self_), application, items = std::move(items)](bool granted) mutable {
+            const auto self = weak.lock();
+            if (!self || (*self)->applications_ != application) return;
+            if (granted) {
+                if (auto schedule = (*self)->with_.calendar.todayBriefing()) {
+                    limitToPanel(*schedule);
+                    items.insert(items.begin(), std::move(*schedule));
+                }
+            }
+            (*self)->publish(std::move(items));
+        });
+}
+
+void NotchViewModel::publish(std::vector<Briefing> items) {
     updateUnread(items.empty() ? nullptr : &items.front());
     announceChange();
     briefings_ = std::move(items);
     currentIndex_ = 0;
 
     if (!briefings_.empty()) todoStore_.ingest(briefings_.front());
+    todoStore_.importCalendarTodos(with_.calendar.todayCalendarTodoTitles());
     refreshPrioReferences();
     recomputeUntouched();
 }
@@ -105,12 +149,15 @@ void NotchViewModel::refreshPrioReferences() {
     for (const auto& todo : todoStore_.todos()) {
         if (!todo.done) texts.push_back(todo.text);
     }
+    for (auto& title : with_.calendar.todayEventTitles())
+        texts.push_back(std::move(title));
     flagStore_.refreshPrioReferences(texts);
 }
 
 void NotchViewModel::recomputeUntouched() {
     std::vector<std::string> untouched;
-    if (!briefings_.empty()) {
+    // The agent did not write the calendar's schedule, so it learns nothing from what is left untouched there.
+    if (!briefings_.empty() && briefings_.front().id != CalendarFallback::briefingID) {
         // The newest briefing counts, whichever is on screen.
         for (const auto& section : briefings_.front().sections()) {
             for (const auto& item : section.items) {
@@ -142,10 +189,12 @@ void NotchViewModel::updateUnread(const Briefing* newest) {
         const std::hash<std::string> hashOf;
         hash = hashOf(newest->id) ^ hashOf(newest->markdown);
     }
+    const bool wasWithoutCalendar = std::exchange(chosenWithoutCalendar_, with_.calendar.isLoading());
     if (hash == lastNewestHash_) return;
-    const bool firstApplication = !lastNewestHash_;
+    const bool isFirst =
+        !lastNewestHash_ || (wasWithoutCalendar && newest && newest->id == CalendarFallback::briefingID);
     lastNewestHash_ = hash;
-    if (hash && firstApplication) return;
+    if (hash && isFirst) return;
     announceChange();
     hasUnread_ = hash.has_value();
 }
@@ -154,6 +203,7 @@ void NotchViewModel::setExpanded(bool expanded) {
     announceChange();
     expanded_ = expanded;
     if (expanded) hasUnread_ = false;
+    with_.meetings.setActive(expanded);
 }
 
 const Briefing* NotchViewModel::current() const {

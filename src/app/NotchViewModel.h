@@ -1,16 +1,21 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "app/NotificationNames.h"
 #include "base/Clock.h"
 #include "base/LocalNotifications.h"
 #include "base/Observable.h"
 #include "base/RunLoop.h"
+#include "base/Uuid.h"
 #include "base/WorkQueue.h"
+#include "calendar/CalendarFallback.h"
+#include "calendar/MeetingWatcher.h"
 #include "core/briefing/Briefing.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "core/stores/ItemFlagStore.h"
@@ -20,16 +25,10 @@
 
 namespace sunpane {
 
-/// The names of the notifications that fold and unfold the panel and move its folder.
-namespace notification {
-inline constexpr const char* briefingsFolderChanged = "briefingsFolderChanged";
-inline constexpr const char* collapseNotch = "collapseNotch";
-inline constexpr const char* revealTodo = "revealTodo";
-}  // namespace notification
-
 /// The program's one central state: which briefings are listed and which is on screen, whether the newest is unread,
-/// and whether the panel is folded open. Owns the todos and the flags, brings the newest briefing's action items into
-/// the todos, and tells the flag store what `feedback.json` needs to know.
+/// and whether the panel is folded open. Owns the todos and the flags, brings the newest briefing's action items and
+/// the calendar's tasks into the todos, and tells the flag store what `feedback.json` needs to know. On a day without
+/// a briefing the calendar's schedule comes first in the list.
 ///
 /// The stores keep the folder that was current when the view model was made.
 ///
@@ -42,6 +41,8 @@ public:
     /// After a collapse that did not come from the pointer, hovering does not unfold for this long.
     static constexpr Seconds suppressAfterCollapse = 1.2;
     static constexpr Seconds keepOpenAfterReveal = 5;
+    /// How long a revealed todo is highlighted.
+    static constexpr Seconds highlightDuration = 3;
     /// Store changes are collected this long before what is derived from them is computed again.
     static constexpr Seconds storeDebounce = 1;
     /// The agent is told of at most this many cards that were left untouched.
@@ -54,6 +55,8 @@ public:
         const UserDefaults& defaults;
         FolderBriefingProvider::Ports provider;
         StoreFiles& storeFiles;
+        CalendarFallback& calendar;
+        MeetingWatcher& meetings;
     };
 
     explicit NotchViewModel(const Collaborators& collaborators);
@@ -62,7 +65,7 @@ public:
     /// Wires everything and starts watching the briefings folder. Called once.
     void start();
 
-    /// Folds the panel open or shut. Opening it marks everything as read.
+    /// Folds the panel open or shut. Opening it marks everything as read and looks for the next meeting.
     void setExpanded(bool expanded);
 
     TodoStore& todoStore() { return todoStore_; }
@@ -86,6 +89,9 @@ public:
     int reminderUIOpen() const { return reminderUIOpen_; }
     void setReminderUIOpen(int count);
 
+    /// The todo that was revealed a moment ago.
+    const std::optional<Uuid>& highlightTodoID() const { return highlightTodoID_; }
+
     /// The panel must not be folded before this time.
     Instant keepOpenUntil() const { return keepOpenUntil_; }
     void setKeepOpenUntil(Instant instant) { keepOpenUntil_ = instant; }
@@ -101,7 +107,11 @@ public:
 private:
     void startProvider();
     void apply(std::vector<Briefing> items);
+    void publish(std::vector<Briefing> items);
     void reapply();
+    void followCalendar();
+    void reveal(std::optional<Uuid> todoID);
+    void setHighlight(std::optional<Uuid> todoID);
     void updateUnread(const Briefing* newest);
     void watchStores();
     void recomputeUntouched();
@@ -118,13 +128,19 @@ private:
     bool expanded_ = false;
     bool hasUnread_ = false;
     int reminderUIOpen_ = 0;
+    std::optional<Uuid> highlightTodoID_;
     Instant keepOpenUntil_ = Instant::distantPast();
     Instant suppressExpandUntil_ = Instant::distantPast();
     double briefContentHeight_ = 0;
 
     std::unique_ptr<BriefingProvider> provider_;
     std::vector<Briefing> lastProviderItems_;
+    // Counts the applications: one that waited for the user's answer is void when another came meanwhile.
+    std::uint64_t applications_ = 0;
     std::optional<std::size_t> lastNewestHash_;
+    // Whether the newest briefing was chosen before the calendars were read, so that their schedule is no news.
+    bool chosenWithoutCalendar_ = false;
+    Subscription highlightEnd_;
     Subscription cleanupTimer_;
     Subscription rolloverTimer_;
     std::vector<Subscription> observers_;

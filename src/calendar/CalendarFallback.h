@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,6 +32,8 @@ public:
     /// A new event whose length is not known, or is at most `shortestDuration` (s), gets this length (s).
     static constexpr Seconds defaultDuration = 3600;
     static constexpr Seconds shortestDuration = 60;
+    /// Of more calls that wait for the user's answer the oldest are told that there is no access.
+    static constexpr std::size_t maximumWaiting = 16;
 
     CalendarFallback(CalendarStore& store, const UserDefaults& defaults, const Clock& clock);
 

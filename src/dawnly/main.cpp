@@ -3,7 +3,12 @@
 #include <QQuickWindow>
 
 #include "app/NotchViewModel.h"
+#include "app/NotificationResponses.h"
+#include "app/TodoReminders.h"
 #include "base/AppIdentity.h"
+#include "calendar/CalendarFallback.h"
+#include "calendar/MeetingWatcher.h"
+#include "dawnly/MissingServices.h"
 #include "dawnly/PanelAssembly.h"
 #include "dawnly/TerminationSignals.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
@@ -22,6 +27,8 @@
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
 #include "notch/NotchController.h"
+#include "reminders/PendingNotifications.h"
+#include "reminders/ReminderScheduler.h"
 #include "views/ThemeStore.h"
 
 namespace {
@@ -53,9 +60,24 @@ private:
     sunpane::X11EventMonitors monitors_{x11Events_};
     sunpane::DBusDistributedNotifications distributed_;
     sunpane::ThemeStore theme_{defaults_};
-    sunpane::NotchViewModel viewModel_{
-        {clock_, runLoop_, notifications_, defaults_, {clock_, queues_, folderEvents_, cloudFiles_}, storeFiles_}};
+    sunpane::NoCalendars calendars_;
+    sunpane::NoNotifications notificationService_;
+    sunpane::PendingNotifications notificationCenter_{{notificationService_, clock_, runLoop_, files_, queues_},
+                                                      sunpane::xdg::stateFolder() + "/notifications.json"};
+    sunpane::ReminderScheduler reminders_{notificationCenter_, clock_};
+    sunpane::CalendarFallback calendar_{calendars_, defaults_, clock_};
+    sunpane::MeetingWatcher meetings_{{calendars_, calendar_, reminders_, clock_, runLoop_}};
+    sunpane::NotchViewModel viewModel_{{clock_,
+                                        runLoop_,
+                                        notifications_,
+                                        defaults_,
+                                        {clock_, queues_, folderEvents_, cloudFiles_},
+                                        storeFiles_,
+                                        calendar_,
+                                        meetings_}};
+    sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
     sunpane::QtWorkspace workspace_;
+    sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
     sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
                                           [this] { return theme_.themeName(); },

@@ -17,17 +17,17 @@ enum class NotificationAuthorization { notDetermined, denied, authorized };
 /// skip comes due at the first instant after the gap, one that they repeat comes due once.
 struct CalendarTrigger {
     /// Whose clock the components are read from, as an IANA name; absent: the user's, wherever the user is by then.
-    std::optional<std::string> timeZone;
-    std::optional<int> year;
+    std::optional<std::string> timeZone = std::nullopt;
+    std::optional<int> year = std::nullopt;
     /// 1 to 12.
-    std::optional<int> month;
+    std::optional<int> month = std::nullopt;
     /// 1 to 31.
-    std::optional<int> day;
+    std::optional<int> day = std::nullopt;
     /// 1 (Sunday) to 7 (Saturday).
-    std::optional<int> weekday;
-    std::optional<int> hour;
-    std::optional<int> minute;
-    std::optional<int> second;
+    std::optional<int> weekday = std::nullopt;
+    std::optional<int> hour = std::nullopt;
+    std::optional<int> minute = std::nullopt;
+    std::optional<int> second = std::nullopt;
     /// Whether it comes due at every match, or only at the first after it was added.
     bool repeats = false;
     friend bool operator==(const CalendarTrigger&, const CalendarTrigger&) = default;
@@ -41,7 +41,7 @@ struct NotificationRequest {
     std::map<std::string, std::string> userInfo;
     CalendarTrigger trigger;
     /// From then on it is not worth showing any more; absent: it always is.
-    std::optional<Instant> expires;
+    std::optional<Instant> expires = std::nullopt;
     friend bool operator==(const NotificationRequest&, const NotificationRequest&) = default;
 };
 

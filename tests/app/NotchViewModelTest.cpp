@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/PanelBriefing.h"
+#include "support/SimulatedAgenda.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
@@ -29,6 +30,7 @@ struct NotchViewModelTest : ::testing::Test {
                            [this](Seconds seconds) { platform.time.advance(seconds); }},
                           "/state"};
     LocalNotifications notifications;
+    testing::SimulatedAgenda agenda{platform, defaults};
     std::optional<NotchViewModel> model;
 
     void SetUp() override {
@@ -38,7 +40,9 @@ struct NotchViewModelTest : ::testing::Test {
                                                     notifications,
                                                     defaults,
                                                     {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles});
+                                                    storeFiles,
+                                                    agenda.fallback,
+                                                    agenda.meetings});
     }
     void start() {
         model->start();
@@ -194,6 +198,137 @@ TEST_F(NotchViewModelTest, AStarOnATodoFlagsTheCardItWasMadeFrom) {
     EXPECT_FALSE(model->flagStore().isPrio(key));
 }
 
+struct NotchViewModelAgendaTest : NotchViewModelTest {
+    void SetUp() override {
+        agenda.store.status = CalendarAccess::full;
+        NotchViewModelTest::SetUp();
+    }
+    Instant today(int hour) const { return LocalCalendar(platform.clock).settingTime(platform.clock.now(), hour, 0); }
+    std::vector<std::string> todoTexts() {
+        std::vector<std::string> texts;
+        for (const auto& todo : model->todoStore().todos())
+            texts.push_back(todo.text);
+        return texts;
+    }
+    void calendarChanges() {
+        agenda.store.change();
+        platform.time.runPending();
+    }
+};
+
+TEST_F(NotchViewModelAgendaTest, ADayWithoutABriefingShowsTheCalendar) {
+    agenda.store.all = {testing::timedEvent("Water plants", today(8)), testing::timedEvent("Planning", today(9), 7200)};
+    folder.write("2026-11-21.md", "# Yesterday\n- a");
+    start();
+    EXPECT_THAT(ids(), ElementsAre("calendar-fallback", "2026-11-21.md"));
+    EXPECT_FALSE(model->hasUnread());
+    EXPECT_THAT(todoTexts(), ElementsAre("Water plants"));
+    // The agent is not told of cards that it did not write.
+    model->flagStore().togglePrio(BriefingItem("**Some** card"));
+    platform.time.advance(1.1);
+    storeFiles.drain();
+    const auto feedback = nlohmann::json::parse(files.content(folder / "feedback.json").value());
+    EXPECT_EQ(feedback["prio"].size(), 1U);
+    EXPECT_TRUE(feedback["untouched"].empty());
+
+    agenda.store.all.push_back(testing::timedEvent("Review", today(12), 7200));
+    calendarChanges();
+    EXPECT_NE(model->current()->markdown.find("Review"), std::string::npos);
+    EXPECT_TRUE(model->hasUnread());
+    // Removed from the list, a task goes back into the schedule for good.
+    model->todoStore().remove(model->todoStore().todos().front().id);
+    calendarChanges();
+    EXPECT_THAT(todoTexts(), ElementsAre());
+    EXPECT_NE(model->current()->markdown.find("Water plants"), std::string::npos);
+
+    agentWrites("2026-11-22.md", "# Today\n- b");
+    EXPECT_THAT(ids(), ElementsAre("2026-11-22.md", "2026-11-21.md"));
+    platform.time.advance(86400);  // the next day has none again
+    EXPECT_EQ(ids().front(), "calendar-fallback");
+}
+
+TEST_F(NotchViewModelAgendaTest, TheFirstReadingOfTheCalendarsIsNoNews) {
+    agenda.store.isLoaded = false;
+    folder.write("2026-11-21.md", "# Yesterday");
+    start();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-21.md"));
+    agenda.store.isLoaded = true;
+    calendarChanges();
+    EXPECT_THAT(ids(), ElementsAre("calendar-fallback", "2026-11-21.md"));
+    EXPECT_FALSE(model->hasUnread());
+    agentWrites("2026-11-22.md", "# Today");
+    EXPECT_TRUE(model->hasUnread());
+}
+
+TEST_F(NotchViewModelAgendaTest, AListThatWaitedForAnAnswerGivesWayToALaterOne) {
+    agenda.store.status = CalendarAccess::notDetermined;
+    folder.write("2026-11-21.md", "# Yesterday");
+    start();
+    EXPECT_EQ(agenda.store.questions, 1);
+    EXPECT_THAT(ids(), ElementsAre());
+    agentWrites("2026-11-22.md", "# Today");
+    EXPECT_THAT(ids(), ElementsAre("2026-11-22.md", "2026-11-21.md"));
+    agenda.store.answer(true);
+    platform.time.runPending();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-22.md", "2026-11-21.md"));
+    std::filesystem::remove(folder / "2026-11-22.md");
+    platform.time.advance(20);
+    EXPECT_THAT(ids(), ElementsAre("calendar-fallback", "2026-11-21.md"));
+}
+
+TEST_F(NotchViewModelAgendaTest, APriorityStaysWhileTheCalendarSpeaksOfIt) {
+    agenda.store.all = {testing::timedEvent("Board meeting agenda", today(9), 7200)};
+    start();
+    const BriefingItem card("**Board meeting** agenda");
+    model->flagStore().togglePrio(card);
+    const auto flagged = [&] { return model->flagStore().state().dates.at(std::string(card.id())); };
+    const Instant first = flagged();
+    platform.time.advanceTo(today(13));
+    const Instant referenced = flagged();
+    EXPECT_GT(referenced, first);
+    agenda.store.all.clear();
+    platform.time.advanceTo(today(23));
+    EXPECT_EQ(flagged(), referenced);
+}
+
+TEST_F(NotchViewModelAgendaTest, OpeningThePanelLooksForTheNextMeeting) {
+    start();
+    agenda.store.all = {testing::timedEvent("Call", today(9), 7200)};
+    model->setExpanded(false);
+    platform.time.runPending();
+    EXPECT_FALSE(agenda.meetings.next());
+    model->setExpanded(true);
+    platform.time.runPending();
+    ASSERT_TRUE(agenda.meetings.next());
+    EXPECT_EQ(agenda.meetings.next()->title, "Call");
+}
+
+TEST_F(NotchViewModelTest, ARevealedTodoIsHighlightedForThreeSeconds) {
+    start();
+    const Uuid first = Uuid::random();
+    const Uuid second = Uuid::random();
+    const auto reveal = [&](const std::optional<std::string>& object) {
+        notifications.post("revealTodo", object);
+        platform.time.runPending();
+    };
+    reveal(first.toString());
+    EXPECT_TRUE(model->expanded());
+    EXPECT_EQ(model->keepOpenUntil(), platform.clock.now() + 5);
+    EXPECT_EQ(model->highlightTodoID(), first);
+    platform.time.advance(2.9);
+    reveal(second.toString());
+    platform.time.advance(2.9);
+    EXPECT_EQ(model->highlightTodoID(), second);
+    platform.time.advance(0.2);
+    EXPECT_EQ(model->highlightTodoID(), std::nullopt);
+    reveal(first.toString());
+    reveal("no UUID");
+    EXPECT_EQ(model->highlightTodoID(), std::nullopt);
+    reveal(std::nullopt);
+    EXPECT_EQ(model->highlightTodoID(), std::nullopt);
+    EXPECT_TRUE(model->expanded());
+}
+
 TEST_F(NotchViewModelTest, WorksWithTheBeginningOfAHugeBriefing) {
     std::string lines = "# Huge\n";
     while (lines.size() < 3 * maximumPanelBytes)
@@ -220,7 +355,9 @@ TEST_F(NotchViewModelTest, LeavesNothingRunningWhenItGoes) {
     platform.time.advance(100);
     storeFiles.drain();
     EXPECT_EQ(folderEvents.watcherCount(), 0U);
-    EXPECT_EQ(platform.time.pendingCount(), 0U);
+    EXPECT_EQ(platform.time.pendingCount(), 1U);  // the meeting watcher's timer
+    agenda.store.change();
+    EXPECT_TRUE(agenda.fallback.routesToTodos(testing::timedEvent("Call", {})));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/SimulatedAgenda.h"
 #include "support/SimulatedDesktop.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
@@ -33,6 +34,7 @@ struct NotchControllerTest : ::testing::Test {
     StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
                           "/state"};
     LocalNotifications notifications;
+    testing::SimulatedAgenda agenda{platform, defaults};
     std::optional<NotchViewModel> model;
     std::optional<NotchController> controller;
     std::string report;
@@ -44,7 +46,9 @@ struct NotchControllerTest : ::testing::Test {
                                                     notifications,
                                                     defaults,
                                                     {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles});
+                                                    storeFiles,
+                                                    agenda.fallback,
+                                                    agenda.meetings});
         controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
                                                           broadcasts, *model, [] { return std::string("glass"); },
                                                           [this](const std::string& json) { report = json; }});

@@ -1,0 +1,180 @@
+#include "app/TodoReminders.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/NotificationNames.h"
+#include "app/NotificationResponses.h"
+#include "app/TodoActions.h"
+#include "support/SimulatedFileSystem.h"
+#include "support/SimulatedNotifications.h"
+#include "support/SimulatedPlatform.h"
+
+namespace sunpane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+struct TodoRemindersTest : ::testing::Test {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedFileSystem files{platform.clock};
+    testing::SimulatedCloudFiles cloudFiles;
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
+                          "/state"};
+    TodoStore todos{storeFiles, "/briefings"};
+    testing::SimulatedNotificationCenter center{platform.runLoop};
+    ReminderScheduler scheduler{center, platform.clock};
+    NotchUndo undo;
+    std::optional<TodoReminders> reminders;
+
+    void start() {
+        reminders.emplace(TodoReminders::Collaborators{todos, scheduler, center, platform.clock, platform.runLoop});
+        settle();
+    }
+    void settle() { platform.time.runPending(); }
+    Uuid add(const std::string& text) {
+        todos.add(text);
+        return todos.todos().back().id;
+    }
+    std::vector<std::string> bodies() const {
+        std::vector<std::string> result;
+        for (const auto& request : center.requests())
+            result.push_back(request.body);
+        return result;
+    }
+};
+
+TEST_F(TodoRemindersTest, FollowsWhateverHappensToATodo) {
+    start();
+    const Uuid id = add("Call mum");
+    const Instant date = platform.clock.now() + 3600;
+    settle();
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+    todos.setReminder(id, date, std::nullopt);
+    settle();
+    EXPECT_THAT(center.identifiers(), ElementsAre("todo-" + id.toString()));
+    todos.rename(id, "Call dad");
+    settle();
+    EXPECT_THAT(bodies(), ElementsAre("Call dad"));
+    todos.setReminder(id, date + 60, "daily");
+    settle();
+    EXPECT_TRUE(center.requests().front().trigger.repeats);
+    // A change of something else tells the centre nothing.
+    const int additions = center.additions;
+    todos.togglePrio(id);
+    add("Other");
+    settle();
+    EXPECT_EQ(center.additions, additions);
+    todos.toggle(id);
+    settle();
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+    todos.toggle(id);
+    settle();
+    EXPECT_THAT(bodies(), ElementsAre("Call dad"));
+    todos.setReminder(id, std::nullopt, std::nullopt);
+    settle();
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+}
+
+TEST_F(TodoRemindersTest, DeletingTakesTheReminderAlongAndUndoBringsItBack) {
+    start();
+    const Uuid id = add("Call mum");
+    add("Other");
+    todos.setReminder(id, platform.clock.now() + 3600, std::nullopt);
+    settle();
+    todo_actions::removeWithUndo(todos, Uuid::random(), undo);
+    EXPECT_FALSE(undo.undo());
+    todo_actions::removeWithUndo(todos, id, undo);
+    settle();
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+    EXPECT_TRUE(todos.isDismissed("call mum"));
+    EXPECT_TRUE(undo.undo());
+    settle();
+    EXPECT_THAT(bodies(), ElementsAre("Call mum"));
+    EXPECT_EQ(todos.indexOf(id), 0U);
+    EXPECT_FALSE(todos.isDismissed("call mum"));
+}
+
+TEST_F(TodoRemindersTest, TickingClearsTheReminderForGood) {
+    start();
+    const Uuid id = add("Call mum");
+    todos.setReminder(id, platform.clock.now() + 3600, "weekly");
+    todo_actions::toggle(todos, id);
+    settle();
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+    todo_actions::toggle(todos, id);
+    settle();
+    EXPECT_FALSE(todos.todos().front().done);
+    EXPECT_EQ(todos.todos().front().remindAt, std::nullopt);
+    EXPECT_EQ(todos.todos().front().remindRepeat, std::nullopt);
+    EXPECT_THAT(center.identifiers(), IsEmpty());
+}
+
+TEST_F(TodoRemindersTest, AtTheStartOnlyWhatIsWrongIsPutRight) {
+    const Instant date = platform.clock.now() + 3600;
+    const Uuid right = add("Right");
+    const Uuid missing = add("Missing");
+    const Uuid changed = add("Changed");
+    const Uuid done = add("Done");
+    for (const Uuid& id : {right, missing, changed, done})
+        todos.setReminder(id, date, std::nullopt);
+    todos.toggle(done);
+    const auto add = [&](const Uuid& id, const std::string& text) {
+        center.add(ReminderScheduler::todoRequest(id, text, date, std::nullopt, platform.clock));
+    };
+    add(right, "Right");
+    add(changed, "Before");
+    add(done, "Done");
+    add(Uuid::random(), "Gone");
+    NotificationRequest meeting;
+    meeting.identifier = "meeting-1";
+    meeting.body = "Meeting";
+    center.add(meeting);
+    center.additions = 0;
+    start();
+    EXPECT_THAT(bodies(), ::testing::UnorderedElementsAre("Right", "Missing", "Changed", "Meeting"));
+    EXPECT_EQ(center.additions, 2);
+}
+
+TEST_F(TodoRemindersTest, AListThatCouldNotBeReadCancelsNothing) {
+    const auto pending = ReminderScheduler::todoRequest(Uuid::random(), "Call", platform.clock.now() + 3600,
+                                                        std::nullopt, platform.clock);
+    center.add(pending);
+    start();
+    EXPECT_THAT(center.identifiers(), ElementsAre(pending.identifier));
+}
+
+struct NoWorkspace : Workspace {
+    void revealFolder(const std::string& /*path*/) override {}
+    void openUrl(const std::string& url) override { opened.push_back(url); }
+    void terminate() override {}
+    std::vector<std::string> opened;
+};
+
+TEST(NotificationResponsesTest, AClickOpensTheMeetingOrRevealsTheTodo) {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedNotificationCenter center{platform.runLoop};
+    LocalNotifications notifications;
+    NoWorkspace workspace;
+    std::vector<std::string> revealed;
+    const auto subscription = notifications.observe(
+        notification::revealTodo, [&](const auto& object) { revealed.push_back(object.value_or("no object")); });
+    {
+        const NotificationResponses responses(center, notifications, workspace);
+        center.respond({"meeting-1", {{"joinURL", "https://zoom.us/j/1"}}});
+        EXPECT_THAT(workspace.opened, ElementsAre("https://zoom.us/j/1"));
+        EXPECT_THAT(revealed, IsEmpty());
+        center.respond({"meeting-1", {}});
+        center.respond({"meeting-1", {{"joinURL", "file:///etc/passwd"}}});
+        center.respond({"meeting-1", {{"joinURL", ""}}});
+        center.respond({"todo-6F9619FF-8B86-D011-B42D-00C04FC964FF", {{"joinURL", "https://zoom.us/j/1"}}});
+        center.respond({"other", {}});
+    }
+    EXPECT_EQ(workspace.opened.size(), 1U);
+    EXPECT_THAT(revealed, ElementsAre("no object", "no object", "no object", "6F9619FF-8B86-D011-B42D-00C04FC964FF"));
+    EXPECT_FALSE(center.respond);
+}
+
+}  // namespace
+}  // namespace sunpane
