@@ -2,15 +2,20 @@
 
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "base/Clock.h"
 #include "base/WorkQueue.h"
+#include "platform/AudioProcesses.h"
 #include "platform/CloudFiles.h"
 #include "platform/FileSystem.h"
 #include "platform/FolderEvents.h"
+#include "platform/MediaCommands.h"
+#include "platform/RunningApplications.h"
+#include "platform/ScriptRunner.h"
 #include "platform/UserDefaults.h"
 
 namespace sunpane::cli {
@@ -36,6 +41,14 @@ public:
     virtual void wait() = 0;
 };
 
+/// The media players of the user's desktop.
+struct PlayerPorts {
+    ScriptRunner& scripts;
+    RunningApplications& applications;
+    AudioProcesses& audio;
+    MediaCommands& mediaCommands;
+};
+
 /// What a command works with. Everything outlives the command.
 struct Environment {
     const Clock& clock;
@@ -53,6 +66,9 @@ struct Environment {
     FileSystem* files = nullptr;
     std::string stateFolder;
     std::function<void(Seconds)> wait;
+
+    /// Connects to the players, for the commands on them. Absent where there is nothing to connect to.
+    std::function<std::shared_ptr<const PlayerPorts>()> connectPlayers = nullptr;
 };
 
 /// The words behind the command's name.

@@ -7,6 +7,7 @@
 #include "cli/Command.h"
 #include "cli/FeedbackCommand.h"
 #include "cli/FlagsCommand.h"
+#include "cli/PlayingCommand.h"
 #include "cli/TodoCommand.h"
 #include "cli/WatchCommand.h"
 
@@ -14,10 +15,12 @@ namespace sunpane::cli {
 namespace {
 
 // Every command of the program; a new one is a line here and a pair of files.
-constexpr std::array commands{briefCommand, checkCommand, watchCommand, todoCommand, flagsCommand, feedbackCommand};
+constexpr std::array commands{briefCommand, checkCommand,    watchCommand,   todoCommand,
+                              flagsCommand, feedbackCommand, playingCommand, playPauseCommand,
+                              nextCommand,  previousCommand, muteCommand};
 
 void printHelp(std::ostream& out) {
-    out << "dawnlyctl: briefings, todos and flags from the command line\n\nUsage:\n";
+    out << "dawnlyctl: briefings, todos, flags and what is playing from the command line\n\nUsage:\n";
     for (const auto& command : commands) {
         out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
     }

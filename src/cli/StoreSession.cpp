@@ -1,40 +1,14 @@
 #include "cli/StoreSession.h"
 
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
 
+#include "cli/CommandLoop.h"
 #include "cli/TerminalText.h"
 #include "core/briefing/FolderBriefingProvider.h"
 
 namespace sunpane::cli {
-
-/// The main thread's executor for a command: runs what was posted when told to. A command does not live long enough
-/// for timers, so they never fire.
-class CommandLoop : public RunLoop {
-public:
-    void post(Task task) override {
-        const std::lock_guard lock(mutex_);
-        tasks_.push_back(std::move(task));
-    }
-    Subscription after(Seconds, Task) override { return {}; }
-    Subscription every(Seconds, Task) override { return {}; }
-
-    void runPosted() {
-        std::vector<Task> tasks;
-        {
-            const std::lock_guard lock(mutex_);
-            tasks.swap(tasks_);
-        }
-        for (const Task& task : tasks)
-            task();
-    }
-
-private:
-    std::mutex mutex_;
-    std::vector<Task> tasks_;
-};
 
 StoreSession::StoreSession(Environment& environment, const std::string& folder)
     : environment_(environment), folder_(folder), loop_(std::make_unique<CommandLoop>()) {
