@@ -407,4 +407,18 @@ std::string replacingAll(std::string_view text, std::string_view part, std::stri
     return result;
 }
 
+std::string withControlsEscaped(std::string_view json) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string result;
+    std::size_t start = 0;
+    for (std::size_t at = 0; (at = json.find_first_of("\x7F\xC2", at)) != std::string::npos; ++at) {
+        const bool isDelete = json[at] == '\x7F';
+        const auto code = static_cast<unsigned char>(isDelete ? '\x7F' : json[at + 1]);
+        if (code >= 0xA0) continue;
+        result.append(json.substr(start, at - start)).append("\\u00").append({digits[code >> 4], digits[code & 0x0F]});
+        start = at + (isDelete ? 1 : 2);
+    }
+    return result.append(json.substr(start));
+}
+
 }  // namespace sunpane::text

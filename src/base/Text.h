@@ -97,4 +97,8 @@ std::vector<std::string_view> alphanumericRuns(std::string_view text);
 /// `text` with every occurrence of `part`, left to right, replaced by `replacement`.
 std::string replacingAll(std::string_view text, std::string_view part, std::string_view replacement);
 
+/// A JSON text with DEL and the C1 controls in its strings escaped: JSON lets them stand as they are, but they would
+/// act on a terminal that shows the text.
+std::string withControlsEscaped(std::string_view json);
+
 }  // namespace sunpane::text

@@ -10,6 +10,7 @@
 #include "base/Clock.h"
 #include "base/WorkQueue.h"
 #include "platform/AudioProcesses.h"
+#include "platform/CalendarStore.h"
 #include "platform/CloudFiles.h"
 #include "platform/FileSystem.h"
 #include "platform/FolderEvents.h"
@@ -69,6 +70,10 @@ struct Environment {
 
     /// Connects to the players, for the commands on them. Absent where there is nothing to connect to.
     std::function<std::shared_ptr<const PlayerPorts>()> connectPlayers = nullptr;
+
+    /// Reads the user's calendars as they are around the clock's present. Null, or not `loaded`, when that failed. The
+    /// clock outlives the store.
+    std::function<std::unique_ptr<CalendarStore>(const Clock& clock)> openCalendars = nullptr;
 };
 
 /// The words behind the command's name.

@@ -2,6 +2,7 @@
 #include <array>
 #include <ostream>
 
+#include "cli/AgendaCommand.h"
 #include "cli/BriefCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/Command.h"
@@ -17,10 +18,10 @@ namespace {
 // Every command of the program; a new one is a line here and a pair of files.
 constexpr std::array commands{briefCommand, checkCommand,    watchCommand,   todoCommand,
                               flagsCommand, feedbackCommand, playingCommand, playPauseCommand,
-                              nextCommand,  previousCommand, muteCommand};
+                              nextCommand,  previousCommand, muteCommand,    agendaCommand};
 
 void printHelp(std::ostream& out) {
-    out << "dawnlyctl: briefings, todos, flags and what is playing from the command line\n\nUsage:\n";
+    out << "dawnlyctl: briefings, todos, flags, calendars and what is playing from the command line\n\nUsage:\n";
     for (const auto& command : commands) {
         out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
     }

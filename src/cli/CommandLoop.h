@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "base/RunLoop.h"
@@ -15,8 +16,8 @@ public:
         const std::lock_guard lock(mutex_);
         tasks_.push_back(std::move(task));
     }
-    Subscription after(Seconds, Task) override { return {}; }
-    Subscription every(Seconds, Task) override { return {}; }
+    Subscription after(Seconds /*delay*/, Task /*task*/) override { return {}; }
+    Subscription every(Seconds /*interval*/, Task /*task*/) override { return {}; }
 
     void runPosted() {
         std::vector<Task> tasks;

@@ -3,12 +3,15 @@
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cli/Command.h"
+#include "cli/CommandLoop.h"
 #include "cli/ProcessInterrupt.h"
+#include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
@@ -16,6 +19,13 @@
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
+
+namespace {
+
+/// A calendar that takes longer to read (s) counts as unreadable.
+constexpr sunpane::Seconds longestReading = 30;
+
+}  // namespace
 
 int main(int argc, char** argv) {
     using namespace sunpane;
@@ -29,6 +39,15 @@ int main(int argc, char** argv) {
     LocalCloudFiles cloudFiles;
     PosixFileSystem files;
     cli::ProcessInterrupt interrupt;
+    cli::CommandLoop loop;
+    const auto openCalendars = [&](const Clock& at) {
+        // Whoever starts this program by hand wants it to read the calendars.
+        auto store = std::make_unique<DesktopCalendarStore>(
+            DesktopCalendarStore::Ports{at, loop, queues, folderEvents, files, defaults,
+                                        xdg::dataFolder() + "/calendars", nullptr, nullptr, CalendarAccess::full});
+        store->loadNow(longestReading);
+        return std::unique_ptr<CalendarStore>(std::move(store));
+    };
     const char* terminal = std::getenv("TERM");
     const bool outIsTerminal = isatty(STDOUT_FILENO) == 1 && terminal != nullptr &&
                                std::string_view(terminal) != "dumb" && std::getenv("NO_COLOR") == nullptr;
@@ -43,7 +62,8 @@ int main(int argc, char** argv) {
                                  .outIsTerminal = outIsTerminal,
                                  .files = &files,
                                  .stateFolder = xdg::stateFolder(),
-                                 .wait = sleepFor};
+                                 .wait = sleepFor,
+                                 .openCalendars = openCalendars};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();
