@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/ManualRunLoop.h"
 #include "core/stores/ItemFlagStore.h"
 #include "core/stores/TodoStore.h"
 #include "linux/system/LocalCloudFiles.h"
@@ -71,19 +72,7 @@ private:
 
 class HeldQueues : public WorkQueueFactory {
 public:
-    std::unique_ptr<WorkQueue> makeQueue(std::string) override {
-        auto queue = std::make_unique<HeldTasks>();
-        latest = queue.get();
-        return queue;
-    }
-    HeldTasks* latest = nullptr;
-};
-
-class IdleLoop : public RunLoop {
-public:
-    void post(Task) override {}
-    Subscription after(Seconds, Task) override { return {}; }
-    Subscription every(Seconds, Task) override { return {}; }
+    std::unique_ptr<WorkQueue> makeQueue(std::string) override { return std::make_unique<HeldTasks>(); }
 };
 
 struct Machine {
@@ -93,7 +82,7 @@ struct Machine {
     PosixFileSystem disk;
     LocalCloudFiles cloud;
     HeldQueues queues;
-    IdleLoop loop;
+    ManualRunLoop loop;
     StoreFiles files{{disk, cloud, clock, loop, queues, sleepFor}, state.path()};
 };
 
@@ -124,7 +113,8 @@ void measureToggle() {
     const auto toggle = [&] {
         const Uuid id = store.todos()[(next += 7919) % count].id;
         const double time = seconds([&] { store.toggle(id); });
-        machine.queues.latest->drain();
+        machine.files.drain();
+        machine.loop.runPosted();
         return time;
     };
     const TodoState copy{store.todos(), store.lastImportDay(), store.dismissed()};
@@ -169,7 +159,8 @@ void measureMemory() {
         const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
         TodoStore store(machine.files, machine.folder.path());
         store.toggle(store.todos()[0].id);
-        machine.queues.latest->drain();
+        machine.files.drain();
+        machine.loop.runPosted();
         const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
         std::printf("memory of a store with %zu todos: %.0f bytes each\n", count,
                     static_cast<double>(after - before) / static_cast<double>(count));
@@ -238,7 +229,8 @@ void measureFlagging() {
     const BriefingItem item("**Sign the NDA** before noon");
     const auto flag = [&] {
         const double time = seconds([&] { store.togglePrio(item); });
-        machine.queues.latest->drain();
+        machine.files.drain();
+        machine.loop.runPosted();
         return time;
     };
     std::printf("one flag with both files handed over, 20 of each kept: %.1f us\n", medians(101, {flag})[0] * 1e6);

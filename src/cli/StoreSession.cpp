@@ -11,10 +11,10 @@
 namespace sunpane::cli {
 
 StoreSession::StoreSession(Environment& environment, const std::string& folder)
-    : environment_(environment), folder_(folder), loop_(std::make_unique<CommandLoop>()) {
+    : environment_(environment), folder_(folder) {
     files_ =
         std::make_unique<StoreFiles>(StoreFiles::Ports{*environment.files, environment.cloudFiles, environment.clock,
-                                                       *loop_, environment.queues, environment.wait},
+                                                       loop_, environment.queues, environment.wait},
                                      environment.stateFolder);
 }
 
@@ -56,7 +56,7 @@ bool StoreSession::finish() {
     const auto unwritten = [this] { return (todos_ && todos_->hasUnwritten()) || (flags_ && flags_->hasUnwritten()); };
     files_->drain();
     for (int round = 0; round < maximumRounds && unwritten(); ++round) {
-        loop_->runPosted();
+        loop_.runPosted();
         files_->drain();
     }
     if (!unwritten()) return true;

@@ -7,14 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "base/ManualRunLoop.h"
 #include "cli/Command.h"
 #include "core/stores/ItemFlagStore.h"
 #include "core/stores/StoreFiles.h"
 #include "core/stores/TodoStore.h"
 
 namespace sunpane::cli {
-
-class CommandLoop;
 
 /// The stores of one folder for the time of one command. What it changes is in the files when `finish` returns true.
 class StoreSession {
@@ -39,7 +38,7 @@ public:
 private:
     Environment& environment_;
     std::string folder_;
-    std::unique_ptr<CommandLoop> loop_;
+    ManualRunLoop loop_;
     std::unique_ptr<StoreFiles> files_;
     std::unique_ptr<TodoStore> todos_;
     std::unique_ptr<ItemFlagStore> flags_;

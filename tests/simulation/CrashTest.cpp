@@ -10,7 +10,6 @@
 #include <functional>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <string>
@@ -18,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/ManualRunLoop.h"
 #include "core/stores/ItemFlagStore.h"
 #include "core/stores/Journal.h"
 #include "core/stores/TodoStore.h"
@@ -38,36 +38,13 @@ constexpr std::int64_t keptFlags = 40;
 /// What the user did longer ago than this before a kill must be there afterwards.
 constexpr std::chrono::milliseconds acknowledgedAfter{100};
 
-class PostedLoop : public RunLoop {
-public:
-    void post(Task task) override {
-        const std::lock_guard lock(mutex_);
-        tasks_.push_back(std::move(task));
-    }
-    Subscription after(Seconds, Task) override { return {}; }
-    Subscription every(Seconds, Task) override { return {}; }
-    void run() {
-        std::vector<Task> tasks;
-        {
-            const std::lock_guard lock(mutex_);
-            tasks.swap(tasks_);
-        }
-        for (const Task& task : tasks)
-            task();
-    }
-
-private:
-    std::mutex mutex_;
-    std::vector<Task> tasks_;
-};
-
 /// Both stores on real files, with real threads.
 struct RealStores {
     SystemClock clock;
     PosixFileSystem disk;
     LocalCloudFiles cloud;
     ThreadWorkQueueFactory queues;
-    PostedLoop loop;
+    ManualRunLoop loop;
     StoreFiles files;
     TodoStore todos;
     ItemFlagStore flags;
@@ -139,7 +116,7 @@ struct Note {
         // Both changes are made now.
         note.at = Steady::now().time_since_epoch().count();
         if (write(notes, &note, sizeof note) != sizeof note) std::_Exit(1);
-        stores.loop.run();
+        stores.loop.runPosted();
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
     }
 }

@@ -261,13 +261,20 @@ TEST_F(ItemFlagStoreTest, WithNothingFlaggedTheFeedbackStillHasEverything) {
     EXPECT_TRUE(file.contains("note") && file.contains("updated"));
 }
 
-TEST_F(ItemFlagStoreTest, SurvivesARestart) {
+TEST_F(ItemFlagStoreTest, FilesThatWentWithTheirFolderComeBackWithIt) {
     store->togglePrio(march);
-    store->hide(other);
+    machine.pass(5);
     const FlagState before = state();
-    restart();
+    machine.disk.removeFolder(StoreFixture::folder);
+    machine.pass(2);
     EXPECT_EQ(state(), before);
+    machine.disk.makeFolder(StoreFixture::folder);
+    machine.pass(2);
     EXPECT_EQ(machine.content("itemflags.json"), encodeFlags(before));
+    EXPECT_EQ(feedback()["prio"].size(), 1U);
+    machine.disk.removeExternally(StoreFixture::path("itemflags.json"));
+    machine.pass(10);
+    EXPECT_EQ(machine.content("itemflags.json"), "(no file)") << "someone meant to remove it";
 }
 
 TEST_F(ItemFlagStoreTest, MendsWhatALoadedFileLeavesOut) {

@@ -301,18 +301,6 @@ TEST_F(TodoStoreTest, AChangeBuildsOnWhatAnotherProgramHasJustWritten) {
     EXPECT_THAT(texts(), ElementsAre("theirs again", "next"));
 }
 
-TEST_F(TodoStoreTest, StartsEmptyOnAFileThatDoesNotDecodeAndKeepsIt) {
-    store.reset();
-    machine.disk.writeExternally(StoreFixture::path("todos.json"), R"({"todos":[{"text":"half"}]})");
-    restart();
-    EXPECT_THAT(texts(), IsEmpty());
-    store->add("a");
-    machine.settle();
-    EXPECT_EQ(machine.disk.filesIn(StoreFixture::folder).size(), 2U);
-    restart();
-    EXPECT_THAT(texts(), ElementsAre("a"));
-}
-
 TEST_F(TodoStoreTest, LeavesNoTimerBehind) {
     store->add("a");
     machine.settle();
