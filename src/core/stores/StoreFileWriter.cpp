@@ -126,10 +126,20 @@ bool StoreFileWriter::takeNext() {
 void StoreFileWriter::begin() {
     if (!takeNext()) return;
     isWriting_ = true;
+    if (!journal_) claimJournal();
     isJournaled_ = journal_ && journal_->note(written_, base_);
     journalPath_ = isJournaled_ ? journal_->notedPath() : "";
     isNextNoted_ = false;
     postToSyncQueue(&StoreFileWriter::write);
+}
+
+// At the start there was none to be had.
+void StoreFileWriter::claimJournal() {
+    for (int index = 0; index < Journal::maximumJournals && !journal_; ++index) {
+        auto journal = Journal::take(place_, index);
+        // What a dead program left goes first.
+        if (journal && journal->unfinished().empty()) journal_ = std::move(journal);
+    }
 }
 
 // What was handed over during a write must not wait for the end of it to be safe.

@@ -76,6 +76,7 @@ private:
     // it; the others run on the store queue, which is left free for the journal.
     void process();
     void begin();
+    void claimJournal();
     void noteAhead();
     void write();
     void completeWrite();
@@ -116,7 +117,7 @@ private:
     std::uint64_t adoptions_ = 0;
 
     std::vector<std::function<void()>> currentCompletions_;
-    // Null when too many programs have one.
+    // Null when there was none to be had yet.
     std::unique_ptr<Journal> journal_;
     // When the journals of dead programs were last found in order, by their indices.
     std::array<std::optional<FileTime>, Journal::maximumJournals> settledAt_;

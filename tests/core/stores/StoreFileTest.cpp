@@ -309,6 +309,13 @@ TEST(StoreFile, WithoutAStateFolderTheFileIsReplacedAsAWhole) {
     }
     machine.pass(StoreFile::retryInterval);
     EXPECT_EQ(machine.content(name), "[ab]");
+
+    // Once there is one again, it is used.
+    machine.disk.readOnlyFolders = {StoreFixture::folder};
+    store.add('c');
+    machine.settle();
+    EXPECT_TRUE(Journal::lastChange(placeOf(machine), 0));
+    EXPECT_FALSE(Journal::take(placeOf(machine), 0)) << "it is ours";
 }
 
 TEST(StoreFile, KeepsAnUnreadableFileAsideOnceBeforeReplacingIt) {
