@@ -1,11 +1,12 @@
 #include "cli/PlayingCommand.h"
+#include "base/ManualRunLoop.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 
-#include "cli/CommandLoop.h"
+#include "base/ManualRunLoop.h"
 #include "cli/TerminalText.h"
 #include "nowplaying/NowPlaying.h"
 
@@ -50,7 +51,7 @@ public:
 
 private:
     std::shared_ptr<const PlayerPorts> players_;
-    CommandLoop loop_;
+    ManualRunLoop loop_;
     std::unique_ptr<WorkQueue> queue_;
     NoArtwork artwork_;
     NowPlaying nowPlaying_;

@@ -4,7 +4,6 @@
 #include <ostream>
 #include <utility>
 
-#include "cli/CommandLoop.h"
 #include "cli/TerminalText.h"
 #include "core/briefing/FolderBriefingProvider.h"
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/ManualRunLoop.h"
 #include "cli/Command.h"
-#include "cli/CommandLoop.h"
 #include "cli/ProcessInterrupt.h"
 #include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/system/InotifyFolderEvents.h"
@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
     LocalCloudFiles cloudFiles;
     PosixFileSystem files;
     cli::ProcessInterrupt interrupt;
-    cli::CommandLoop loop;
+    ManualRunLoop loop;
     const auto openCalendars = [&](const Clock& at) {
         // Whoever starts this program by hand wants it to read the calendars.
         auto store = std::make_unique<DesktopCalendarStore>(
