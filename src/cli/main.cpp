@@ -12,6 +12,7 @@
 #include "cli/Command.h"
 #include "cli/ProcessInterrupt.h"
 #include "linux/calendar/DesktopCalendarStore.h"
+#include "linux/players/PlayerAdapters.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"

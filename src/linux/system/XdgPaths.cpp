@@ -30,8 +30,12 @@ std::string homeFolder() {
     return "/";
 }
 
+std::string configHome() {
+    return absoluteVariable("XDG_CONFIG_HOME", homeFolder() + "/.config");
+}
+
 std::string configFolder() {
-    return absoluteVariable("XDG_CONFIG_HOME", homeFolder() + "/.config").append(ownFolder);
+    return configHome().append(ownFolder);
 }
 
 std::string dataFolder() {

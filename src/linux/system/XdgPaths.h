@@ -8,6 +8,8 @@ namespace sunpane::xdg {
 
 /// `$HOME`, or the user database's entry when that is not set.
 std::string homeFolder();
+/// `$XDG_CONFIG_HOME`, where every program has a folder of its own.
+std::string configHome();
 /// `$XDG_CONFIG_HOME/dawnly`
 std::string configFolder();
 /// `$XDG_DATA_HOME/dawnly`
