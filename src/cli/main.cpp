@@ -49,6 +49,15 @@ int main(int argc, char** argv) {
         store->loadNow(longestReading);
         return std::unique_ptr<CalendarStore>(std::move(store));
     };
+    const auto connectPlayers = [&] {
+        struct Connection {
+            explicit Connection(const UserDefaults& settings) : adapters(settings) {}
+            PlayerAdapters adapters;
+            cli::PlayerPorts ports{adapters.scripts, adapters.applications, adapters.audio, adapters.scripts};
+        };
+        const auto connection = std::make_shared<Connection>(defaults);
+        return std::shared_ptr<const cli::PlayerPorts>(connection, &connection->ports);
+    };
     const char* terminal = std::getenv("TERM");
     const bool outIsTerminal = isatty(STDOUT_FILENO) == 1 && terminal != nullptr &&
                                std::string_view(terminal) != "dumb" && std::getenv("NO_COLOR") == nullptr;
@@ -64,6 +73,7 @@ int main(int argc, char** argv) {
                                  .files = &files,
                                  .stateFolder = xdg::stateFolder(),
                                  .wait = sleepFor,
+                                 .connectPlayers = connectPlayers,
                                  .openCalendars = openCalendars};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
