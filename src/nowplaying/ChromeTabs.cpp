@@ -123,7 +123,7 @@ Track trackOf(const Tab& tab) {
                 .pageURL = tab.url};
     if (isYouTubeVideo(tab)) {
         track.artist = youTubeName;
-        if (text::hasSuffix(track.title, youTubeTitleEnding)) {
+        if (track.title.ends_with(youTubeTitleEnding)) {
             track.title.resize(track.title.size() - youTubeTitleEnding.size());
         }
         if (const auto video = videoOf(tab.url)) {
