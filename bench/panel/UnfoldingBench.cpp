@@ -10,6 +10,9 @@
 #include <cstdio>
 #include <vector>
 
+#include "calendar/CalendarFallback.h"
+#include "calendar/MeetingWatcher.h"
+#include "dawnly/MissingServices.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/ToolkitChoice.h"
@@ -22,6 +25,9 @@
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
+#include "nowplaying/NowPlaying.h"
+#include "reminders/PendingNotifications.h"
+#include "reminders/ReminderScheduler.h"
 #include "views/RootWindow.h"
 
 namespace {
@@ -66,8 +72,29 @@ int main(int argc, char* argv[]) {
     PosixFileSystem files;
     StoreFiles storeFiles({files, cloudFiles, clock, runLoop, queues, sleepFor}, xdg::stateFolder());
     X11Events events;
-    NotchViewModel model(
-        {clock, runLoop, notifications, defaults, {clock, queues, folderEvents, cloudFiles}, storeFiles});
+    NoCalendars calendars;
+    NoNotifications notificationService;
+    PendingNotifications notificationCenter({notificationService, clock, runLoop, files, queues},
+                                            xdg::stateFolder() + "/notifications.json");
+    ReminderScheduler reminders(notificationCenter, clock);
+    CalendarFallback calendar(calendars, defaults, clock);
+    MeetingWatcher meetings({calendars, calendar, reminders, clock, runLoop});
+    NoScripts scripts;
+    NoApplications applications;
+    NoAudio audio;
+    NoMediaCommands mediaCommands;
+    NoArtwork artwork;
+    const auto scriptQueue = queues.makeQueue(NowPlaying::queueLabel);
+    NowPlaying nowPlaying({runLoop, *scriptQueue, scripts, applications, audio, mediaCommands, artwork});
+    NotchViewModel model({clock,
+                          runLoop,
+                          notifications,
+                          defaults,
+                          {clock, queues, folderEvents, cloudFiles},
+                          storeFiles,
+                          calendar,
+                          meetings,
+                          nowPlaying});
     model.start();
 
     QtWorkspace workspace;

@@ -204,6 +204,7 @@ void NotchViewModel::setExpanded(bool expanded) {
     expanded_ = expanded;
     if (expanded) hasUnread_ = false;
     with_.meetings.setActive(expanded);
+    with_.nowPlaying.setActive(expanded);
 }
 
 const Briefing* NotchViewModel::current() const {

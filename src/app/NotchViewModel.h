@@ -21,6 +21,7 @@
 #include "core/stores/ItemFlagStore.h"
 #include "core/stores/StoreFiles.h"
 #include "core/stores/TodoStore.h"
+#include "nowplaying/NowPlaying.h"
 #include "platform/UserDefaults.h"
 
 namespace sunpane {
@@ -57,6 +58,7 @@ public:
         StoreFiles& storeFiles;
         CalendarFallback& calendar;
         MeetingWatcher& meetings;
+        NowPlaying& nowPlaying;
     };
 
     explicit NotchViewModel(const Collaborators& collaborators);
@@ -66,6 +68,7 @@ public:
     void start();
 
     /// Folds the panel open or shut. Opening it marks everything as read and looks for the next meeting.
+    /// What plays is followed while it is open.
     void setExpanded(bool expanded);
 
     TodoStore& todoStore() { return todoStore_; }

@@ -27,6 +27,7 @@
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
 #include "notch/NotchController.h"
+#include "nowplaying/NowPlaying.h"
 #include "reminders/PendingNotifications.h"
 #include "reminders/ReminderScheduler.h"
 #include "views/ThemeStore.h"
@@ -67,6 +68,14 @@ private:
     sunpane::ReminderScheduler reminders_{notificationCenter_, clock_};
     sunpane::CalendarFallback calendar_{calendars_, defaults_, clock_};
     sunpane::MeetingWatcher meetings_{{calendars_, calendar_, reminders_, clock_, runLoop_}};
+    sunpane::NoScripts scripts_;
+    sunpane::NoApplications applications_;
+    sunpane::NoAudio audio_;
+    sunpane::NoMediaCommands mediaCommands_;
+    sunpane::NoArtwork artwork_;
+    std::unique_ptr<sunpane::WorkQueue> scriptQueue_ = queues_.makeQueue(sunpane::NowPlaying::queueLabel);
+    sunpane::NowPlaying nowPlaying_{
+        {runLoop_, *scriptQueue_, scripts_, applications_, audio_, mediaCommands_, artwork_}};
     sunpane::NotchViewModel viewModel_{{clock_,
                                         runLoop_,
                                         notifications_,
@@ -74,7 +83,8 @@ private:
                                         {clock_, queues_, folderEvents_, cloudFiles_},
                                         storeFiles_,
                                         calendar_,
-                                        meetings_}};
+                                        meetings_,
+                                        nowPlaying_}};
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
     sunpane::QtWorkspace workspace_;
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};

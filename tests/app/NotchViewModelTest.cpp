@@ -11,6 +11,7 @@
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
+#include "support/SimulatedPlayers.h"
 #include "support/SimulatedUserDefaults.h"
 #include "support/TemporaryFolder.h"
 
@@ -31,6 +32,7 @@ struct NotchViewModelTest : ::testing::Test {
                           "/state"};
     LocalNotifications notifications;
     testing::SimulatedAgenda agenda{platform, defaults};
+    testing::SimulatedPlayers players{platform};
     std::optional<NotchViewModel> model;
 
     void SetUp() override {
@@ -42,7 +44,8 @@ struct NotchViewModelTest : ::testing::Test {
                                                     {platform.clock, platform.queues, folderEvents, cloudFiles},
                                                     storeFiles,
                                                     agenda.fallback,
-                                                    agenda.meetings});
+                                                    agenda.meetings,
+                                                    players.nowPlaying});
     }
     void start() {
         model->start();
@@ -301,6 +304,20 @@ TEST_F(NotchViewModelAgendaTest, OpeningThePanelLooksForTheNextMeeting) {
     platform.time.runPending();
     ASSERT_TRUE(agenda.meetings.next());
     EXPECT_EQ(agenda.meetings.next()->title, "Call");
+}
+
+TEST_F(NotchViewModelTest, WhatPlaysIsFollowedWhileThePanelIsOpen) {
+    start();
+    players.applications.running.emplace("com.apple.Music");
+    const auto looks = [&] { return players.scripts.timesSent(player_scripts::query(Player::music)); };
+    platform.time.advance(10);
+    EXPECT_EQ(looks(), 0U);
+    model->setExpanded(true);
+    platform.time.advance(2);
+    EXPECT_EQ(looks(), 2U);
+    notifications.post(notification::collapseNotch);
+    platform.time.advance(10);
+    EXPECT_EQ(looks(), 2U);
 }
 
 TEST_F(NotchViewModelTest, ARevealedTodoIsHighlightedForThreeSeconds) {

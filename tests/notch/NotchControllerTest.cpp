@@ -9,6 +9,7 @@
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
+#include "support/SimulatedPlayers.h"
 #include "support/SimulatedUserDefaults.h"
 #include "support/TemporaryFolder.h"
 
@@ -35,6 +36,7 @@ struct NotchControllerTest : ::testing::Test {
                           "/state"};
     LocalNotifications notifications;
     testing::SimulatedAgenda agenda{platform, defaults};
+    testing::SimulatedPlayers players{platform};
     std::optional<NotchViewModel> model;
     std::optional<NotchController> controller;
     std::string report;
@@ -48,7 +50,8 @@ struct NotchControllerTest : ::testing::Test {
                                                     {platform.clock, platform.queues, folderEvents, cloudFiles},
                                                     storeFiles,
                                                     agenda.fallback,
-                                                    agenda.meetings});
+                                                    agenda.meetings,
+                                                    players.nowPlaying});
         controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
                                                           broadcasts, *model, [] { return std::string("glass"); },
                                                           [this](const std::string& json) { report = json; }});

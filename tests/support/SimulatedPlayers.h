@@ -13,12 +13,14 @@
 #include <vector>
 
 #include "base/WorkQueue.h"
+#include "nowplaying/NowPlaying.h"
 #include "nowplaying/PlayerScripts.h"
 #include "platform/ArtworkLoader.h"
 #include "platform/AudioProcesses.h"
 #include "platform/MediaCommands.h"
 #include "platform/RunningApplications.h"
 #include "platform/ScriptRunner.h"
+#include "support/SimulatedPlatform.h"
 
 namespace sunpane::testing {
 
@@ -100,6 +102,21 @@ public:
 inline std::shared_ptr<const Artwork> pixel(std::uint8_t shade) {
     return std::make_shared<const Artwork>(Artwork{1, 1, {shade, shade, shade, 255}});
 }
+
+/// The now-playing source on a simulated desktop, for whoever needs one whole.
+struct SimulatedPlayers {
+    explicit SimulatedPlayers(SimulatedPlatform& platform)
+        : queue(platform.time, NowPlaying::queueLabel),
+          nowPlaying({platform.runLoop, queue, scripts, applications, audio, mediaCommands, covers}) {}
+
+    SimulatedWorkQueue queue;
+    SimulatedScripts scripts;
+    SimulatedApplications applications;
+    SimulatedAudio audio;
+    SimulatedMediaCommands mediaCommands;
+    SimulatedArtwork covers;
+    NowPlaying nowPlaying;
+};
 
 /// A queue whose thread can be stuck: tasks run when the test runs them.
 class HeldWorkQueue : public WorkQueue {
