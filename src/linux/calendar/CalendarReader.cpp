@@ -66,11 +66,7 @@ void CalendarReader::start() {
         askService();
     }
     check();
-    poll_ = ports_.queue.every(pollInterval, [this] {
-        check();
-        // A service that went away tells nothing when it comes back.
-        if (service_ && serviceCalendars_.empty()) askService();
-    });
+    poll_ = ports_.queue.every(pollInterval, [this] { check(); });
 }
 
 void CalendarReader::check() {
@@ -179,11 +175,13 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
     serviceDeadline_ = {};
     serviceAsked_ = false;
     const bool first = !std::exchange(serviceSettled_, true);
+    bool complete = answer.has_value();
     if (answer) {
         std::vector<ServiceCalendar> known = std::move(serviceCalendars_);
         serviceCalendars_.clear();
         for (auto& calendar : *answer) {
             ServiceCalendar taken{std::move(calendar.info), {}};
+            complete = complete && calendar.text.has_value();
             const auto before = std::find_if(known.begin(), known.end(), [&](const ServiceCalendar& each) {
                 return each.info.identifier == taken.info.identifier;
             });
@@ -198,7 +196,19 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
         }
     }
     if (answer || first) publish();
+    if (complete) {
+        retryDelay_ = firstRetry;
+        serviceRetry_ = {};
+    } else {
+        retryLater();
+    }
     if (serviceChangedMeanwhile_) askService();
+}
+
+// A service that died or was away tells nothing when it comes back.
+void CalendarReader::retryLater() {
+    serviceRetry_ = ports_.queue.after(retryDelay_, [this] { askService(); });
+    retryDelay_ = std::min(2 * retryDelay_, longestRetry);
 }
 
 CalendarSnapshot::Part CalendarReader::toPart(std::size_t calendar, Parsed& parsed) const {

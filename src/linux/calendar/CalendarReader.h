@@ -33,6 +33,9 @@ public:
     static constexpr Seconds servicePatience{5};
     /// A service that has not answered for this long (s) is asked again, and a new event counts as not written.
     static constexpr Seconds serviceTimeout{30};
+    /// A calendar of the service that could not be read is tried again this long (s) after, then ever less often.
+    static constexpr Seconds firstRetry{2};
+    static constexpr Seconds longestRetry{600};
     /// How many days before and after today a snapshot covers.
     static constexpr int daysBefore = 7;
     static constexpr int daysAfter = 35;
@@ -92,6 +95,7 @@ private:
 
     void askService();
     void serviceChanged();
+    void retryLater();
     void serviceAnswered(std::optional<std::vector<CalendarService::Calendar>> answer);
     void addAnswered(std::uint64_t number, const CalendarService::Added& added, const std::string& uid,
                      const std::string& text);
@@ -122,6 +126,7 @@ private:
     bool serviceAsked_ = false;
     bool serviceChangedMeanwhile_ = false;
     bool serviceSettled_ = false;
+    Seconds retryDelay_ = firstRetry;
     std::map<std::uint64_t, PendingAdd> pendingAdds_;
     std::uint64_t nextAdd_ = 0;
 
@@ -130,6 +135,7 @@ private:
     Subscription patience_;
     Subscription serviceDeadline_;
     Subscription serviceSettle_;
+    Subscription serviceRetry_;
     // Goes first: it may still be calling.
     std::unique_ptr<CalendarService> service_;
 };
