@@ -12,6 +12,7 @@
 #include "cli/Command.h"
 #include "cli/ProcessInterrupt.h"
 #include "linux/calendar/DesktopCalendarStore.h"
+#include "linux/calendar/eds/EdsModule.h"
 #include "linux/players/PlayerAdapters.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
@@ -43,9 +44,9 @@ int main(int argc, char** argv) {
     ManualRunLoop loop;
     const auto openCalendars = [&](const Clock& at) {
         // Whoever starts this program by hand wants it to read the calendars.
-        auto store = std::make_unique<DesktopCalendarStore>(
-            DesktopCalendarStore::Ports{at, loop, queues, folderEvents, files, defaults,
-                                        xdg::dataFolder() + "/calendars", nullptr, nullptr, CalendarAccess::full});
+        auto store = std::make_unique<DesktopCalendarStore>(DesktopCalendarStore::Ports{
+            at, loop, queues, folderEvents, files, defaults, xdg::dataFolder() + "/calendars", nullptr, edsCalendars(),
+            CalendarAccess::full});
         store->loadNow(longestReading);
         return std::unique_ptr<CalendarStore>(std::move(store));
     };

@@ -1,5 +1,6 @@
 """Calendars of a real Evolution Data Server, beside the files that the user keeps."""
 
+import json
 import os
 import signal
 import time
@@ -58,6 +59,10 @@ class CalendarsTest(unittest.TestCase):
         self.assertNotEqual(first.group(2), second.group(2))
         starts = [time.mktime(time.strptime(each.group(1), "%Y-%m-%dT%H:%M:%SZ")) for each in (first, second)]
         self.assertEqual(starts[1] - starts[0], 86400)
+
+        agenda = json.loads(session.run(f"{PROGRAMS}/dawnlyctl", "agenda", "--json"))
+        self.assertEqual(agenda["access"], "full")
+        self.assertEqual(agenda["next"]["title"], "Standup")
 
         probe.write("From the panel; with a semicolon")
         identifier = probe.wait_for("added (eds:.*)").group(1)
