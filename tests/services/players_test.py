@@ -1,0 +1,207 @@
+"""What plays, on real peers: a media player on the session bus, a browser with tabs, a sound server. They are looked at
+and controlled through the command-line companion, and judged by what they themselves say."""
+
+import functools
+import http.server
+import json
+import math
+import os
+import signal
+import struct
+import threading
+import time
+import unittest
+import urllib.request
+import wave
+
+from session import PROGRAMS, Session
+
+MEDIA_HOST = "untitled.stream"
+PAGE = "<!DOCTYPE html><title>{title}</title><audio src=/tone.wav loop {attributes}></audio>"
+# Tells in its title whether it plays.
+ATTRIBUTES = "autoplay onpause=\"document.title='silent'\" onplay=\"document.title='A set | ||| of \\\\ songs'\""
+
+
+class QuietHandler(http.server.SimpleHTTPRequestHandler):
+    def log_message(self, *_):
+        pass
+
+
+def write_tone(path, seconds=120):
+    with wave.open(path, "wb") as tone:
+        tone.setparams((1, 2, 8000, 0, "NONE", ""))
+        second = b"".join(struct.pack("<h", int(3000 * math.sin(i * math.tau / 20))) for i in range(8000))
+        tone.writeframes(second * seconds)
+
+
+class PlayersTest(unittest.TestCase):
+    def setUp(self):
+        self.session = Session()
+        self.addCleanup(self.session.close)
+        self.home = self.session.home
+
+    def dawnlyctl(self, *arguments):
+        return self.session.run(f"{PROGRAMS}/dawnlyctl", *arguments, check=False)
+
+    def playing(self):
+        return json.loads(self.dawnlyctl("playing", "--json"))
+
+    def wait_until(self, what, holds, timeout=20):
+        deadline = time.monotonic() + timeout
+        while True:
+            last = what()
+            if holds(last):
+                return last
+            self.assertLess(time.monotonic(), deadline, f"still {last}")
+            time.sleep(0.1)
+
+    def wait_for_track(self, **fields):
+        return self.wait_until(self.playing, lambda track: track is not None and fields.items() <= track.items())
+
+    def start_sound_server(self):
+        self.session.start("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
+                           "--disable-shm=yes", "-L", "module-native-protocol-unix", "-L",
+                           "module-null-sink sink_name=null")
+        self.wait_until(lambda: self.session.run("pactl", "info", check=False), lambda text: "Server Name" in text)
+
+    def mute(self):
+        return self.session.run("pactl", "get-sink-mute", "@DEFAULT_SINK@").strip()
+
+    def start_probe(self):
+        return self.session.start(f"{PROGRAMS}/player_probe")
+
+    def ask(self, probe, question):
+        probe.write(question)
+        return json.loads(probe.wait_for(".*").group())
+
+    def start_player(self, *files):
+        """A player whose tracks are titled after their files."""
+        for file in files:
+            write_tone(f"{self.home}/{file}")
+        return self.session.start("mpv", "--no-config", "--no-video", "--no-terminal", "--ao=pulse",
+                                  "--loop-playlist", "--script=/usr/lib/mpv-mpris/mpris.so",
+                                  *(f"{self.home}/{file}" for file in files))
+
+    def test_a_player_is_shown_paused_resumed_and_skipped(self):
+        self.start_sound_server()
+        self.assertIsNone(self.playing())
+        self.start_player("first.wav", "second.wav")
+        track = self.wait_for_track(title="first.wav", playing=True)
+        self.assertEqual((track["player"], track["chromeTabID"], track["pageURL"]), ("music", 0, None))
+        self.dawnlyctl("play-pause")
+        self.wait_for_track(title="first.wav", playing=False)
+        self.dawnlyctl("next")
+        self.wait_for_track(title="second.wav")
+        self.dawnlyctl("previous")
+        self.wait_for_track(title="first.wav")
+        self.dawnlyctl("play-pause")
+        self.wait_for_track(title="first.wav", playing=True)
+
+    def test_mute_flips_the_sound_servers_own(self):
+        self.dawnlyctl("mute")
+        self.start_sound_server()
+        self.assertEqual(self.mute(), "Mute: no")
+        self.dawnlyctl("mute")
+        self.assertEqual(self.mute(), "Mute: yes")
+        self.dawnlyctl("mute")
+        self.assertEqual(self.mute(), "Mute: no")
+
+    def test_the_player_that_played_last_counts_even_beside_one_that_never_answers(self):
+        self.start_sound_server()
+        probe = self.start_probe()
+        self.assertEqual(self.ask(probe, "running"), [])
+        self.assertIsNone(self.ask(probe, "music"))
+        stuck = self.start_player("stuck.wav")
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "playing|||stuck.wav|||")
+        self.start_player("late.wav")
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "playing|||late.wav|||")
+        # The media key pauses the newer one, and what goes on playing is then the older one.
+        self.ask(probe, "key")
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "playing|||stuck.wav|||")
+        self.assertEqual(self.ask(probe, "running"), ["com.apple.Music"])
+
+        stuck.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(stuck.process.send_signal, signal.SIGCONT)
+        start = time.monotonic()
+        self.assertIsNone(self.ask(probe, "music"))
+        self.assertLess(time.monotonic() - start, 3)
+        # To someone who has just come, only the one that answers has ever played or paused.
+        start = time.monotonic()
+        self.dawnlyctl("playing")
+        self.assertLess(time.monotonic() - start, 6)
+        stuck.process.kill()
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "paused|||late.wav|||")
+
+    def serve_pages(self):
+        folder = f"{self.home}/pages"
+        os.mkdir(folder)
+        write_tone(f"{folder}/tone.wav")
+        for name, title, attributes in (("set", "opening", ATTRIBUTES), ("article", "An article", "")):
+            with open(f"{folder}/{name}.html", "w", encoding="utf-8") as page:
+                page.write(PAGE.format(title=title, attributes=attributes))
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0),
+                                                 functools.partial(QuietHandler, directory=folder))
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        return server.server_address[1]
+
+    def start_browser(self, page_port, url):
+        """A browser with the profile that it has when nobody chooses one, listening for debuggers."""
+        profile = f"{self.home}/.config/chromium"
+        self.session.start("chromium", "--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic",
+                           "--no-first-run", "--disable-background-networking", "--disable-component-update",
+                           "--disable-sync", "--disable-features=HttpsUpgrades", "--remote-debugging-port=0",
+                           "--autoplay-policy=no-user-gesture-required", f"--user-data-dir={profile}",
+                           f"--host-resolver-rules=MAP * 127.0.0.1:{page_port}", url)
+        port_file = f"{profile}/DevToolsActivePort"
+        self.wait_until(lambda: os.path.exists(port_file) and os.path.getsize(port_file) > 20, bool, timeout=40)
+        with open(port_file, encoding="ascii") as file:
+            return int(file.readline())
+
+    def open_page(self, port, url):
+        request = urllib.request.Request(f"http://127.0.0.1:{port}/json/new?{url}", method="PUT")
+        urllib.request.urlopen(request, timeout=10).close()
+
+    def pages(self, port):
+        """Address and title of the browser's tabs, the one that was shown last first."""
+        with urllib.request.urlopen(f"http://127.0.0.1:{port}/json/list", timeout=10) as answer:
+            return [(page["url"], page["title"]) for page in json.load(answer) if page["type"] == "page"]
+
+    def test_a_browser_tab_is_found_paused_resumed_and_shown(self):
+        self.start_sound_server()
+        page_port = self.serve_pages()
+        media, article = f"http://{MEDIA_HOST}/set.html", "http://news.example/article.html"
+        port = self.start_browser(page_port, media)
+        title = "A set | ||| of \\ songs"
+        self.wait_until(lambda: self.pages(port), lambda pages: (media, title) in pages)
+        self.open_page(port, article)
+        self.wait_until(lambda: self.pages(port), lambda pages: pages[0] == (article, "An article"))
+
+        track = self.wait_for_track(player="youtube", playing=True)
+        self.assertEqual((track["title"], track["artist"], track["pageURL"], track["chromeWindow"]),
+                         (title.replace("|||", "||"), MEDIA_HOST, media, 1))
+        probe = self.start_probe()
+        self.assertEqual(self.ask(probe, "running"), ["com.google.Chrome"])
+        tabs = [line.split("|||") for line in self.ask(probe, "tabs").splitlines()]
+        self.assertEqual([(tab[2], tab[4]) for tab in tabs], [("0", media), ("1", article)])
+        number = tabs[0][3]
+
+        self.dawnlyctl("play-pause")
+        self.wait_until(lambda: self.pages(port), lambda pages: (media, "silent") in pages)
+        self.wait_until(self.playing, lambda paused: paused is None)
+        self.assertEqual(self.ask(probe, f"toggle {number}"), "ok")
+        self.wait_until(lambda: self.pages(port), lambda pages: (media, title) in pages)
+        self.wait_for_track(player="youtube", playing=True)
+        self.assertEqual(self.ask(probe, f"toggle {tabs[1][3]}"), "ok")
+        self.assertEqual(self.ask(probe, "toggle 99"), "gone")
+
+        self.assertEqual(self.pages(port)[0][0], article)
+        self.assertEqual(self.ask(probe, f"show {number}"), "ok")
+        self.wait_until(lambda: self.pages(port), lambda pages: pages[0][0] == media)
+        tabs = [line.split("|||") for line in self.ask(probe, "tabs").splitlines()]
+        self.assertEqual([(tab[2], tab[3]) for tab in tabs], [("1", number), ("0", tabs[1][3])])
+
+
+if __name__ == "__main__":
+    unittest.main()
