@@ -5,10 +5,13 @@ set -euo pipefail
 program=$1 picture=$2
 here=$(dirname "$(readlink -f "$0")")
 
-mkdir -p "$HOME/briefings" "$HOME/.config/dawnly"
-printf '{"briefingsFolderPath": "%s"}\n' "$HOME/briefings" >"$HOME/.config/dawnly/defaults.json"
+mkdir -p "$HOME/briefings" "$HOME/.config/dawnly" "$HOME/.local/share/dawnly/calendars"
+printf '{"briefingsFolderPath": "%s", "calendarAccess": "fullAccess"}\n' "$HOME/briefings" >"$HOME/.config/dawnly/defaults.json"
 sed "s/^# .*/# Morning Briefing, $(date '+%A %-d %B')/" "$here/sample-briefing.md" >"$HOME/briefings/$(date +%F).md"
 printf '# Yesterday\n### Notes\n- Nothing new\n' >"$HOME/briefings/$(date -d yesterday +%F).md"
+at() { date -u -d "$1" +%Y%m%dT%H%M%SZ; }
+sed "s/@now@/$(at now)/; s/@start@/$(at '12 minutes')/; s/@end@/$(at '57 minutes')/" "$here/sample-calendar.ics" \
+  >"$HOME/.local/share/dawnly/calendars/Work.ics"
 
 hsetroot -add '#34446f' -add '#b0667e' -add '#e8b478' -gradient 0
 picom --backend xrender --config /dev/null >/dev/null 2>&1 &

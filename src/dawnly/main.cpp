@@ -11,7 +11,9 @@
 #include "dawnly/MissingServices.h"
 #include "dawnly/PanelAssembly.h"
 #include "dawnly/TerminationSignals.h"
+#include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
+#include "linux/desktop/DesktopNotificationService.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtScreens.h"
 #include "linux/desktop/QtWorkspace.h"
@@ -30,6 +32,7 @@
 #include "nowplaying/NowPlaying.h"
 #include "reminders/PendingNotifications.h"
 #include "reminders/ReminderScheduler.h"
+#include "views/CalendarPrompt.h"
 #include "views/ThemeStore.h"
 
 namespace {
@@ -43,6 +46,10 @@ public:
         expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand",
                                                [this] { notifications_.post(sunpane::notification::revealTodo); });
         controller_.show();
+        wakes_ = workspace_.observeWake([this] {
+            notificationCenter_.wallClockChanged();
+            meetings_.refresh(false);
+        });
     }
 
 private:
@@ -61,8 +68,12 @@ private:
     sunpane::X11EventMonitors monitors_{x11Events_};
     sunpane::DBusDistributedNotifications distributed_;
     sunpane::ThemeStore theme_{defaults_};
-    sunpane::NoCalendars calendars_;
-    sunpane::NoNotifications notificationService_;
+    sunpane::CalendarPrompt calendarPrompt_;
+    sunpane::DesktopCalendarStore calendars_{
+        {clock_, runLoop_, queues_, folderEvents_, files_, defaults_, sunpane::xdg::dataFolder() + "/calendars",
+         [this](std::function<void(sunpane::CalendarAccess)> answer) { calendarPrompt_.ask(std::move(answer)); },
+         nullptr, std::nullopt}};
+    sunpane::DesktopNotificationService notificationService_;
     sunpane::PendingNotifications notificationCenter_{{notificationService_, clock_, runLoop_, files_, queues_},
                                                       sunpane::xdg::stateFolder() + "/notifications.json"};
     sunpane::ReminderScheduler reminders_{notificationCenter_, clock_};
@@ -88,11 +99,13 @@ private:
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
     sunpane::QtWorkspace workspace_;
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
-    sunpane::PanelAssembly windows_{{viewModel_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
+    sunpane::PanelAssembly windows_{{viewModel_, meetings_, runLoop_, clock_, notifications_, defaults_, workspace_},
+                                    x11Events_};
     sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
                                           [this] { return theme_.themeName(); },
                                           [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
     sunpane::Subscription expandRequests_;
+    sunpane::Subscription wakes_;
 };
 
 }  // namespace

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <string>
+
+#include "base/Subscription.h"
 
 namespace sunpane {
 
@@ -15,6 +18,9 @@ public:
     /// Opens an address in the user's browser. Only `http` and `https` addresses are opened. Returns at once; without a
     /// browser nothing happens.
     virtual void openUrl(const std::string& url) = 0;
+
+    /// Calls `handler` after the machine woke from sleep.
+    [[nodiscard]] virtual Subscription observeWake(std::function<void()> handler) = 0;
 
     /// Ends this program in good order.
     virtual void terminate() = 0;

@@ -5,6 +5,7 @@
 
 #include "views/BriefSelection.h"
 #include "views/InlineMarkdown.h"
+#include "views/MeetingText.h"
 
 namespace sunpane {
 namespace {
@@ -17,23 +18,32 @@ QString toQt(const std::string& text) {
 
 BriefColumnModel::BriefColumnModel(QObject* parent) : QAbstractListModel(parent) {}
 
-BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap,
-                                                const ItemFlagStore& flags) {
+int BriefColumnModel::flagsOf(const BriefingItem& item, const Context& context) {
+    const std::string key(item.id());
+    int flags = context.flags.isPrio(key) ? priorityFlag : 0;
+    if (context.flags.isCleared(key)) flags |= clearedFlag;
+    if (const auto join = meeting_text::joinInfo(item.markdown(), context.now, context.calendar)) {
+        flags |= joinableFlag | (join->imminent ? imminentFlag : 0);
+    }
+    return flags;
+}
+
+BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap, const Context& context) {
     Row row;
     row.sectionId = section.id;
     row.title = toQt(rendered(section.title));
     row.spokenTitle = toQt(plainText(section.title));
     row.intro = toQt(rendered(section.intro));
     row.recap = recap;
-    row.shown =
-        brief_selection::visibleItems(section, [&](std::string_view key) { return flags.isHidden(std::string(key)); });
+    row.shown = brief_selection::visibleItems(
+        section, [&](std::string_view key) { return context.flags.isHidden(std::string(key)); });
     row.itemCount = static_cast<int>(row.shown.size());
     if (row.shown.size() > maximumItems) row.shown.erase(row.shown.begin() + maximumItems, row.shown.end());
     for (const BriefingItem& item : row.shown) {
-        const std::string key(item.id());
-        row.items.append(toQt(rendered(item.markdown())));
-        row.spokenItems.append(toQt(plainText(item.markdown())));
-        row.flags.append((flags.isPrio(key) ? priorityFlag : 0) | (flags.isCleared(key) ? clearedFlag : 0));
+        const std::string markdown = meeting_text::displayMarkdown(item.markdown());
+        row.items.append(toQt(rendered(markdown)));
+        row.spokenItems.append(toQt(plainText(markdown)));
+        row.flags.append(flagsOf(item, context));
     }
     return row;
 }
@@ -51,12 +61,17 @@ void BriefColumnModel::replaceRow(int index, Row next) {
 }
 
 void BriefColumnModel::show(const BriefingSection* recap, const std::vector<BriefingSection>& sections,
-                            const ItemFlagStore& flags) {
+                            const ItemFlagStore& flags, const Clock& clock) {
+    const LocalCalendar calendar(clock);
+    const Context context{flags, clock.now(), calendar};
     std::vector<Row> next;
-    if (recap != nullptr) next.push_back(makeRow(*recap, true, flags));
+    if (recap != nullptr) next.push_back(makeRow(*recap, true, context));
     const std::size_t shown = std::min(sections.size(), maximumSections);
     for (std::size_t i = 0; i < shown; ++i)
-        next.push_back(makeRow(sections[i], false, flags));
+        next.push_back(makeRow(sections[i], false, context));
+
+    const auto leftOut = static_cast<int>(sections.size() - shown);
+    if (std::exchange(leftOut_, leftOut) != leftOut) emit leftOutChanged();
 
     const std::size_t common = std::min(rows_.size(), next.size());
     for (std::size_t i = 0; i < common; ++i)
@@ -110,6 +125,8 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
             return row.itemCount;
         case recapRole:
             return row.recap;
+        case missedRole:
+            return row.sectionId == brief_selection::missedPrioritiesId;
         default:
             return {};
     }
@@ -118,7 +135,8 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
 QHash<int, QByteArray> BriefColumnModel::roleNames() const {
     return {{sectionIdRole, "sectionId"}, {titleRole, "title"},         {spokenTitleRole, "spokenTitle"},
             {introRole, "intro"},         {itemsRole, "items"},         {spokenItemsRole, "spokenItems"},
-            {flagsRole, "flags"},         {itemCountRole, "itemCount"}, {recapRole, "recap"}};
+            {flagsRole, "flags"},         {itemCountRole, "itemCount"}, {recapRole, "recap"},
+            {missedRole, "missed"}};
 }
 
 }  // namespace sunpane

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "base/Text.h"
+#include "core/stores/ItemFlagStore.h"
 
 namespace sunpane::brief_selection {
 
@@ -47,6 +48,28 @@ std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>&
         visible.push_back(section);
     }
     return visible;
+}
+
+std::optional<BriefingSection> droppedPrioSection(const std::vector<BriefingSection>& sections,
+                                                  const std::map<std::string, std::string>& prio) {
+    if (prio.empty()) return std::nullopt;
+    std::string everything;
+    for (const auto& section : sections) {
+        everything.append(section.title).append(" ").append(section.intro).append(" ");
+        for (const auto& item : section.items)
+            everything.append(item.markdown()).append(" ");
+    }
+    const auto mentioned = ItemFlagStore::significantWords(everything);
+    std::vector<std::string> missed;
+    for (const auto& [key, text] : prio) {
+        if (!ItemFlagStore::sameTopic(ItemFlagStore::significantWords(text), mentioned)) missed.push_back(text);
+    }
+    if (missed.empty()) return std::nullopt;
+    std::sort(missed.begin(), missed.end());
+    BriefingSection section{missedPrioritiesId, "⚡ Priorities the brief missed", {}, {}};
+    for (const auto& text : missed)
+        section.items.emplace_back("**" + text + "**");
+    return section;
 }
 
 }  // namespace sunpane::brief_selection

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,5 +30,13 @@ std::vector<BriefingItem> visibleItems(const BriefingSection& section, const IsH
 /// The sections that fold open one at a time, in document order: all but the recap and those with nothing to show, so
 /// that a section whose cards are all hidden tidies itself away. Their items are still complete.
 std::vector<BriefingSection> visibleSections(const std::vector<BriefingSection>& sections, const IsHidden& isHidden);
+
+/// The id of the section that holds the priorities which the briefing no longer mentions.
+inline constexpr int missedPrioritiesId = -99;
+
+/// The priorities (texts by key) whose topic appears nowhere in `sections`, as a section with one card each, sorted by
+/// text; absent when there are none. Meant for today's briefing: an older one cannot know of them.
+std::optional<BriefingSection> droppedPrioSection(const std::vector<BriefingSection>& sections,
+                                                  const std::map<std::string, std::string>& prio);
 
 }  // namespace sunpane::brief_selection

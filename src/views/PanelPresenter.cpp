@@ -7,7 +7,10 @@
 #include <utility>
 
 #include "base/Dates.h"
+#include "calendar/JoinLink.h"
 #include "views/BriefSelection.h"
+#include "views/InlineMarkdown.h"
+#include "views/MeetingText.h"
 #include "views/PanelLayout.h"
 
 namespace sunpane {
@@ -16,6 +19,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
     : with_(collaborators), measures_(measures), self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
+    meetingChanges_ = with_.meetings.onWillChange([this] { scheduleRefresh(); });
     refresh();
 }
 
@@ -36,6 +40,10 @@ void PanelPresenter::refresh() {
     refreshPosted_ = false;
     showBriefing(with_.viewModel.current());
     showColumn();
+    showMeeting();
+    if (std::exchange(ticking_, expanded()) != expanded()) {
+        clockTimer_ = expanded() ? with_.runLoop.every(clockInterval, [this] { refresh(); }) : Subscription();
+    }
     emit changed();
 }
 
@@ -52,7 +60,8 @@ void PanelPresenter::showBriefing(const Briefing* briefing) {
         shown_ = *briefing;
         sections_ = briefing->sections();
         const BriefingSection* recap = brief_selection::recapSection(sections_);
-        title_ = QString::fromStdString(recap != nullptr ? brief_selection::recapTitle(*recap) : briefing->title);
+        title_ =
+            QString::fromStdString(plainText(recap != nullptr ? brief_selection::recapTitle(*recap) : briefing->title));
         icon_ = recap != nullptr ? QStringLiteral("moon.stars.fill") : QStringLiteral("sun.max.fill");
     }
     subtitle_ = QString::fromStdString(briefing->dateLabel(LocalCalendar(with_.clock)));
@@ -63,14 +72,37 @@ bool PanelPresenter::isHidden(const BriefingItem& item) const {
 }
 
 void PanelPresenter::showColumn() {
-    const auto visible = brief_selection::visibleSections(
+    auto visible = brief_selection::visibleSections(
         sections_, [this](std::string_view key) { return with_.viewModel.flagStore().isHidden(std::string(key)); });
-    column_.show(brief_selection::recapSection(sections_), visible, with_.viewModel.flagStore());
+    if (shown_ && LocalCalendar(with_.clock).isSameDay(shown_->date, with_.clock.now())) {
+        if (auto missed = brief_selection::droppedPrioSection(sections_, with_.viewModel.flagStore().state().prio))
+            visible.push_back(*std::move(missed));
+    }
+    column_.show(brief_selection::recapSection(sections_), visible, with_.viewModel.flagStore(), with_.clock);
     hidden_.clear();
     for (const auto& section : sections_) {
         std::copy_if(section.items.begin(), section.items.end(), std::back_inserter(hidden_),
                      [this](const BriefingItem& item) { return isHidden(item); });
     }
+}
+
+void PanelPresenter::showMeeting() {
+    meeting_ = with_.meetings.next();
+    if (!meeting_) return;  // what was shown of it stays while it leaves the screen
+    const Instant now = with_.clock.now();
+    meetingTitle_ = QString::fromStdString(meeting_->title);
+    meetingTime_ = QString::fromStdString(meeting_text::timeLine(*meeting_, now, LocalCalendar(with_.clock)));
+    meetingImminent_ = meeting_text::isImminent(meeting_->start, now);
+}
+
+void PanelPresenter::joinMeeting() {
+    if (canJoinMeeting()) with_.workspace.openUrl(*meeting_->joinURL);
+}
+
+void PanelPresenter::joinCard(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return;
+    if (const auto url = joinURL(item->markdown())) with_.workspace.openUrl(*url);
 }
 
 void PanelPresenter::togglePriority(int sectionId, int index) {
@@ -104,6 +136,7 @@ qreal PanelPresenter::expandedHeight() const {
     panel_layout::Content content;
     content.notchHeight = measures_.notch.height;
     content.maxCardHeight = measures_.maxCardHeight;
+    content.hasNextMeeting = meeting_.has_value();
     content.hasSections = !sections_.empty();
     content.briefContentHeight = with_.viewModel.briefContentHeight();
     return panel_layout::expandedHeight(content);

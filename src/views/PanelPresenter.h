@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/NotchViewModel.h"
+#include "calendar/MeetingWatcher.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
 #include "views/SpringCurve.h"
@@ -31,16 +32,24 @@ class PanelPresenter : public QObject {
     /// The id of the one section that is open; -1 when none is.
     Q_PROPERTY(int openSection READ openSection NOTIFY openSectionChanged)
     Q_PROPERTY(sunpane::BriefColumnModel* column READ column CONSTANT)
+    /// Whether there is a next meeting to show, and what is shown of it.
+    Q_PROPERTY(bool hasMeeting READ hasMeeting NOTIFY changed)
+    Q_PROPERTY(QString meetingTitle READ meetingTitle NOTIFY changed)
+    Q_PROPERTY(QString meetingTime READ meetingTime NOTIFY changed)
+    Q_PROPERTY(bool canJoinMeeting READ canJoinMeeting NOTIFY changed)
+    Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
     Q_PROPERTY(qreal notchWidth READ notchWidth CONSTANT)
     Q_PROPERTY(qreal notchHeight READ notchHeight CONSTANT)
     Q_PROPERTY(qreal cardWidth READ cardWidth CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve unfoldSpring READ unfoldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve foldSpring READ foldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve accordionSpring READ accordionSpring CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve scheduleSpring READ scheduleSpring CONSTANT)
 
 public:
     struct Collaborators {
         NotchViewModel& viewModel;
+        MeetingWatcher& meetings;
         RunLoop& runLoop;
         Clock& clock;
         LocalNotifications& notifications;
@@ -70,12 +79,18 @@ public:
     qreal expandedHeight() const;
     int openSection() const { return openSection_.value_or(-1); }
     BriefColumnModel* column() { return &column_; }
+    bool hasMeeting() const { return meeting_.has_value(); }
+    const QString& meetingTitle() const { return meetingTitle_; }
+    const QString& meetingTime() const { return meetingTime_; }
+    bool canJoinMeeting() const { return meeting_ && meeting_->joinURL; }
+    bool meetingImminent() const { return meetingImminent_; }
     qreal notchWidth() const { return measures_.notch.width; }
     qreal notchHeight() const { return measures_.notch.height; }
     qreal cardWidth() const { return measures_.cardWidth; }
     SpringCurve unfoldSpring() const { return unfoldSpring_; }
     SpringCurve foldSpring() const { return foldSpring_; }
     SpringCurve accordionSpring() const { return accordionSpring_; }
+    SpringCurve scheduleSpring() const { return scheduleSpring_; }
 
     Q_INVOKABLE void older() { with_.viewModel.older(); }
     Q_INVOKABLE void newer() { with_.viewModel.newer(); }
@@ -87,6 +102,9 @@ public:
     Q_INVOKABLE void togglePriority(int sectionId, int index);
     Q_INVOKABLE void toggleCleared(int sectionId, int index);
     Q_INVOKABLE void hideCard(int sectionId, int index);
+    /// Opens the link of the meeting that a card, or the strip, is about.
+    Q_INVOKABLE void joinCard(int sectionId, int index);
+    Q_INVOKABLE void joinMeeting();
     /// An open menu keeps the panel from folding.
     Q_INVOKABLE void setMenuOpen(bool open);
     /// Brings the hidden cards of the briefing on screen back.
@@ -102,10 +120,14 @@ signals:
     void openSectionChanged();
 
 private:
+    /// While the panel is open, what depends on the time is shown anew this often (s).
+    static constexpr Seconds clockInterval = 20;
+
     void scheduleRefresh();
     void refresh();
     void showBriefing(const Briefing* briefing);
     void showColumn();
+    void showMeeting();
     bool isHidden(const BriefingItem& item) const;
 
     Collaborators with_;
@@ -121,6 +143,15 @@ private:
     SpringCurve unfoldSpring_{Spring{0.38, 0.82}};
     SpringCurve foldSpring_{Spring{0.3, 0.95}};
     SpringCurve accordionSpring_{Spring{0.35, 0.78}};
+    SpringCurve scheduleSpring_{MeetingWatcher::animation};
+    std::optional<Meeting> meeting_;
+    QString meetingTitle_;
+    QString meetingTime_;
+    bool meetingImminent_ = false;
+    // Ticks only while the panel is open.
+    Subscription clockTimer_;
+    bool ticking_ = false;
+    Subscription meetingChanges_;
     Subscription modelChanges_;
     Subscription flagChanges_;
     bool refreshPosted_ = false;

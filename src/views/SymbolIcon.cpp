@@ -4,6 +4,7 @@
 #include <QPainterPath>
 #include <QPolygonF>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -53,6 +54,106 @@ void drawMoon(QPainter& painter, const QColor& color) {
     painter.drawPath(star(QPointF(8.6, 1.4), 2.6));
 }
 
+void drawVideo(QPainter& painter, const QColor& color) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(QRectF(-11, -6.5, 14.5, 13), 3, 3);
+    painter.setPen(QPen(color, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.drawPolygon(QPolygonF{QPointF(5.5, -1.6), QPointF(10.2, -5), QPointF(10.2, 5), QPointF(5.5, 1.6)});
+}
+
+void drawCalendar(QPainter& painter, const QColor& color) {
+    painter.setPen(QPen(color, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(-9, -8, 18, 17), 3, 3);
+    painter.drawLine(QPointF(-9, -3), QPointF(9, -3));
+    painter.drawLine(QPointF(-4.5, -10.5), QPointF(-4.5, -7));
+    painter.drawLine(QPointF(4.5, -10.5), QPointF(4.5, -7));
+}
+
+void drawTriangle(QPainter& painter, const QColor& color, qreal left, qreal right) {
+    painter.setPen(QPen(color, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPolygon(QPolygonF{QPointF(left, -6.5), QPointF(right, 0), QPointF(left, 6.5)});
+}
+
+void drawPlay(QPainter& painter, const QColor& color) {
+    drawTriangle(painter, color, -5.5, 7.5);
+}
+
+void drawPause(QPainter& painter, const QColor& color) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(QRectF(-7, -8, 5, 16), 1.6, 1.6);
+    painter.drawRoundedRect(QRectF(2, -8, 5, 16), 1.6, 1.6);
+}
+
+void drawForward(QPainter& painter, const QColor& color) {
+    drawTriangle(painter, color, -9.5, -0.5);
+    drawTriangle(painter, color, 0.5, 9.5);
+}
+
+void drawBackward(QPainter& painter, const QColor& color) {
+    painter.rotate(180);
+    drawForward(painter, color);
+}
+
+void drawLoudspeaker(QPainter& painter, const QColor& color) {
+    painter.setPen(QPen(color, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPolygon(QPolygonF{QPointF(-10, -3.2), QPointF(-6.5, -3.2), QPointF(-1.5, -7.5), QPointF(-1.5, 7.5),
+                                  QPointF(-6.5, 3.2), QPointF(-10, 3.2)});
+    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap));
+    painter.setBrush(Qt::NoBrush);
+}
+
+void drawSpeaker(QPainter& painter, const QColor& color) {
+    drawLoudspeaker(painter, color);
+    constexpr int sixteenthsOfADegree = 16;
+    for (const qreal radius : {4.0, 8.0}) {
+        painter.drawArc(QRectF(1 - radius, -radius, 2 * radius, 2 * radius), -45 * sixteenthsOfADegree,
+                        90 * sixteenthsOfADegree);
+    }
+}
+
+void drawMutedSpeaker(QPainter& painter, const QColor& color) {
+    drawLoudspeaker(painter, color);
+    painter.drawLine(QPointF(3, -3.5), QPointF(10, 3.5));
+    painter.drawLine(QPointF(3, 3.5), QPointF(10, -3.5));
+}
+
+void drawNote(QPainter& painter, const QColor& color) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawEllipse(QPointF(-4.8, 6.5), 3.4, 2.7);
+    painter.drawEllipse(QPointF(5.6, 4.7), 3.4, 2.7);
+    painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(QPolygonF{QPointF(-2.4, 6), QPointF(-2.4, -6.5), QPointF(8, -8.6), QPointF(8, 4.2)});
+}
+
+struct Symbol {
+    const char* name;
+    void (*draw)(QPainter&, const QColor&);
+};
+
+constexpr std::array symbols = {
+    Symbol{"chevron.right", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 0); }},
+    Symbol{"chevron.left", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 180); }},
+    Symbol{"chevron.down", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 90); }},
+    Symbol{"sun.max.fill", drawSun},
+    Symbol{"moon.stars.fill", drawMoon},
+    Symbol{"video.fill", drawVideo},
+    Symbol{"calendar", drawCalendar},
+    Symbol{"play.fill", drawPlay},
+    Symbol{"pause.fill", drawPause},
+    Symbol{"forward.fill", drawForward},
+    Symbol{"backward.fill", drawBackward},
+    Symbol{"speaker.wave.2.fill", drawSpeaker},
+    Symbol{"speaker.slash.fill", drawMutedSpeaker},
+    Symbol{"music.note", drawNote},
+};
+
 }  // namespace
 
 SymbolIcon::SymbolIcon(QQuickItem* parent) : QQuickPaintedItem(parent) {
@@ -78,16 +179,8 @@ void SymbolIcon::paint(QPainter* painter) {
     painter->translate(width() / 2, height() / 2);
     const qreal scale = std::min(width(), height()) / side;
     painter->scale(scale, scale);
-    if (symbol_ == QLatin1String("chevron.right")) {
-        drawChevron(*painter, color_, 0);
-    } else if (symbol_ == QLatin1String("chevron.left")) {
-        drawChevron(*painter, color_, 180);
-    } else if (symbol_ == QLatin1String("chevron.down")) {
-        drawChevron(*painter, color_, 90);
-    } else if (symbol_ == QLatin1String("sun.max.fill")) {
-        drawSun(*painter, color_);
-    } else if (symbol_ == QLatin1String("moon.stars.fill")) {
-        drawMoon(*painter, color_);
+    for (const Symbol& symbol : symbols) {
+        if (symbol_ == QLatin1String(symbol.name)) return symbol.draw(*painter, color_);
     }
 }
 

@@ -6,8 +6,8 @@
 
 namespace sunpane {
 
-/// Draws one of the panel's symbols as vectors, crisp at every scale: "chevron.left", "chevron.right",
-/// "chevron.down", "sun.max.fill", "moon.stars.fill". An unknown name draws nothing.
+/// Draws one of the panel's symbols as vectors, crisp at every scale, such as "chevron.left" or "play.fill". An unknown
+/// name draws nothing.
 class SymbolIcon : public QQuickPaintedItem {
     Q_OBJECT
     Q_PROPERTY(QString symbol READ symbol WRITE setSymbol NOTIFY symbolChanged)

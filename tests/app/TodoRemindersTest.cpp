@@ -148,6 +148,7 @@ TEST_F(TodoRemindersTest, AListThatCouldNotBeReadCancelsNothing) {
 struct NoWorkspace : Workspace {
     void revealFolder(const std::string& /*path*/) override {}
     void openUrl(const std::string& url) override { opened.push_back(url); }
+    Subscription observeWake(std::function<void()> /*handler*/) override { return {}; }
     void terminate() override {}
     std::vector<std::string> opened;
 };

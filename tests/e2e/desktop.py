@@ -57,7 +57,7 @@ class Screenshot:
 
 
 class Desktop:
-    def __init__(self, compositor=False, window_manager=False):
+    def __init__(self, compositor=False, window_manager=False, calendar_access="denied"):
         self.home = tempfile.mkdtemp(prefix="dawnly-e2e-")
         self.briefings = os.path.join(self.home, "briefings")
         os.mkdir(self.briefings)
@@ -68,7 +68,10 @@ class Desktop:
         self.environment.pop("WAYLAND_DISPLAY", None)
         os.makedirs(self.home + "/config/dawnly")
         with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
-            json.dump({"briefingsFolderPath": self.briefings}, defaults)
+            settings = {"briefingsFolderPath": self.briefings}
+            if calendar_access is not None:  # otherwise the program asks
+                settings["calendarAccess"] = calendar_access
+            json.dump(settings, defaults)
         self._start_server()
         self._start_bus()
         self.run("xsetroot", "-solid", "#c84090")
@@ -131,6 +134,31 @@ class Desktop:
         with open(os.path.join(self.briefings, name), "w") as briefing:
             briefing.write(text)
 
+    def write_calendar(self, name, *events):
+        """A calendar of events: (summary, start, end, further lines), the times in seconds since 1970."""
+        folder = self.home + "/data/dawnly/calendars"
+        os.makedirs(folder, exist_ok=True)
+        lines = ["BEGIN:VCALENDAR", "VERSION:2.0", "PRODID:-//Dawnly//Test//EN"]
+        for index, (summary, start, end, *further) in enumerate(events):
+            lines += ["BEGIN:VEVENT", "UID:%s-%d@test" % (name, index), "SUMMARY:" + summary]
+            for key, at in (("DTSTAMP", start), ("DTSTART", start), ("DTEND", end)):
+                lines.append(key + ":" + time.strftime("%Y%m%dT%H%M%SZ", time.gmtime(at)))
+            lines += [*further, "END:VEVENT"]
+        # As a whole, or the program might read half of it.
+        with open(folder + "/.new", "w") as file:
+            file.write("\r\n".join(lines + ["END:VCALENDAR", ""]))
+        os.rename(folder + "/.new", folder + "/" + name + ".ics")
+
+    def catch_addresses(self):
+        """From now on, what the program opens in a browser is listed in the file that is returned."""
+        opened = self.home + "/opened"
+        os.makedirs(self.home + "/bin")
+        with open(self.home + "/bin/xdg-open", "w") as script:
+            script.write('#!/bin/sh\nprintf "%%s\\n" "$1" >>"%s"\n' % opened)
+        os.chmod(self.home + "/bin/xdg-open", 0o755)
+        self.environment["PATH"] = self.home + "/bin:" + self.environment["PATH"]
+        return opened
+
     def move(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
 
@@ -170,6 +198,12 @@ class Desktop:
     def screenshot(self):
         with open(self.framebuffer, "rb") as dump:
             return Screenshot(dump.read())
+
+    def search(self, title):
+        """The windows on screen that bear this title."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"], env=self.environment,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
+        return found.stdout.decode().split()
 
     def focused_window(self):
         return self.run("xdotool", "getwindowfocus").decode().strip()

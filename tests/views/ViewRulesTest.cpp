@@ -64,6 +64,19 @@ TEST(BriefSelection, SectionsWhoseCardsAreAllHiddenTidyThemselvesAway) {
     EXPECT_TRUE(brief_selection::visibleItems(visible[1], hidden).empty());
 }
 
+TEST(BriefSelection, PrioritiesThatTheBriefingNoLongerMentionsFormASection) {
+    const auto sections = briefing("### Inbox\nThe invoice is paid.\n- **Standup** with the platform team").sections();
+    const std::map<std::string, std::string> prio{
+        {"a", "Renew the passport"}, {"b", "Platform standup at ten"}, {"c", "Call Anna"}, {"d", "Invoice paid"}};
+    const auto missed = brief_selection::droppedPrioSection(sections, prio);
+    ASSERT_TRUE(missed);
+    EXPECT_EQ(missed->id, -99);
+    EXPECT_EQ(missed->title, "⚡ Priorities the brief missed");
+    EXPECT_EQ(missed->items, (std::vector{BriefingItem("**Call Anna**"), BriefingItem("**Renew the passport**")}));
+    EXPECT_FALSE(brief_selection::droppedPrioSection(sections, {{"d", "Invoice paid"}}));
+    EXPECT_FALSE(brief_selection::droppedPrioSection(sections, {}));
+}
+
 TEST(InlineMarkdown, StylesWhatHasAPartnerAndEscapesTheRest) {
     struct Case {
         const char* markdown;

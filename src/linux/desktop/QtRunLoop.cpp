@@ -11,6 +11,9 @@
 namespace sunpane {
 namespace {
 
+// Coarse timers may be off by a twentieth; up to here that would show, beyond it saves wake-ups.
+constexpr Seconds longestPrecise = 10;
+
 /// The timer behind a subscription. Lives on the main thread; the subscription may be cancelled on any.
 struct TimerSlot {
     std::unique_ptr<QTimer> timer;
@@ -44,7 +47,7 @@ Subscription QtRunLoop::startTimer(Seconds interval, bool repeats, Task task) {
         if (slot->cancelled) return;
         slot->timer = std::make_unique<QTimer>();
         slot->timer->setSingleShot(!repeats);
-        slot->timer->setTimerType(interval < 1 ? Qt::PreciseTimer : Qt::CoarseTimer);
+        slot->timer->setTimerType(interval <= longestPrecise ? Qt::PreciseTimer : Qt::CoarseTimer);
         slot->timer->setInterval(static_cast<int>(std::lround(interval * 1000)));
         // The task is copied out: it may cancel its own timer and with it the copy that the connection holds.
         QObject::connect(slot->timer.get(), &QTimer::timeout, [task] {

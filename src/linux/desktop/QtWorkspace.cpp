@@ -1,10 +1,20 @@
 #include "linux/desktop/QtWorkspace.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QDesktopServices>
 #include <QUrl>
+#include <utility>
 
 namespace sunpane {
+
+QtWorkspace::QtWorkspace() {
+    // Without a system bus or a login manager nothing is ever heard.
+    QDBusConnection::systemBus().connect(QStringLiteral("org.freedesktop.login1"),
+                                         QStringLiteral("/org/freedesktop/login1"),
+                                         QStringLiteral("org.freedesktop.login1.Manager"),
+                                         QStringLiteral("PrepareForSleep"), this, SLOT(prepareForSleep(bool)));
+}
 
 void QtWorkspace::revealFolder(const std::string& path) {
     QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
@@ -15,6 +25,14 @@ void QtWorkspace::openUrl(const std::string& url) {
     // The address may come from anyone who sends an invitation.
     const bool isWeb = parsed.scheme() == QLatin1String("http") || parsed.scheme() == QLatin1String("https");
     if (isWeb && !parsed.host().isEmpty()) QDesktopServices::openUrl(parsed);
+}
+
+Subscription QtWorkspace::observeWake(std::function<void()> handler) {
+    return wakeHandlers_.add(std::move(handler));
+}
+
+void QtWorkspace::prepareForSleep(bool begins) {
+    if (!begins) wakeHandlers_.call();
 }
 
 void QtWorkspace::terminate() {

@@ -38,6 +38,8 @@ Flickable {
                 if (section)
                     total += section.targetHeight + (i > 0 ? spacing : 0);
             }
+            if (leftOut.visible)
+                total += leftOut.implicitHeight + spacing;
             if (hiddenCards.visible)
                 total += hiddenCards.implicitHeight + spacing;
             settledHeight = total;
@@ -57,11 +59,21 @@ Flickable {
                 spring: column.presenter.accordionSpring
                 animated: column.presenter.expanded
                 onToggled: column.presenter.toggleSection(sectionId)
+                onJoinRequested: (index) => column.presenter.joinCard(sectionId, index)
                 onTargetHeightChanged: Qt.callLater(rows.measure)
                 onCardMenuRequested: (card, index, x, y, byKeyboard) => column.cardMenuRequested(card, sectionId, index, x, y, byKeyboard)
             }
         }
 
+        Text {
+            id: leftOut
+            visible: column.presenter.column.leftOut > 0
+            text: Style.counted(column.presenter.column.leftOut, qsTr("1 more section in the file"), qsTr("%1 more sections in the file"))
+            color: Style.tertiaryText
+            font.family: Style.family
+            font.pixelSize: Style.captionSize
+            onVisibleChanged: Qt.callLater(rows.measure)
+        }
         TextButton {
             id: hiddenCards
             visible: column.presenter.hiddenCards > 0
@@ -73,6 +85,7 @@ Flickable {
     }
 
     Text {
+        parent: column
         visible: !column.presenter.hasBriefing
         anchors.centerIn: parent
         width: Math.min(implicitWidth, parent.width)
@@ -82,6 +95,8 @@ Flickable {
         color: Style.secondaryText
         font.family: Style.family
         font.pixelSize: Style.bodySize
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 
     Rectangle {

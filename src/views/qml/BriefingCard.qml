@@ -95,12 +95,41 @@ Item {
         }
     }
 
+    // Comes down from under the header and fades in.
+    Item {
+        id: schedule
+        readonly property bool shown: card.presenter.hasMeeting
+        property real shownPart: shown ? 1 : 0
+        x: Style.margin
+        anchors.top: header.bottom
+        anchors.topMargin: 14
+        width: parent.width - 2 * Style.margin
+        height: (strip.implicitHeight + Style.gap) * shownPart
+        visible: shownPart > 0
+        clip: shownPart < 1
+        opacity: shownPart
+
+        Behavior on shownPart {
+            enabled: card.presenter.expanded
+            NumberAnimation {
+                duration: card.presenter.scheduleSpring.duration
+                easing: card.presenter.scheduleSpring.curve
+            }
+        }
+        ScheduleBento {
+            id: strip
+            presenter: card.presenter
+            width: parent.width
+            height: implicitHeight
+            y: parent.height - height - Style.gap
+        }
+    }
+
     BriefColumn {
         id: column
         presenter: card.presenter
         x: Style.margin
-        anchors.top: header.bottom
-        anchors.topMargin: 14
+        anchors.top: schedule.bottom
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Style.margin + 8
         width: parent.width - 2 * Style.margin

@@ -49,25 +49,11 @@ Item {
         hoverEnabled: true
         onClicked: button.press()
     }
-    Rectangle {
-        id: tooltip
-        visible: area.containsMouse && !area.pressed
+    Tooltip {
+        text: button.label
+        shown: area.containsMouse && !area.pressed
         anchors.top: parent.bottom
         anchors.topMargin: 6
         anchors.right: parent.right
-        width: tooltipText.implicitWidth + 14
-        height: tooltipText.implicitHeight + 8
-        radius: 6
-        color: "#3a3638"
-        border.color: Style.hairline
-        z: 10
-        Text {
-            id: tooltipText
-            anchors.centerIn: parent
-            text: button.label
-            color: Style.text
-            font.family: Style.family
-            font.pixelSize: Style.captionSize
-        }
     }
 }

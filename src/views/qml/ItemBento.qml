@@ -8,13 +8,16 @@ Rectangle {
     required property string spoken
     property bool priority: false
     property bool cleared: false
+    property bool joinable: false
+    property bool imminent: false
+    signal joinRequested
     signal menuRequested(real x, real y, bool byKeyboard)
     readonly property bool inColumn: true
 
     radius: Style.cardRadius
     color: priority ? Style.priorityCard : Style.card
     border.color: priority ? Style.priorityEdge : "transparent"
-    implicitHeight: label.implicitHeight + 17
+    implicitHeight: Math.max(label.implicitHeight + 17, joinable ? join.height + 12 : 0)
     activeFocusOnTab: true
 
     Accessible.role: Accessible.ListItem
@@ -36,7 +39,7 @@ Rectangle {
         id: label
         x: 10
         y: 9
-        width: parent.width - 20
+        width: parent.width - 20 - (card.joinable ? join.width + Style.gap : 0)
         text: card.markup
         textFormat: Text.StyledText
         wrapMode: Text.Wrap
@@ -57,5 +60,15 @@ Rectangle {
         anchors.fill: parent
         acceptedButtons: Qt.RightButton
         onClicked: (mouse) => card.menuRequested(mouse.x, mouse.y, false)
+    }
+    JoinCapsule {
+        id: join
+        anchors.right: parent.right
+        anchors.rightMargin: Style.gap
+        y: 6
+        visible: card.joinable
+        meeting: card.spoken
+        imminent: card.imminent
+        onClicked: card.joinRequested()
     }
 }

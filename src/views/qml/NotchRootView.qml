@@ -86,7 +86,7 @@ FocusScope {
     }
 
     UnreadIndicator {
-        visible: root.presenter.hasUnread && root.folded
+        visible: root.presenter.hasUnread
         x: (root.width + root.presenter.notchWidth) / 2 - width - 14
         y: (root.presenter.notchHeight - height) / 2
     }

@@ -52,6 +52,15 @@ Item {
         }
     }
 
+    // A click into another program moves the keyboard there.
+    Connections {
+        target: menu.Window.window
+        function onActiveChanged() {
+            if (!menu.Window.window.active)
+                menu.close();
+        }
+    }
+
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.AllButtons

@@ -14,10 +14,13 @@ Item {
     required property var flags
     required property int itemCount
     required property bool recap
+    // Priorities that the briefing does not mention.
+    required property bool missed
     required property bool isOpen
     required property var spring
     property bool animated: false
     signal toggled
+    signal joinRequested(int index)
     signal cardMenuRequested(Item card, int index, real x, real y, bool byKeyboard)
 
     readonly property bool unfolded: recap || isOpen
@@ -79,7 +82,7 @@ Item {
             textFormat: Text.StyledText
             elide: Text.ElideRight
             maximumLineCount: 1
-            color: Style.text
+            color: section.missed ? Style.priority : Style.text
             font.family: Style.family
             font.pixelSize: Style.bodySize
             font.weight: Font.DemiBold
@@ -171,6 +174,9 @@ Item {
                         spoken: section.spokenItems[index] ?? ""
                         priority: ((section.flags[index] ?? 0) & 1) !== 0
                         cleared: ((section.flags[index] ?? 0) & 2) !== 0
+                        joinable: ((section.flags[index] ?? 0) & 4) !== 0
+                        imminent: ((section.flags[index] ?? 0) & 8) !== 0
+                        onJoinRequested: section.joinRequested(index)
                         onMenuRequested: (x, y, byKeyboard) => section.cardMenuRequested(this, index, x, y, byKeyboard)
                     }
                 }

@@ -25,6 +25,13 @@ QtObject {
     readonly property color remove: "#ff453a"
     readonly property color focus: "#0a84ff"
 
+    readonly property color meeting: Qt.rgba(0.188, 0.82, 0.345, 0.11)
+    readonly property color meetingEdge: Qt.rgba(0.188, 0.82, 0.345, 0.30)
+    readonly property color joinQuiet: Qt.rgba(0.188, 0.82, 0.345, 0.14)
+    readonly property color joinEdge: Qt.rgba(0.188, 0.82, 0.345, 0.45)
+    // Words on an accent's own colour.
+    readonly property color onAccent: "#0b1f10"
+
     readonly property color priorityCard: Qt.rgba(1, 0.624, 0.039, 0.17)
     readonly property color priorityEdge: Qt.rgba(1, 0.624, 0.039, 0.55)
 

@@ -1,0 +1,40 @@
+#include "views/CalendarPrompt.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QUrl>
+#include <cassert>
+#include <utility>
+
+namespace sunpane {
+
+CalendarPrompt::CalendarPrompt() = default;
+CalendarPrompt::~CalendarPrompt() = default;
+
+void CalendarPrompt::ask(std::function<void(CalendarAccess)> answer) {
+    assert(!answer_);
+    answer_ = std::move(answer);
+    engine_ = std::make_unique<QQmlEngine>();
+    engine_->addImportPath(QStringLiteral("qrc:/"));
+    QQmlComponent component(engine_.get(), QUrl(QStringLiteral("qrc:/Sunpane/CalendarPromptWindow.qml")));
+    window_.reset(component.create());
+    auto* window = qobject_cast<QQuickWindow*>(window_.get());
+    if (window == nullptr) qFatal("%s", qPrintable(component.errorString()));
+    connect(window, SIGNAL(answered(QString)), this, SLOT(take(QString)));
+    window->show();
+    window->requestActivate();
+}
+
+void CalendarPrompt::take(const QString& choice) {
+    const auto answer = std::exchange(answer_, nullptr);
+    if (!answer) return;  // closing the window after a choice
+    // This runs inside the window's own signal, which must return before it goes.
+    window_->setProperty("visible", false);
+    window_.release()->deleteLater();
+    engine_.release()->deleteLater();
+    if (choice == QLatin1String("full")) return answer(CalendarAccess::full);
+    answer(choice == QLatin1String("writeOnly") ? CalendarAccess::writeOnly : CalendarAccess::denied);
+}
+
+}  // namespace sunpane

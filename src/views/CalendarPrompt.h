@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "platform/CalendarStore.h"
+
+class QQmlEngine;
+
+namespace sunpane {
+
+/// Asks the user, in a window of its own, whether the calendars may be read. Takes no memory while nothing is asked.
+/// Needs the views' types, which `RootWindow` registers. One instance, owned by the start-up code; main thread only.
+class CalendarPrompt : public QObject {
+    Q_OBJECT
+
+public:
+    CalendarPrompt();
+    ~CalendarPrompt() override;
+
+    /// Shows the window and calls `answer` with what was chosen: full, `writeOnly` or `denied`, which closing the
+    /// window also means. Not while another question is open.
+    void ask(std::function<void(CalendarAccess)> answer);
+
+private slots:
+    void take(const QString& choice);
+
+private:
+    std::function<void(CalendarAccess)> answer_;
+    std::unique_ptr<QQmlEngine> engine_;
+    std::unique_ptr<QObject> window_;
+};
+
+}  // namespace sunpane

@@ -1,0 +1,105 @@
+"""The user's calendar in the panel: the question for access, the schedule of a day without a briefing, the next meeting
+and the way into it."""
+
+import json
+import os
+import time
+import unittest
+
+from desktop import NOTCH, PANEL_RIGHT, Desktop
+
+LINK = "https://acme.zoom.us/j/123?pwd=x"
+STRIP_Y = 107
+JOIN_X = PANEL_RIGHT - 30 - 20 - 6 - 25
+# What tells a meeting from a task: somebody was invited.
+INVITED = ("ORGANIZER:mailto:a@example.org", "ATTENDEE:mailto:b@example.org")
+
+
+class Calendar(unittest.TestCase):
+    def start(self, access):
+        self.desktop = Desktop(window_manager=True, calendar_access=access)
+        self.addCleanup(self.desktop.close)
+        self.opened = self.desktop.catch_addresses()
+        return self.desktop
+
+    def write_day(self):
+        now = int(time.time())
+        self.desktop.write_calendar(
+            "Work", ("Design review", now + 720, now + 3420, "DESCRIPTION:Call: " + LINK, *INVITED),
+            ("Workshop", now + 60, now + 7200, "LOCATION:Room 4", *INVITED))
+
+    def open_panel(self):
+        self.desktop.move(*NOTCH)
+        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
+
+    def has_strip(self):
+        """Whether the strip of the next meeting is drawn: it is greener than anything else there."""
+        red, green, blue = self.desktop.screenshot().at(PANEL_RIGHT - 30 - 20 - 3, STRIP_Y)
+        return green - red > 8 and green - blue > 6
+
+    def remembered_access(self):
+        with open(self.desktop.home + "/config/dawnly/defaults.json") as file:
+            return json.load(file).get("calendarAccess")
+
+    def prompt(self):
+        """The window that asks, or nothing."""
+        found = self.desktop.search("Calendar access.*")
+        return found[0] if found else None
+
+    def opened_addresses(self):
+        if not os.path.exists(self.opened):
+            return []
+        with open(self.opened) as file:
+            return file.read().split()
+
+    def test_a_day_without_a_briefing_shows_the_schedule_and_joins_the_meeting(self):
+        d = self.start("fullAccess")
+        self.write_day()
+        d.start_program()
+        d.wait_for(lambda: d.report()["briefings"] == 1, "the schedule of the day")
+        self.open_panel()
+        self.assertTrue(self.has_strip())
+        d.click(JOIN_X, STRIP_Y)
+        d.wait_for(lambda: self.opened_addresses() == [LINK], "the meeting to be opened")
+
+        # The calendar changes while the panel is open.
+        d.write_calendar("Work")
+        d.wait_for(lambda: not self.has_strip(), "the strip to go")
+
+    def test_the_program_asks_once_and_remembers_the_answer(self):
+        d = self.start(None)
+        self.write_day()
+        program = d.start_program()
+        d.wait_for(self.prompt, "the question")
+        self.assertIsNone(self.remembered_access())
+        time.sleep(0.5)
+        d.run("xdotool", "windowfocus", "--sync", self.prompt())
+        d.key("Return")
+        d.wait_for(lambda: self.remembered_access() == "fullAccess", "the answer to be kept")
+        d.wait_for(lambda: self.prompt() is None, "the question to go")
+        d.wait_for(lambda: d.report()["briefings"] == 1, "the schedule of the day")
+        program.terminate()
+        program.wait()
+        d.start_program()
+        self.open_panel()
+        d.wait_for(self.has_strip, "the next meeting")
+        self.assertIsNone(self.prompt())
+
+    def test_a_refusal_is_kept_too(self):
+        d = self.start(None)
+        self.write_day()
+        d.start_program()
+        d.wait_for(self.prompt, "the question")
+        time.sleep(0.5)
+        d.run("xdotool", "windowfocus", "--sync", self.prompt())
+        d.key("Escape")
+        d.wait_for(lambda: self.remembered_access() == "denied", "the refusal to be kept")
+        self.open_panel()
+        self.assertFalse(self.has_strip())
+        self.assertIsNone(self.prompt())
+        self.assertEqual(d.report()["briefings"], 0)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
