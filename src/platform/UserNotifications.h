@@ -62,7 +62,8 @@ public:
     virtual void requestAuthorization(std::function<void(bool granted)> answer) = 0;
     virtual void pending(std::function<void(std::vector<NotificationRequest>)> answer) = 0;
 
-    /// Adds a request, in place of a pending one of the same identifier. One that never comes due is dropped, and so
+    /// Adds a request, in place of a pending one of the same identifier; when the trigger is the same, that one's moment
+    /// stays, even if it is due and waits to be shown. One that never comes due is dropped, and so
     /// is one that would only repeat what was shown under its identifier for the same moment.
     virtual void add(NotificationRequest request) = 0;
 

@@ -121,9 +121,13 @@ void PendingNotifications::pending(std::function<void(std::vector<NotificationRe
 
 void PendingNotifications::add(NotificationRequest request) {
     const auto found = entries_.find(request.identifier);
-    // The same again, which may be due already and wait for the service.
     if (found != entries_.end() && found->second.waiting.request == request) return;
-
+    if (found != entries_.end() && found->second.waiting.request.trigger == request.trigger) {
+        // Only what it says is new. It may be due already and wait for the service.
+        found->second.waiting.request = std::move(request);
+        save();
+        return;
+    }
     Faces faces(with_.clock);
     auto next = nextMatch(request.trigger, faces.time(request.trigger));
     while (next && wasShown(request.identifier, faces.instant(request.trigger, *next)))

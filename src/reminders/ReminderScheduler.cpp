@@ -80,7 +80,6 @@ void ReminderScheduler::schedule(const Uuid& todoID, const std::string& text, In
         const auto found = underWay_.find(request.identifier);
         if (found == underWay_.end() || found->second != number) return;
         underWay_.erase(found);
-        center_.removePending({request.identifier});
         center_.add(request);
     });
 }

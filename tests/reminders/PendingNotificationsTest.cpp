@@ -195,13 +195,14 @@ TEST_F(PendingNotificationsTest, KeepsWhatIsDueUntilThereIsAService) {
     EXPECT_EQ(service.calls, 0);
     EXPECT_THAT(waiting(), ElementsAre("a"));
     add("a", once(22, 10, 0));  // the same again does not make it the past's
+    center->add({"a", "Title", "a, reworded", {}, once(22, 10, 0)});
     NotificationAuthorization status = NotificationAuthorization::notDetermined;
     center->authorization([&](auto answer) { status = answer; });
     platform.time.runPending();
     EXPECT_EQ(status, NotificationAuthorization::denied);
     service.setAvailable(true);
     platform.time.runPending();
-    EXPECT_THAT(log, ElementsAre("a at 11-22 11:00:00"));
+    EXPECT_THAT(log, ElementsAre("a, reworded at 11-22 11:00:00"));
     center->authorization([&](auto answer) { status = answer; });
     platform.time.runPending();
     EXPECT_EQ(status, NotificationAuthorization::authorized);
