@@ -122,6 +122,8 @@ class PlayersTest(unittest.TestCase):
 
         stuck.process.send_signal(signal.SIGSTOP)
         self.addCleanup(stuck.process.send_signal, signal.SIGCONT)
+        # What it was asked just before, it may still answer.
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply is None)
         start = time.monotonic()
         self.assertIsNone(self.ask(probe, "music"))
         self.assertLess(time.monotonic() - start, 3)

@@ -103,8 +103,7 @@ TEST(Interpreter, AFailureEndsTheScriptWhereItHappens) {
         "tell application \"Spotify\" to windows",
         "tell application \"Spotify\"\nreturn name of player state\nend tell",
         "tell application \"Google Chrome\"\nrepeat with w in windows\nset title of w to 1\nend repeat\nend tell",
-        "tell application \"Google Chrome\"\nrepeat with w in windows\nexecute w javascript \"1\"\nend repeat\nend "
-        "tell",
+        "tell application \"Spotify\"\nset t to current track\nexecute t javascript \"1\"\nend tell",
         "repeat with w in 12\nend repeat",
         "if 1 then return 2",
         "return 1 & 2",
