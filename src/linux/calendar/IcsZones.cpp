@@ -63,6 +63,8 @@ IcsZonePointer find(const std::string& name) {
     for (auto slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1)) {
         if (auto zone = byExactName(icu::UnicodeString::fromUTF8(name.substr(slash + 1)))) return zone;
     }
+    // Looking through the names from Windows takes long; all that people live by end like this.
+    if (!name.ends_with(" Time")) return nullptr;
     icu::UnicodeString fromWindows;
     UErrorCode status = U_ZERO_ERROR;
     icu::TimeZone::getIDForWindowsID(whole, nullptr, fromWindows, status);
