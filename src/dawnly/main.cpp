@@ -12,6 +12,7 @@
 #include "dawnly/PanelAssembly.h"
 #include "dawnly/TerminationSignals.h"
 #include "linux/calendar/DesktopCalendarStore.h"
+#include "linux/calendar/eds/EdsModule.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/DesktopNotificationService.h"
 #include "linux/desktop/QtRunLoop.h"
@@ -20,6 +21,7 @@
 #include "linux/desktop/ToolkitChoice.h"
 #include "linux/desktop/X11EventMonitors.h"
 #include "linux/desktop/X11Events.h"
+#include "linux/players/PlayerAdapters.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
@@ -72,21 +74,18 @@ private:
     sunpane::DesktopCalendarStore calendars_{
         {clock_, runLoop_, queues_, folderEvents_, files_, defaults_, sunpane::xdg::dataFolder() + "/calendars",
          [this](std::function<void(sunpane::CalendarAccess)> answer) { calendarPrompt_.ask(std::move(answer)); },
-         nullptr, std::nullopt}};
+         sunpane::edsCalendars(), std::nullopt}};
     sunpane::DesktopNotificationService notificationService_;
     sunpane::PendingNotifications notificationCenter_{{notificationService_, clock_, runLoop_, files_, queues_},
                                                       sunpane::xdg::stateFolder() + "/notifications.json"};
     sunpane::ReminderScheduler reminders_{notificationCenter_, clock_};
     sunpane::CalendarFallback calendar_{calendars_, defaults_, clock_};
     sunpane::MeetingWatcher meetings_{{calendars_, calendar_, reminders_, clock_, runLoop_}};
-    sunpane::NoScripts scripts_;
-    sunpane::NoApplications applications_;
-    sunpane::NoAudio audio_;
-    sunpane::NoMediaCommands mediaCommands_;
+    sunpane::PlayerAdapters players_{defaults_};
     sunpane::NoArtwork artwork_;
     std::unique_ptr<sunpane::WorkQueue> scriptQueue_ = queues_.makeQueue(sunpane::NowPlaying::queueLabel);
     sunpane::NowPlaying nowPlaying_{
-        {runLoop_, *scriptQueue_, scripts_, applications_, audio_, mediaCommands_, artwork_}};
+        {runLoop_, *scriptQueue_, players_.scripts, players_.applications, players_.audio, players_.scripts, artwork_}};
     sunpane::NotchViewModel viewModel_{{clock_,
                                         runLoop_,
                                         notifications_,
@@ -99,8 +98,8 @@ private:
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
     sunpane::QtWorkspace workspace_;
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
-    sunpane::PanelAssembly windows_{{viewModel_, meetings_, runLoop_, clock_, notifications_, defaults_, workspace_},
-                                    x11Events_};
+    sunpane::PanelAssembly windows_{
+        {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
     sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
                                           [this] { return theme_.themeName(); },
                                           [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};

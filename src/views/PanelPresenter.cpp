@@ -16,10 +16,15 @@
 namespace sunpane {
 
 PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measures& measures)
-    : with_(collaborators), measures_(measures), self_(std::make_shared<PanelPresenter*>(this)) {
+    : with_(collaborators),
+      measures_(measures),
+      nowPlaying_(collaborators.nowPlaying, collaborators.runLoop),
+      self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
     meetingChanges_ = with_.meetings.onWillChange([this] { scheduleRefresh(); });
+    // The strip of what plays makes the panel higher.
+    connect(&nowPlaying_, &NowPlayingPresenter::changed, this, &PanelPresenter::changed);
     refresh();
 }
 
@@ -136,6 +141,7 @@ qreal PanelPresenter::expandedHeight() const {
     panel_layout::Content content;
     content.notchHeight = measures_.notch.height;
     content.maxCardHeight = measures_.maxCardHeight;
+    content.hasTrack = nowPlaying_.hasTrack();
     content.hasNextMeeting = meeting_.has_value();
     content.hasSections = !sections_.empty();
     content.briefContentHeight = with_.viewModel.briefContentHeight();

@@ -10,6 +10,7 @@
 #include "calendar/MeetingWatcher.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
+#include "views/NowPlayingPresenter.h"
 #include "views/SpringCurve.h"
 
 namespace sunpane {
@@ -38,6 +39,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(QString meetingTime READ meetingTime NOTIFY changed)
     Q_PROPERTY(bool canJoinMeeting READ canJoinMeeting NOTIFY changed)
     Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
+    Q_PROPERTY(sunpane::NowPlayingPresenter* nowPlaying READ nowPlaying CONSTANT)
     Q_PROPERTY(qreal notchWidth READ notchWidth CONSTANT)
     Q_PROPERTY(qreal notchHeight READ notchHeight CONSTANT)
     Q_PROPERTY(qreal cardWidth READ cardWidth CONSTANT)
@@ -50,6 +52,7 @@ public:
     struct Collaborators {
         NotchViewModel& viewModel;
         MeetingWatcher& meetings;
+        NowPlaying& nowPlaying;
         RunLoop& runLoop;
         Clock& clock;
         LocalNotifications& notifications;
@@ -79,6 +82,7 @@ public:
     qreal expandedHeight() const;
     int openSection() const { return openSection_.value_or(-1); }
     BriefColumnModel* column() { return &column_; }
+    NowPlayingPresenter* nowPlaying() { return &nowPlaying_; }
     bool hasMeeting() const { return meeting_.has_value(); }
     const QString& meetingTitle() const { return meetingTitle_; }
     const QString& meetingTime() const { return meetingTime_; }
@@ -133,6 +137,7 @@ private:
     Collaborators with_;
     Measures measures_;
     BriefColumnModel column_;
+    NowPlayingPresenter nowPlaying_;
     std::optional<int> openSection_ = 0;
     std::optional<Briefing> shown_;
     std::vector<BriefingSection> sections_;  // of `shown_`

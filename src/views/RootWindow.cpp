@@ -5,6 +5,7 @@
 #include <QSurfaceFormat>
 #include <cstdlib>
 
+#include "views/CoverImage.h"
 #include "views/NotchOutline.h"
 #include "views/SymbolIcon.h"
 
@@ -15,6 +16,7 @@ namespace sunpane {
 
 void RootWindow::registerTypes() {
     qml_register_types_Sunpane();
+    qmlRegisterType<CoverImage>("Sunpane", 1, 0, "CoverImage");
     qmlRegisterType<NotchOutline>("Sunpane", 1, 0, "NotchOutline");
     qmlRegisterType<SymbolIcon>("Sunpane", 1, 0, "SymbolIcon");
 }

@@ -1,37 +1,18 @@
 """What plays, on real peers: a media player on the session bus, a browser with tabs, a sound server. They are looked at
 and controlled through the command-line companion, and judged by what they themselves say."""
 
-import functools
-import http.server
 import json
-import math
 import os
 import signal
-import struct
-import threading
+import sys
 import time
 import unittest
 import urllib.request
-import wave
 
 from session import PROGRAMS, Session
 
-MEDIA_HOST = "untitled.stream"
-PAGE = "<!DOCTYPE html><title>{title}</title><audio src=/tone.wav loop {attributes}></audio>"
-# Tells in its title whether it plays.
-ATTRIBUTES = "autoplay onpause=\"document.title='silent'\" onplay=\"document.title='A set | ||| of \\\\ songs'\""
-
-
-class QuietHandler(http.server.SimpleHTTPRequestHandler):
-    def log_message(self, *_):
-        pass
-
-
-def write_tone(path, seconds=120):
-    with wave.open(path, "wb") as tone:
-        tone.setparams((1, 2, 8000, 0, "NONE", ""))
-        second = b"".join(struct.pack("<h", int(3000 * math.sin(i * math.tau / 20))) for i in range(8000))
-        tone.writeframes(second * seconds)
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+import media  # noqa: E402
 
 
 class PlayersTest(unittest.TestCase):
@@ -59,9 +40,7 @@ class PlayersTest(unittest.TestCase):
         return self.wait_until(self.playing, lambda track: track is not None and fields.items() <= track.items())
 
     def start_sound_server(self):
-        self.session.start("pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
-                           "--disable-shm=yes", "-L", "module-native-protocol-unix", "-L",
-                           "module-null-sink sink_name=null")
+        self.session.start(*media.sound_server_command())
         self.wait_until(lambda: self.session.run("pactl", "info", check=False), lambda text: "Server Name" in text)
 
     def mute(self):
@@ -75,12 +54,7 @@ class PlayersTest(unittest.TestCase):
         return json.loads(probe.wait_for(".*").group())
 
     def start_player(self, *files):
-        """A player whose tracks are titled after their files."""
-        for file in files:
-            write_tone(f"{self.home}/{file}")
-        return self.session.start("mpv", "--no-config", "--no-video", "--no-terminal", "--ao=pulse",
-                                  "--loop-playlist", "--script=/usr/lib/mpv-mpris/mpris.so",
-                                  *(f"{self.home}/{file}" for file in files))
+        return self.session.start(*media.player_command(self.home, *files))
 
     def test_a_player_is_shown_paused_resumed_and_skipped(self):
         self.start_sound_server()
@@ -134,32 +108,13 @@ class PlayersTest(unittest.TestCase):
         stuck.process.kill()
         self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "paused|||late.wav|||")
 
-    def serve_pages(self):
-        folder = f"{self.home}/pages"
-        os.mkdir(folder)
-        write_tone(f"{folder}/tone.wav")
-        for name, title, attributes in (("set", "opening", ATTRIBUTES), ("article", "An article", "")):
-            with open(f"{folder}/{name}.html", "w", encoding="utf-8") as page:
-                page.write(PAGE.format(title=title, attributes=attributes))
-        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0),
-                                                 functools.partial(QuietHandler, directory=folder))
-        threading.Thread(target=server.serve_forever, daemon=True).start()
-        self.addCleanup(server.server_close)
-        self.addCleanup(server.shutdown)
-        return server.server_address[1]
-
-    def start_browser(self, page_port, url):
+    def start_browser(self, url):
         """A browser with the profile that it has when nobody chooses one, listening for debuggers."""
+        site = media.Site(f"{self.home}/pages")
+        self.addCleanup(site.close)
         profile = f"{self.home}/.config/chromium"
-        self.session.start("chromium", "--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic",
-                           "--no-first-run", "--disable-background-networking", "--disable-component-update",
-                           "--disable-sync", "--disable-features=HttpsUpgrades", "--remote-debugging-port=0",
-                           "--autoplay-policy=no-user-gesture-required", f"--user-data-dir={profile}",
-                           f"--host-resolver-rules=MAP * 127.0.0.1:{page_port}", url)
-        port_file = f"{profile}/DevToolsActivePort"
-        self.wait_until(lambda: os.path.exists(port_file) and os.path.getsize(port_file) > 20, bool, timeout=40)
-        with open(port_file, encoding="ascii") as file:
-            return int(file.readline())
+        self.session.start(*media.browser_command(profile, site.port, url))
+        return self.wait_until(lambda: media.debugging_port(profile), lambda port: port is not None, timeout=40)
 
     def open_page(self, port, url):
         request = urllib.request.Request(f"http://127.0.0.1:{port}/json/new?{url}", method="PUT")
@@ -172,35 +127,34 @@ class PlayersTest(unittest.TestCase):
 
     def test_a_browser_tab_is_found_paused_resumed_and_shown(self):
         self.start_sound_server()
-        page_port = self.serve_pages()
-        media, article = f"http://{MEDIA_HOST}/set.html", "http://news.example/article.html"
-        port = self.start_browser(page_port, media)
-        title = "A set | ||| of \\ songs"
-        self.wait_until(lambda: self.pages(port), lambda pages: (media, title) in pages)
+        song, article = f"http://{media.MEDIA_HOST}/set.html", "http://news.example/article.html"
+        port = self.start_browser(song)
+        title = media.TITLE
+        self.wait_until(lambda: self.pages(port), lambda pages: (song, title) in pages)
         self.open_page(port, article)
         self.wait_until(lambda: self.pages(port), lambda pages: pages[0] == (article, "An article"))
 
         track = self.wait_for_track(player="youtube", playing=True)
         self.assertEqual((track["title"], track["artist"], track["pageURL"], track["chromeWindow"]),
-                         (title.replace("|||", "||"), MEDIA_HOST, media, 1))
+                         (title.replace("|||", "||"), media.MEDIA_HOST, song, 1))
         probe = self.start_probe()
         self.assertEqual(self.ask(probe, "running"), ["com.google.Chrome"])
         tabs = [line.split("|||") for line in self.ask(probe, "tabs").splitlines()]
-        self.assertEqual([(tab[2], tab[4]) for tab in tabs], [("0", media), ("1", article)])
+        self.assertEqual([(tab[2], tab[4]) for tab in tabs], [("0", song), ("1", article)])
         number = tabs[0][3]
 
         self.dawnlyctl("play-pause")
-        self.wait_until(lambda: self.pages(port), lambda pages: (media, "silent") in pages)
+        self.wait_until(lambda: self.pages(port), lambda pages: (song, "silent") in pages)
         self.wait_until(self.playing, lambda paused: paused is None)
         self.assertEqual(self.ask(probe, f"toggle {number}"), "ok")
-        self.wait_until(lambda: self.pages(port), lambda pages: (media, title) in pages)
+        self.wait_until(lambda: self.pages(port), lambda pages: (song, title) in pages)
         self.wait_for_track(player="youtube", playing=True)
         self.assertEqual(self.ask(probe, f"toggle {tabs[1][3]}"), "ok")
         self.assertEqual(self.ask(probe, "toggle 99"), "gone")
 
         self.assertEqual(self.pages(port)[0][0], article)
         self.assertEqual(self.ask(probe, f"show {number}"), "ok")
-        self.wait_until(lambda: self.pages(port), lambda pages: pages[0][0] == media)
+        self.wait_until(lambda: self.pages(port), lambda pages: pages[0][0] == song)
         tabs = [line.split("|||") for line in self.ask(probe, "tabs").splitlines()]
         self.assertEqual([(tab[2], tab[3]) for tab in tabs], [("1", number), ("0", tabs[1][3])])
 

@@ -130,11 +130,39 @@ Item {
         presenter: card.presenter
         x: Style.margin
         anchors.top: schedule.bottom
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.margin + 8
+        // As high as its content, so that what plays stands right below it.
+        height: playing.shown && card.presenter.hasBriefing ? Math.min(contentHeight, room) : room
+        readonly property real room: parent.height - y - Style.margin - 8 - playing.height
         width: parent.width - 2 * Style.margin
         onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => {
             menu.openAt(item, x, y, qsTr("Card"), card.cardChoices(item, sectionId, index), byKeyboard);
+        }
+    }
+
+    Item {
+        id: playing
+        readonly property bool shown: card.presenter.nowPlaying.hasTrack
+        property real shownPart: shown ? 1 : 0
+        x: Style.margin
+        y: column.y + column.height
+        width: parent.width - 2 * Style.margin
+        height: (playingStrip.implicitHeight + Style.gap) * shownPart
+        visible: shownPart > 0
+        opacity: shownPart
+
+        Behavior on shownPart {
+            enabled: card.presenter.expanded
+            NumberAnimation {
+                duration: card.presenter.scheduleSpring.duration
+                easing: card.presenter.scheduleSpring.curve
+            }
+        }
+        NowPlayingStrip {
+            id: playingStrip
+            track: card.presenter.nowPlaying
+            width: parent.width
+            y: Style.gap
+            height: implicitHeight
         }
     }
 

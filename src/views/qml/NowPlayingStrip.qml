@@ -1,0 +1,168 @@
+import QtQuick
+import Sunpane
+
+// What plays, and the controls of its player.
+Rectangle {
+    id: strip
+
+    // A NowPlayingPresenter.
+    required property var track
+
+    implicitHeight: 46
+    radius: Style.sectionRadius
+    color: Style.section
+    border.color: Style.hairline
+
+    Accessible.role: Accessible.Grouping
+    Accessible.name: qsTr("Now playing: %1, %2").arg(track.title).arg(track.artist)
+
+    Item {
+        id: cover
+        x: 8
+        anchors.verticalCenter: parent.verticalCenter
+        width: 30
+        height: 30
+        activeFocusOnTab: true
+
+        Accessible.role: Accessible.Button
+        Accessible.name: strip.track.coverTooltip
+        Accessible.focusable: true
+        Accessible.onPressAction: strip.track.openSource()
+        Keys.onReturnPressed: strip.track.openSource()
+        Keys.onEnterPressed: strip.track.openSource()
+        Keys.onSpacePressed: strip.track.openSource()
+
+        Rectangle {
+            anchors.fill: parent
+            radius: 7
+            color: Style.pressed
+            visible: !strip.track.hasCover
+            SymbolIcon {
+                anchors.centerIn: parent
+                width: 16
+                height: 16
+                symbol: "music.note"
+                color: Style.secondaryText
+            }
+        }
+        CoverImage {
+            anchors.fill: parent
+            radius: 7
+            image: strip.track.cover
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: 7
+            color: Qt.rgba(1, 1, 1, 0.18)
+            visible: coverArea.containsMouse
+        }
+        FocusRing {
+            control: cover
+            radius: 7
+        }
+        MouseArea {
+            id: coverArea
+            anchors.fill: parent
+            hoverEnabled: true
+            cursorShape: Qt.PointingHandCursor
+            onClicked: strip.track.openSource()
+        }
+        Tooltip {
+            text: strip.track.coverTooltip
+            shown: coverArea.containsMouse && !coverArea.pressed
+            anchors.left: parent.left
+            anchors.bottom: parent.top
+            anchors.bottomMargin: 6
+        }
+    }
+
+    Column {
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.left: cover.right
+        anchors.leftMargin: 10
+        anchors.right: buttons.left
+        anchors.rightMargin: Style.gap
+        spacing: 1
+
+        Text {
+            width: parent.width
+            text: strip.track.title
+            textFormat: Text.PlainText
+            elide: Text.ElideRight
+            maximumLineCount: 1
+            color: Style.text
+            font.family: Style.family
+            font.pixelSize: 12
+            font.weight: Font.DemiBold
+        }
+        Text {
+            width: parent.width
+            visible: text.length > 0
+            text: strip.track.artist
+            textFormat: Text.PlainText
+            elide: Text.ElideRight
+            maximumLineCount: 1
+            color: Style.secondaryText
+            font.family: Style.family
+            font.pixelSize: Style.captionSize
+        }
+    }
+
+    Row {
+        id: buttons
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.right: parent.right
+        anchors.rightMargin: Style.gap
+        spacing: 4
+
+        Repeater {
+            model: strip.track.buttons
+
+            // The whole square takes the click.
+            Item {
+                id: transport
+                required property var modelData
+                width: strip.track.hitArea
+                height: width
+                activeFocusOnTab: true
+
+                function press() {
+                    strip.track.press(modelData.key);
+                }
+
+                Accessible.role: Accessible.Button
+                Accessible.name: modelData.label
+                Accessible.focusable: true
+                Accessible.onPressAction: press()
+                Keys.onReturnPressed: press()
+                Keys.onEnterPressed: press()
+                Keys.onSpacePressed: press()
+
+                SymbolIcon {
+                    anchors.centerIn: parent
+                    width: transport.modelData.symbolSize
+                    height: width
+                    symbol: transport.modelData.symbol
+                    color: area.containsMouse ? Style.text : Style.secondaryText
+                }
+                FocusRing {
+                    control: transport
+                    radius: 6
+                }
+                MouseArea {
+                    id: area
+                    anchors.fill: parent
+                    hoverEnabled: true
+                    onClicked: transport.press()
+                }
+                Tooltip {
+                    text: transport.modelData.label
+                    shown: area.containsMouse && !area.pressed
+                    anchors.right: parent.right
+                    anchors.bottom: parent.top
+                    anchors.bottomMargin: 6
+                }
+            }
+        }
+    }
+}
