@@ -32,7 +32,12 @@ void TodoReminders::takeOver(const std::vector<NotificationRequest>& pending) {
         const auto request =
             ReminderScheduler::todoRequest(id, reminder.text, reminder.date, reminder.rule, with_.clock);
         const auto found = byIdentifier.find(request.identifier);
-        if (found == byIdentifier.end() || *found->second != request) schedule(id, reminder);
+        if (found != byIdentifier.end()) {
+            // One that is due and waits for the service would be lost if it were set anew.
+            const bool isDue = !request.trigger.repeats && reminder.date <= with_.clock.now();
+            if (isDue || *found->second == request) continue;
+        }
+        schedule(id, reminder);
     }
     // A list that holds nothing at all was never written, or could not be read: its reminders may still be wanted.
     const TodoStore& todos = with_.todos;

@@ -104,6 +104,7 @@ private:
     void start() {
         program_ = std::make_unique<Program>(platform_, disk_, cloud_, service_, calendars_, defaults_);
         ableSince_ = platform_.time.uptime();
+        zoneAtStart_ = platform_.clock.zone;
     }
 
     void settle(const std::string& what) {
@@ -113,7 +114,7 @@ private:
     }
 
     std::string act() {
-        switch (below(20)) {
+        switch (below(24)) {
             case 0:
             case 1:
             case 2:
@@ -123,8 +124,12 @@ private:
             case 4:
             case 5:
             case 6:
+            case 22:
+            case 23:
                 return changeCalendar();
             case 7:
+            case 20:
+            case 21:
                 return jumpClock();
             case 8:
                 return travel();
@@ -243,7 +248,8 @@ private:
         platform_.time.runPending();
         const Seconds span = static_cast<double>(below(3)) * static_cast<double>(below(100000));
         platform_.time.jumpWallClock(now() + span);
-        ++generation_;
+        // In another zone the reminders are read from another clock.
+        if (platform_.clock.zone != zoneAtStart_) ++generation_;
         start();
         return "restart after " + std::to_string(span);
     }
@@ -279,6 +285,13 @@ private:
             }
         }
         log_.push_back("  shown " + content.substr(0, content.find('\n')));
+        for (const auto& event : calendars_.all) {
+            if (content.substr(content.find('\n') + 1) != *event.title) continue;
+            require(now() >= *event.start - ReminderScheduler::meetingLead, *event.title + " is announced early");
+            require(now() < *event.start, *event.title + " is announced when it is too late");
+            require(announced_.emplace(*event.title, event.start->sinceReference).second,
+                    *event.title + " is announced twice");
+        }
         // One that was made and shown within a step is not known; its moment is checked by the next step's rules.
         if (request == nullptr) return;
         shownNow_.insert(request->identifier);
@@ -368,6 +381,9 @@ private:
     std::unique_ptr<Program> program_;
     double highestReading_ = 0;
     Seconds ableSince_ = 0;
+    std::string zoneAtStart_;
+    // Meetings that were announced, by name and start.
+    std::set<std::pair<std::string, double>> announced_;
     std::uint64_t names_ = 0;
     // Counts what may make a request anew.
     std::uint64_t generation_ = 0;
