@@ -70,6 +70,35 @@ class NotificationsTest(unittest.TestCase):
         self.click(session)
         self.assertEqual(int(probe.wait_for(r"clicked (\d+)").group(1)), again)
 
+    def test_reminders_pop_up_in_time_and_tell_who_was_clicked(self):
+        session = self.open_session()
+        session.start_display()
+        probe = session.start(f"{PROGRAMS}/reminder_probe")
+        probe.write("status")
+        probe.wait_for("denied")
+        daemon = self.start_daemon(session)
+        deadline = time.monotonic() + 10
+        while probe.write("status") or probe.wait_for("denied|allowed").group() == "denied":
+            self.assertLess(time.monotonic(), deadline, "nobody noticed the daemon")
+            time.sleep(0.05)
+        probe.write("todo-1 2 https://example.org/a")
+        probe.wait_for("pending 1")
+        self.click(session)
+        probe.wait_for("clicked todo-1 joinURL=https://example.org/a")
+
+        # Set before a restart of the program, due without a daemon, shown when both are back.
+        probe.write("meeting-2 1 https://example.org/b")
+        probe.wait_for("pending 1")
+        probe.process.stdin.close()
+        probe.process.wait(10)
+        daemon.stop()
+        time.sleep(1.5)
+        probe = session.start(f"{PROGRAMS}/reminder_probe")
+        self.start_daemon(session)
+        self.click(session)
+        probe.wait_for("clicked meeting-2 joinURL=https://example.org/b")
+        self.assertEqual(self.displayed(session), [("Reminder", "meeting-2")])
+
     def test_starts_the_daemon_when_the_bus_can(self):
         session = self.open_session(["org.knopwob.dunst"])
         session.start_display()
