@@ -1,5 +1,4 @@
 #include "cli/PlayingCommand.h"
-#include "base/ManualRunLoop.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -218,24 +218,22 @@ bool Journal::note(const Content& content, const Content& base) {
 }
 
 void Journal::markWritten(const Content& content) {
-    for (const Slot& slot : slots_) {
-        if (slot.ours == content) return markWritten(slot.number);
-    }
-}
-
-void Journal::markWritten(std::uint64_t number) {
     for (Slot& slot : slots_) {
-        if (slot.number != number || !place_.disk.overwrite(slot.path, heading(true), 0)) continue;
-        slot.isWritten = true;
-        slot.isLeftOver = false;
-        slot.ours = nullptr;
+        if (slot.ours == content) return markWritten(slot);
     }
 }
 
 void Journal::markAllWritten() {
-    for (const Slot& slot : slots_) {
-        if (slot.number > 0 && !slot.isWritten) markWritten(slot.number);
+    for (Slot& slot : slots_) {
+        if (slot.number > 0 && !slot.isWritten) markWritten(slot);
     }
+}
+
+void Journal::markWritten(Slot& slot) {
+    if (!place_.disk.overwrite(slot.path, heading(true), 0)) return;
+    slot.isWritten = true;
+    slot.isLeftOver = false;
+    slot.ours = nullptr;
 }
 
 // How much a record is needed: not at all, for a file that loses its end, or because nothing else holds the content.

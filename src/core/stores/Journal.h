@@ -90,9 +90,8 @@ public:
     /// The file that holds the latest record, for forcing it to the disk.
     const std::string& notedPath() const { return slots_[notedSlot_].path; }
 
-    /// Notes that the file holds the content, or that of the record with that number.
+    /// Notes that the file holds the content.
     void markWritten(const Content& content);
-    void markWritten(std::uint64_t number);
     /// Notes that the file holds something newer than all records.
     void markAllWritten();
 
@@ -108,6 +107,7 @@ private:
 
     Journal(const JournalPlace& place, int index, std::unique_ptr<FileLock> lock);
     int importance(const Slot& slot) const;
+    void markWritten(Slot& slot);
 
     JournalPlace place_;
     int index_;
