@@ -108,55 +108,128 @@ void StoreDriver::restart() {
     time_.runPending();
 }
 
-const std::map<std::string, StoreDriver::Operation>& StoreDriver::operations() {
-    static const std::map<std::string, Operation> table{{"todos.add", &StoreDriver::todosAdd},
-                                                        {"todos.addLinked", &StoreDriver::todosAddLinked},
-                                                        {"todos.toggle", &StoreDriver::todosToggle},
-                                                        {"todos.togglePrio", &StoreDriver::todosTogglePrio},
-                                                        {"todos.rename", &StoreDriver::todosRename},
-                                                        {"todos.setReminder", &StoreDriver::todosSetReminder},
-                                                        {"todos.setEventID", &StoreDriver::todosSetEventID},
-                                                        {"todos.move", &StoreDriver::todosMove},
-                                                        {"todos.delete", &StoreDriver::todosDelete},
-                                                        {"undo", &StoreDriver::undo},
-                                                        {"todos.ingest", &StoreDriver::todosIngest},
-                                                        {"todos.importCalendar", &StoreDriver::todosImportCalendar},
-                                                        {"flags.togglePrio", &StoreDriver::flagsTogglePrio},
-                                                        {"flags.toggleCleared", &StoreDriver::flagsToggleCleared},
-                                                        {"flags.hide", &StoreDriver::flagsHide},
-                                                        {"flags.unhide", &StoreDriver::flagsUnhide},
-                                                        {"flags.unclear", &StoreDriver::flagsUnclear},
-                                                        {"flags.setPrio", &StoreDriver::flagsSetPrio},
-                                                        {"flags.refresh", &StoreDriver::flagsRefresh},
-                                                        {"flags.untouched", &StoreDriver::flagsUntouched},
-                                                        {"flags.reminders", &StoreDriver::flagsReminders},
-                                                        {"external", &StoreDriver::external},
-                                                        {"restart", &StoreDriver::restartOperation},
-                                                        {"wait", &StoreDriver::wait},
-                                                        {"dump", &StoreDriver::dump},
-                                                        {"device.add", &StoreDriver::deviceAdd},
-                                                        {"device.clear", &StoreDriver::deviceClear},
-                                                        {"machine.zone", &StoreDriver::machineZone},
-                                                        {"machine.fault", &StoreDriver::machineFault},
-                                                        {"machine.crash", &StoreDriver::machineCrash},
-                                                        {"machine.start", &StoreDriver::machineStart},
-                                                        {"machine.wake", &StoreDriver::wait}};
-    return table;
-}
+struct StoreDriver::Operations {
+    using Table = std::map<std::string, std::function<void(StoreDriver& driver, const Json& line)>>;
+
+    static Table onTodos() {
+        return {
+            {"todos.add", [](StoreDriver& driver, const Json& line) { driver.todos_->add(textField(line, "text")); }},
+            {"todos.addLinked",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.todos_->addLinked(textField(line, "text"), optionalText(line, "sourceKey"),
+                                          truthField(line, "prio"));
+             }},
+            {"todos.toggle", [](StoreDriver& driver, const Json& line) { driver.todos_->toggle(driver.idAt(line)); }},
+            {"todos.togglePrio",
+             [](StoreDriver& driver, const Json& line) { driver.todos_->togglePrio(driver.idAt(line)); }},
+            {"todos.rename",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.todos_->rename(driver.idAt(line), textField(line, "text"));
+             }},
+            {"todos.setReminder",
+             [](StoreDriver& driver, const Json& line) {
+                 const auto date =
+                     field(line, "date").is_null() ? std::nullopt : std::optional(Instant{numberField(line, "date")});
+                 driver.todos_->setReminder(driver.idAt(line), date, optionalText(line, "rule"));
+             }},
+            {"todos.setEventID",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.todos_->setEventID(optionalText(line, "eventID"), driver.idAt(line));
+             }},
+            {"todos.move", [](StoreDriver& driver,
+                              const Json& line) { driver.todos_->move(driver.idAt(line), wholeField(line, "to")); }},
+            {"todos.delete",
+             [](StoreDriver& driver, const Json& line) {
+                 const Uuid id = driver.idAt(line);
+                 if (const auto index = driver.todos_->indexOf(id)) {
+                     driver.undo_.push([&driver, todo = driver.todos_->todos()[*index], index] {
+                         driver.todos_->restore(todo, *index);
+                     });
+                 }
+                 driver.todos_->remove(id);
+             }},
+            {"undo", [](StoreDriver& driver, const Json&) { driver.undo_.undo(); }},
+            {"todos.ingest",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.todos_->ingest({textField(line, "id"), Instant{numberField(line, "date")},
+                                        textField(line, "title"), textField(line, "markdown")});
+             }},
+            {"todos.importCalendar", [](StoreDriver& driver, const Json& line) {
+                 driver.todos_->importCalendarTodos(textsField(line, "titles"));
+             }}};
+    }
+
+    static Table onFlags() {
+        return {
+            {"flags.togglePrio",
+             [](StoreDriver& driver, const Json& line) { driver.flags_->togglePrio(itemField(line)); }},
+            {"flags.toggleCleared",
+             [](StoreDriver& driver, const Json& line) { driver.flags_->toggleCleared(itemField(line)); }},
+            {"flags.hide", [](StoreDriver& driver, const Json& line) { driver.flags_->hide(itemField(line)); }},
+            {"flags.unhide", [](StoreDriver& driver, const Json& line) { driver.flags_->unhide(itemField(line)); }},
+            {"flags.unclear", [](StoreDriver& driver, const Json& line) { driver.flags_->unclear(itemField(line)); }},
+            {"flags.setPrio",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.flags_->setPrio(textField(line, "key"), textField(line, "text"), truthField(line, "on"));
+             }},
+            {"flags.refresh",
+             [](StoreDriver& driver, const Json& line) {
+                 driver.flags_->refreshPrioReferences(textsField(line, "texts"));
+             }},
+            {"flags.untouched",
+             [](StoreDriver& driver, const Json& line) { driver.flags_->updateUntouched(textsField(line, "texts")); }},
+            {"flags.reminders",
+             [](StoreDriver& driver, const Json& line) { driver.flags_->updateReminders(textsField(line, "lines")); }}};
+    }
+
+    static Table onMachine() {
+        return {{"external",
+                 [](StoreDriver& driver, const Json& line) {
+                     const std::string file = textField(line, "file");
+                     if (file.empty() || file.find('/') != std::string::npos)
+                         throw BadLine("\"file\" is not the name of a file");
+                     driver.disk_.writeExternally(pathInside(driver.place_.folder, file), textField(line, "content"));
+                 }},
+                {"restart", [](StoreDriver& driver, const Json&) { driver.restart(); }},
+                {"wait", [](StoreDriver&, const Json&) {}},
+                {"dump", [](StoreDriver& driver, const Json&) { driver.dump(); }},
+                {"device.add", [](StoreDriver& driver, const Json& line) { driver.deviceAdd(line); }},
+                {"device.clear", [](StoreDriver& driver, const Json& line) { driver.deviceClear(line); }},
+                {"machine.zone",
+                 [](StoreDriver& driver, const Json& line) { driver.clock_.zone = textField(line, "zone"); }},
+                {"machine.fault", [](StoreDriver& driver, const Json& line) { driver.machineFault(line); }},
+                {"machine.crash",
+                 [](StoreDriver& driver, const Json& line) {
+                     driver.memory().dieAfter(static_cast<std::uint64_t>(wholeField(line, "steps")));
+                 }},
+                {"machine.start", [](StoreDriver& driver, const Json&) { driver.machineStart(); }},
+                {"machine.wake", [](StoreDriver&, const Json&) {}}};
+    }
+
+    static const Table& all() {
+        static const Table table = [] {
+            Table joined = onTodos();
+            joined.merge(onFlags());
+            joined.merge(onMachine());
+            return joined;
+        }();
+        return table;
+    }
+};
 
 std::optional<std::string> StoreDriver::run(const Json& line) {
     if (!line.is_object()) throw BadLine("a line is one JSON object");
     const Instant at{numberField(line, "at")};
     if (at < now()) throw BadLine("\"at\" lies before the line above");
-    const auto operation = operations().find(textField(line, "op"));
-    if (operation == operations().end()) throw BadLine("there is no such \"op\"");
+    const auto operation = Operations::all().find(textField(line, "op"));
+    if (operation == Operations::all().end()) throw BadLine("there is no such \"op\"");
     clock_.pinned.reset();
     // Asleep, the machine's wall clock goes on but its timers do not.
     if (operation->first == "machine.wake") time_.jumpWallClock(at);
     if (at > now()) time_.advanceTo(at);
     clock_.pinned = at;
     printed_.reset();
-    (this->*operation->second)(line);
+    operation->second(*this, line);
     time_.runPending();
     return std::exchange(printed_, std::nullopt);
 }
@@ -167,102 +240,6 @@ Uuid StoreDriver::idAt(const Json& line) const {
     if (index < 0 || index >= static_cast<std::ptrdiff_t>(todos.size())) return Uuid::random();
     return todos[static_cast<std::size_t>(index)].id;
 }
-
-void StoreDriver::todosAdd(const Json& line) {
-    todos_->add(textField(line, "text"));
-}
-
-void StoreDriver::todosAddLinked(const Json& line) {
-    todos_->addLinked(textField(line, "text"), optionalText(line, "sourceKey"), truthField(line, "prio"));
-}
-
-void StoreDriver::todosToggle(const Json& line) {
-    todos_->toggle(idAt(line));
-}
-
-void StoreDriver::todosTogglePrio(const Json& line) {
-    todos_->togglePrio(idAt(line));
-}
-
-void StoreDriver::todosRename(const Json& line) {
-    todos_->rename(idAt(line), textField(line, "text"));
-}
-
-void StoreDriver::todosSetReminder(const Json& line) {
-    const auto date = field(line, "date").is_null() ? std::nullopt : std::optional(Instant{numberField(line, "date")});
-    todos_->setReminder(idAt(line), date, optionalText(line, "rule"));
-}
-
-void StoreDriver::todosSetEventID(const Json& line) {
-    todos_->setEventID(optionalText(line, "eventID"), idAt(line));
-}
-
-void StoreDriver::todosMove(const Json& line) {
-    todos_->move(idAt(line), wholeField(line, "to"));
-}
-
-void StoreDriver::todosDelete(const Json& line) {
-    const Uuid id = idAt(line);
-    if (const auto index = todos_->indexOf(id)) {
-        undo_.push([this, todo = todos_->todos()[*index], index] { todos_->restore(todo, *index); });
-    }
-    todos_->remove(id);
-}
-
-void StoreDriver::undo(const Json&) {
-    undo_.undo();
-}
-
-void StoreDriver::todosIngest(const Json& line) {
-    todos_->ingest({textField(line, "id"), Instant{numberField(line, "date")}, textField(line, "title"),
-                    textField(line, "markdown")});
-}
-
-void StoreDriver::todosImportCalendar(const Json& line) {
-    todos_->importCalendarTodos(textsField(line, "titles"));
-}
-
-void StoreDriver::flagsTogglePrio(const Json& line) {
-    flags_->togglePrio(itemField(line));
-}
-void StoreDriver::flagsToggleCleared(const Json& line) {
-    flags_->toggleCleared(itemField(line));
-}
-void StoreDriver::flagsHide(const Json& line) {
-    flags_->hide(itemField(line));
-}
-void StoreDriver::flagsUnhide(const Json& line) {
-    flags_->unhide(itemField(line));
-}
-void StoreDriver::flagsUnclear(const Json& line) {
-    flags_->unclear(itemField(line));
-}
-
-void StoreDriver::flagsSetPrio(const Json& line) {
-    flags_->setPrio(textField(line, "key"), textField(line, "text"), truthField(line, "on"));
-}
-
-void StoreDriver::flagsRefresh(const Json& line) {
-    flags_->refreshPrioReferences(textsField(line, "texts"));
-}
-void StoreDriver::flagsUntouched(const Json& line) {
-    flags_->updateUntouched(textsField(line, "texts"));
-}
-void StoreDriver::flagsReminders(const Json& line) {
-    flags_->updateReminders(textsField(line, "lines"));
-}
-
-void StoreDriver::external(const Json& line) {
-    const std::string file = textField(line, "file");
-    if (file.empty() || file.find('/') != std::string::npos) throw BadLine("\"file\" is not the name of a file");
-    disk_.writeExternally(pathInside(place_.folder, file), textField(line, "content"));
-}
-
-void StoreDriver::restartOperation(const Json&) {
-    restart();
-}
-
-void StoreDriver::wait(const Json&) {}
 
 SimulatedFileSystem& StoreDriver::memory() const {
     if (disk_.memory == nullptr) throw BadLine("machine operations need the folder in memory");
@@ -299,10 +276,6 @@ void StoreDriver::deviceClear(const Json& line) {
     disk_.writeExternally(flags_->fileURL(), encodeFlags(*state));
 }
 
-void StoreDriver::machineZone(const Json& line) {
-    clock_.zone = textField(line, "zone");
-}
-
 void StoreDriver::machineFault(const Json& line) {
     constexpr std::size_t fewBytes = 40;
     SimulatedFileSystem& disk = memory();
@@ -321,11 +294,7 @@ void StoreDriver::machineFault(const Json& line) {
     if (kind == "none") disk.makeFolder(place_.folder);
 }
 
-void StoreDriver::machineCrash(const Json& line) {
-    memory().dieAfter(static_cast<std::uint64_t>(wholeField(line, "steps")));
-}
-
-void StoreDriver::machineStart(const Json&) {
+void StoreDriver::machineStart() {
     // What the old process still does while it goes must not reach the disk.
     memory().dieAfter(0);
     todos_.reset();
@@ -336,7 +305,7 @@ void StoreDriver::machineStart(const Json&) {
     start();
 }
 
-void StoreDriver::dump(const Json&) {
+void StoreDriver::dump() {
     time_.runPending();
     std::string out = R"({"todos":[)";
     const char* separator = "";

@@ -69,41 +69,14 @@ public:
     void restart();
 
 private:
-    using Operation = void (StoreDriver::*)(const nlohmann::json& line);
-    static const std::map<std::string, Operation>& operations();
+    struct Operations;
 
     void start();
-    void todosAdd(const nlohmann::json& line);
-    void todosAddLinked(const nlohmann::json& line);
-    void todosToggle(const nlohmann::json& line);
-    void todosTogglePrio(const nlohmann::json& line);
-    void todosRename(const nlohmann::json& line);
-    void todosSetReminder(const nlohmann::json& line);
-    void todosSetEventID(const nlohmann::json& line);
-    void todosMove(const nlohmann::json& line);
-    void todosDelete(const nlohmann::json& line);
-    void undo(const nlohmann::json& line);
-    void todosIngest(const nlohmann::json& line);
-    void todosImportCalendar(const nlohmann::json& line);
-    void flagsTogglePrio(const nlohmann::json& line);
-    void flagsToggleCleared(const nlohmann::json& line);
-    void flagsHide(const nlohmann::json& line);
-    void flagsUnhide(const nlohmann::json& line);
-    void flagsUnclear(const nlohmann::json& line);
-    void flagsSetPrio(const nlohmann::json& line);
-    void flagsRefresh(const nlohmann::json& line);
-    void flagsUntouched(const nlohmann::json& line);
-    void flagsReminders(const nlohmann::json& line);
-    void external(const nlohmann::json& line);
-    void restartOperation(const nlohmann::json& line);
-    void wait(const nlohmann::json& line);
-    void dump(const nlohmann::json& line);
+    void dump();
     void deviceAdd(const nlohmann::json& line);
     void deviceClear(const nlohmann::json& line);
-    void machineZone(const nlohmann::json& line);
     void machineFault(const nlohmann::json& line);
-    void machineCrash(const nlohmann::json& line);
-    void machineStart(const nlohmann::json& line);
+    void machineStart();
     SimulatedFileSystem& memory() const;
     std::optional<std::string> content(const std::string& path) const;
 

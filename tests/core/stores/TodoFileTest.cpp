@@ -20,6 +20,7 @@ Todo todo(const std::string& text, bool done = false, std::optional<bool> prio =
 
 std::vector<std::string> texts(const std::vector<Todo>& todos) {
     std::vector<std::string> result;
+    result.reserve(todos.size());
     for (const Todo& each : todos)
         result.push_back(each.text);
     return result;
