@@ -1,8 +1,8 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -25,10 +25,18 @@
 namespace sunpane {
 namespace {
 
+// Processor time (s), so that other programs' turns do not count; nothing that is measured waits for a disk.
+double processorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    constexpr double nanosecond = 1e-9;
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * nanosecond;
+}
+
 double seconds(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processorTime();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return processorTime() - start;
 }
 
 double median(std::vector<double> values) {
