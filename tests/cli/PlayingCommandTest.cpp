@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli/Command.h"
+#include "linux/system/ThreadWorkQueue.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
@@ -35,6 +36,7 @@ struct PlayingCommandTest : ::testing::Test {
     PlayerPorts ports{scripts, applications, audio, mediaCommands};
     std::ostringstream out;
     std::ostringstream err;
+    WorkQueueFactory* queues = &platform.queues;
     bool isConnected = true;
     int waits = 0;
     // After how many waits the first look of the ports is done.
@@ -47,7 +49,7 @@ struct PlayingCommandTest : ::testing::Test {
         applications.isLoaded = audio.isLoaded = readyAfter == 0;
         Environment environment{.clock = platform.clock,
                                 .defaults = defaults,
-                                .queues = platform.queues,
+                                .queues = *queues,
                                 .folderEvents = events,
                                 .cloudFiles = cloud,
                                 .interrupt = interrupt,
@@ -134,6 +136,18 @@ TEST_F(PlayingCommandTest, MutesAndUnmutes) {
     EXPECT_EQ(run({"mute"}), success);
     EXPECT_EQ(out.str(), "not muted\n");
     EXPECT_FALSE(scripts.muted);
+}
+
+TEST_F(PlayingCommandTest, WorksAlikeWhenScriptsRunOnAThreadOfTheirOwn) {
+    ThreadWorkQueueFactory threads;
+    queues = &threads;
+    play(Player::music, "playing|||A|||B");
+    EXPECT_EQ(run({"playing"}), success);
+    EXPECT_EQ(out.str(), "A \u2014 B (Music, playing)\n");
+    EXPECT_EQ(run({"next"}), success);
+    EXPECT_EQ(scripts.sent.back(), "tell application \"Music\" to next track");
+    EXPECT_EQ(run({"mute"}), success);
+    EXPECT_EQ(out.str(), "muted\n");
 }
 
 TEST_F(PlayingCommandTest, WaitsForTheFirstLookButNotForEver) {
