@@ -10,9 +10,6 @@
 #include <cstdio>
 #include <vector>
 
-#include "calendar/CalendarFallback.h"
-#include "calendar/MeetingWatcher.h"
-#include "dawnly/MissingServices.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/ToolkitChoice.h"
@@ -25,9 +22,9 @@
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
-#include "nowplaying/NowPlaying.h"
-#include "reminders/PendingNotifications.h"
-#include "reminders/ReminderScheduler.h"
+#include "support/SimulatedAgenda.h"
+#include "support/SimulatedPlatform.h"
+#include "support/SimulatedPlayers.h"
 #include "views/RootWindow.h"
 
 namespace {
@@ -72,29 +69,19 @@ int main(int argc, char* argv[]) {
     PosixFileSystem files;
     StoreFiles storeFiles({files, cloudFiles, clock, runLoop, queues, sleepFor}, xdg::stateFolder());
     X11Events events;
-    NoCalendars calendars;
-    NoNotifications notificationService;
-    PendingNotifications notificationCenter({notificationService, clock, runLoop, files, queues},
-                                            xdg::stateFolder() + "/notifications.json");
-    ReminderScheduler reminders(notificationCenter, clock);
-    CalendarFallback calendar(calendars, defaults, clock);
-    MeetingWatcher meetings({calendars, calendar, reminders, clock, runLoop});
-    NoScripts scripts;
-    NoApplications applications;
-    NoAudio audio;
-    NoMediaCommands mediaCommands;
-    NoArtwork artwork;
-    const auto scriptQueue = queues.makeQueue(NowPlaying::queueLabel);
-    NowPlaying nowPlaying({runLoop, *scriptQueue, scripts, applications, audio, mediaCommands, artwork});
+    // Nothing to meet and nothing playing, so that no other program has a part in the times.
+    testing::SimulatedPlatform simulated;
+    testing::SimulatedAgenda agenda(simulated, defaults);
+    testing::SimulatedPlayers players(simulated);
     NotchViewModel model({clock,
                           runLoop,
                           notifications,
                           defaults,
                           {clock, queues, folderEvents, cloudFiles},
                           storeFiles,
-                          calendar,
-                          meetings,
-                          nowPlaying});
+                          agenda.fallback,
+                          agenda.meetings,
+                          players.nowPlaying});
     model.start();
 
     QtWorkspace workspace;
@@ -102,7 +89,8 @@ int main(int argc, char* argv[]) {
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
     auto presenter = std::make_unique<PanelPresenter>(
-        PanelPresenter::Collaborators{model, runLoop, clock, notifications, defaults, workspace},
+        PanelPresenter::Collaborators{model, agenda.meetings, players.nowPlaying, runLoop, clock, notifications,
+                                      defaults, workspace},
         PanelPresenter::Measures{{200, 32}, 720, 680});
     auto root = std::make_unique<RootWindow>(engine, std::move(presenter));
     RootWindow& window = *root;
