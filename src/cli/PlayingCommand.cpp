@@ -42,6 +42,13 @@ public:
         finish();
         return nowPlaying_.track();
     }
+    /// Whether the sound output is muted, asked anew.
+    bool isMuted() {
+        bool muted = false;
+        queue_->post([&] { muted = player_queries::outputMuted(players_->scripts); });
+        queue_->drain();
+        return muted;
+    }
     /// Waits until all that was asked for is done.
     void finish() {
         queue_->drain();
@@ -139,9 +146,9 @@ int runPlaying(Arguments arguments, Environment& environment) {
         return track ? success : negative;
     }
     if (!track) return nothingPlays(playingCommand, environment);
-    environment.out << bold(printable(track->title), environment.outIsTerminal) << " \u2014 "
-                    << printable(track->artist) << " (" << applicationName(track->player) << ", " << stateName(*track)
-                    << ")\n";
+    environment.out << bold(printable(track->title), environment.outIsTerminal);
+    if (!track->artist.empty()) environment.out << " \u2014 " << printable(track->artist);
+    environment.out << " (" << applicationName(track->player) << ", " << stateName(*track) << ")\n";
     return success;
 }
 
@@ -167,7 +174,12 @@ int runMute(Arguments arguments, Environment& environment) {
     if (!session) return failure;
     session->nowPlaying().toggleMute();
     session->finish();
-    environment.out << (session->nowPlaying().outputMuted() ? "muted\n" : "not muted\n");
+    const bool wanted = session->nowPlaying().outputMuted();
+    if (session->isMuted() != wanted) {
+        environment.err << "dawnlyctl mute: the sound output did not follow\n";
+        return negative;
+    }
+    environment.out << (wanted ? "muted\n" : "not muted\n");
     return success;
 }
 

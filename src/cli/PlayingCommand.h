@@ -13,7 +13,8 @@ int runPlayPause(Arguments arguments, Environment& environment);
 int runNext(Arguments arguments, Environment& environment);
 int runPrevious(Arguments arguments, Environment& environment);
 
-/// Mutes the sound output, or lets it be heard again, and says which.
+/// Mutes the sound output, or lets it be heard again, and says which. `negative`, with one line on `err`, when the
+/// output cannot be muted.
 int runMute(Arguments arguments, Environment& environment);
 
 inline constexpr Command playingCommand{

@@ -136,6 +136,10 @@ TEST_F(PlayingCommandTest, MutesAndUnmutes) {
     EXPECT_EQ(run({"mute"}), success);
     EXPECT_EQ(out.str(), "not muted\n");
     EXPECT_FALSE(scripts.muted);
+    scripts.hasVolume = false;
+    EXPECT_EQ(run({"mute"}), negative);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_THAT(err.str(), HasSubstr("did not follow"));
 }
 
 TEST_F(PlayingCommandTest, WorksAlikeWhenScriptsRunOnAThreadOfTheirOwn) {
