@@ -31,7 +31,7 @@ struct DesktopCalendarStore::Mailbox {
 
 DesktopCalendarStore::DesktopCalendarStore(Ports ports)
     : ports_(std::move(ports)), mailbox_(std::make_shared<Mailbox>()) {
-    access();
+    DesktopCalendarStore::access();
 }
 
 DesktopCalendarStore::~DesktopCalendarStore() {

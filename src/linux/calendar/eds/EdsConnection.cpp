@@ -147,7 +147,7 @@ std::optional<std::vector<CalendarService::Calendar>> EdsConnection::read() {
 
 CalendarService::Added EdsConnection::add(const std::string& text) {
     using Outcome = CalendarService::Added::Outcome;
-    const CalendarService::Added nowhere{Outcome::noCalendar, "", ""};
+    CalendarService::Added nowhere{Outcome::noCalendar, "", ""};
     if (!openRegistry()) return nowhere;
     const GObjectPointer<ESource> source(e_source_registry_ref_default_calendar(registry_.get()));
     if (!source) return nowhere;
