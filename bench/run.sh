@@ -14,3 +14,5 @@ for program in "$programs"/*_bench; do
 done
 printf '\n== the folded panel beside a bare window\n'
 python3 "$here/panel/panel_bench.py" "$programs"
+printf '\n== one poll of the players\n'
+python3 "$here/players/poll_bench.py" "$programs"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -8,7 +9,7 @@
 namespace sunpane::scripts {
 
 /// A longer source is not a script of ours.
-inline constexpr std::size_t maximumSourceBytes = 64 * 1024;
+inline constexpr std::size_t maximumSourceBytes = std::size_t{64} * 1024;
 /// Blocks and expressions nest no deeper than this, which also bounds the stack of whoever walks the tree.
 inline constexpr int maximumNesting = 64;
 
