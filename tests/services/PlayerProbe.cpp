@@ -17,7 +17,8 @@ nlohmann::json toJson(const std::optional<sunpane::ScriptValue>& value) {
 }  // namespace
 
 // Prints a line of JSON for each line of input: the reply to one of the program's own scripts ("tabs", "toggle ID",
-// "show ID", "spotify", "music"), which applications run ("running"), or nothing after the media key ("key").
+// "show ID", "spotify", "music"), which applications run ("running"), or nothing after the media key ("key") and after
+// "open BUNDLE".
 int main() {
     using namespace sunpane;
     namespace scripts = player_scripts;
@@ -37,6 +38,8 @@ int main() {
             answer = toJson(players.scripts.run(scripts::query(word == "music" ? Player::music : Player::spotify)));
         } else if (word == "key") {
             players.scripts.togglePlayPause();
+        } else if (word == "open" && std::cin >> word) {
+            players.applications.open(word);
         } else if (word == "running") {
             answer = nlohmann::json::array();
             for (const char* bundle : {"com.spotify.client", "com.apple.Music", "com.google.Chrome"}) {

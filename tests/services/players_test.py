@@ -108,6 +108,24 @@ class PlayersTest(unittest.TestCase):
         stuck.process.kill()
         self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "paused|||late.wav|||")
 
+    def test_opening_shows_the_player_or_starts_it(self):
+        self.start_sound_server()
+        os.mkdir(f"{self.home}/bin")
+        with open(f"{self.home}/bin/spotify", "w", encoding="ascii") as program:
+            program.write('#!/bin/sh\necho started >"$HOME/started"\n')
+        os.chmod(program.name, 0o755)
+        self.session.environment["PATH"] = f"{self.home}/bin:" + self.session.environment["PATH"]
+        monitor = self.session.start("dbus-monitor", "interface='org.mpris.MediaPlayer2',member='Raise'")
+        monitor.wait_for("signal .*NameAcquired")
+        probe = self.start_probe()
+        self.ask(probe, "open com.spotify.client")
+        self.wait_until(lambda: os.path.exists(f"{self.home}/started"), bool)
+        self.ask(probe, "open com.apple.Music")
+        self.start_player("first.wav")
+        self.wait_until(lambda: self.ask(probe, "running"), lambda running: running == ["com.apple.Music"])
+        self.ask(probe, "open com.apple.Music")
+        monitor.wait_for("method call .* destination=org.mpris.MediaPlayer2.mpv .*member=Raise")
+
     def start_browser(self, url):
         """A browser with the profile that it has when nobody chooses one, listening for debuggers."""
         site = media.Site(f"{self.home}/pages")

@@ -16,7 +16,7 @@ namespace sunpane {
 namespace {
 
 // What a reply holds back until it is read; more than that is left with the server.
-constexpr qint64 readBufferBytes = 64 * 1024;
+constexpr qint64 readBufferBytes = qint64{64} * 1024;
 
 QNetworkRequest requestFor(const QUrl& url) {
     QNetworkRequest request(url);

@@ -1,5 +1,13 @@
 #include "linux/players/PlayerApplications.h"
 
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <string>
+
 #include "linux/players/DevToolsEndpoint.h"
 
 namespace sunpane {
@@ -8,6 +16,24 @@ namespace {
 constexpr std::string_view spotifyBundle = "com.spotify.client";
 constexpr std::string_view musicBundle = "com.apple.Music";
 constexpr std::string_view chromeBundle = "com.google.Chrome";
+
+/// Starts a program that outlives us and has nothing to do with our terminal. Nothing happens when it is not installed.
+void start(std::string program) {
+    std::string detacher = "setsid";
+    std::string fork = "--fork";
+    const std::array<char*, 4> arguments{detacher.data(), fork.data(), program.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    if (posix_spawn_file_actions_init(&actions) != 0) return;
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    pid_t child = 0;
+    // The child only starts the program, so that whoever takes in orphans waits for that, and we wait for next to
+    // nothing.
+    if (posix_spawnp(&child, detacher.c_str(), &actions, nullptr, arguments.data(), environ) == 0) {
+        waitpid(child, nullptr, 0);
+    }
+    posix_spawn_file_actions_destroy(&actions);
+}
 
 }  // namespace
 
@@ -24,8 +50,11 @@ bool PlayerApplications::isRunning(std::string_view bundleIdentifier) const {
 
 void PlayerApplications::open(std::string_view bundleIdentifier) {
     if (bundleIdentifier == spotifyBundle) {
-        // The bus starts it if it does not run, where it was installed with that ability.
-        watcher_.raise(directory_.spotify().value_or(std::string(PlayerDirectory::namePrefix) + "spotify"));
+        if (const auto player = directory_.spotify()) {
+            watcher_.raise(*player);
+        } else {
+            start("spotify");
+        }
     } else if (bundleIdentifier == musicBundle) {
         if (const auto player = directory_.music()) watcher_.raise(*player);
     }
