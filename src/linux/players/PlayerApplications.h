@@ -17,7 +17,8 @@ public:
 
     bool loaded() const override;
     bool isRunning(std::string_view bundleIdentifier) const override;
-    /// A player that can show itself does so; which one is the Music application while none runs, nobody knows.
+    /// A player that runs is asked to show itself. Spotify is started otherwise; which program the Music application
+    /// would be while none runs, nobody knows.
     void open(std::string_view bundleIdentifier) override;
 
 private:
