@@ -8,13 +8,13 @@
 #include "base/AppIdentity.h"
 #include "calendar/CalendarFallback.h"
 #include "calendar/MeetingWatcher.h"
-#include "dawnly/MissingServices.h"
 #include "dawnly/PanelAssembly.h"
 #include "dawnly/TerminationSignals.h"
 #include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/calendar/eds/EdsModule.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/DesktopNotificationService.h"
+#include "linux/desktop/QtArtworkLoader.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtScreens.h"
 #include "linux/desktop/QtWorkspace.h"
@@ -82,7 +82,7 @@ private:
     sunpane::CalendarFallback calendar_{calendars_, defaults_, clock_};
     sunpane::MeetingWatcher meetings_{{calendars_, calendar_, reminders_, clock_, runLoop_}};
     sunpane::PlayerAdapters players_{defaults_};
-    sunpane::NoArtwork artwork_;
+    sunpane::QtArtworkLoader artwork_{runLoop_, queues_};
     std::unique_ptr<sunpane::WorkQueue> scriptQueue_ = queues_.makeQueue(sunpane::NowPlaying::queueLabel);
     sunpane::NowPlaying nowPlaying_{
         {runLoop_, *scriptQueue_, players_.scripts, players_.applications, players_.audio, players_.scripts, artwork_}};

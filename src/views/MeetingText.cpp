@@ -103,9 +103,13 @@ std::string timeLine(const Meeting& meeting, Instant now, const LocalCalendar& c
 std::string displayMarkdown(std::string_view markdown) {
     std::string text;
     text.reserve(markdown.size());
+    const std::size_t lastEnd = markdown.rfind(')');
+    const char* const end = markdown.data() + (lastEnd == std::string_view::npos ? 0 : lastEnd);
     while (!markdown.empty()) {
         std::size_t length = 0;
-        if (markdown.front() == ' ' || markdown.front() == dot.front()) length = joinMarkupLength(markdown);
+        // Behind the last bracket there is no end to search for.
+        const bool mayBegin = markdown.front() == ' ' || markdown.front() == dot.front();
+        if (mayBegin && markdown.data() < end) length = joinMarkupLength(markdown);
         if (length == 0) {
             text += markdown.front();
             length = 1;

@@ -1,6 +1,5 @@
 #include "views/NowPlayingPresenter.h"
 
-#include <QVariantMap>
 #include <utility>
 
 #include "views/NowPlayingRules.h"
@@ -41,17 +40,20 @@ void NowPlayingPresenter::refresh() {
         title_ = toQt(track->title);
         artist_ = toQt(track->artist);
         coverTooltip_ = toQt(now_playing_rules::coverTooltip(*track));
-        QVariantList buttons;
-        for (const auto& button : now_playing_rules::transportButtons(*track, nowPlaying_.outputMuted())) {
-            buttons.append(QVariantMap{{QStringLiteral("key"), toQt(button.key)},
-                                       {QStringLiteral("symbol"), toQt(button.symbol)},
-                                       {QStringLiteral("symbolSize"), button.symbolSize},
-                                       {QStringLiteral("label"), toQt(button.label)}});
-        }
-        // Only a real change makes the buttons anew: one of them may have the keyboard.
-        if (std::exchange(buttons_, buttons) != buttons) emit buttonsChanged();
+        showButtons(*track);
     }
     emit changed();
+}
+
+void NowPlayingPresenter::showButtons(const Track& track) {
+    QStringList keys;
+    for (const auto& button : now_playing_rules::transportButtons(track, nowPlaying_.outputMuted())) {
+        keys.append(toQt(button.key));
+        buttons_.insert(keys.back(), QVariantMap{{QStringLiteral("symbol"), toQt(button.symbol)},
+                                                 {QStringLiteral("symbolSize"), button.symbolSize},
+                                                 {QStringLiteral("label"), toQt(button.label)}});
+    }
+    if (std::exchange(buttonKeys_, keys) != keys) emit buttonKeysChanged();
 }
 
 qreal NowPlayingPresenter::hitArea() const {

@@ -3,11 +3,13 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
-#include <QVariantList>
+#include <QStringList>
+#include <QVariantMap>
 #include <memory>
 
 #include "base/RunLoop.h"
 #include "nowplaying/NowPlaying.h"
+#include "views/SpringCurve.h"
 
 namespace sunpane {
 
@@ -22,9 +24,12 @@ class NowPlayingPresenter : public QObject {
     /// Null without a cover.
     Q_PROPERTY(QImage cover READ cover NOTIFY changed)
     Q_PROPERTY(bool hasCover READ hasCover NOTIFY changed)
-    /// The buttons from left to right: objects with `key`, `symbol`, `symbolSize` and `label`.
-    Q_PROPERTY(QVariantList buttons READ buttons NOTIFY buttonsChanged)
+    /// The keys of the buttons from left to right, and by key what each shows: objects with `symbol`, `symbolSize` and
+    /// `label`. Only another kind of source makes the buttons anew: one of them may have the keyboard.
+    Q_PROPERTY(QStringList buttonKeys READ buttonKeys NOTIFY buttonKeysChanged)
+    Q_PROPERTY(QVariantMap buttons READ buttons NOTIFY changed)
     Q_PROPERTY(qreal hitArea READ hitArea CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve spring READ spring CONSTANT)
 
 public:
     NowPlayingPresenter(NowPlaying& nowPlaying, RunLoop& runLoop);
@@ -35,8 +40,10 @@ public:
     const QString& coverTooltip() const { return coverTooltip_; }
     const QImage& cover() const { return cover_; }
     bool hasCover() const { return !cover_.isNull(); }
-    const QVariantList& buttons() const { return buttons_; }
+    const QStringList& buttonKeys() const { return buttonKeys_; }
+    const QVariantMap& buttons() const { return buttons_; }
     qreal hitArea() const;
+    SpringCurve spring() const { return spring_; }
 
     /// The button with that key was pressed.
     Q_INVOKABLE void press(const QString& key);
@@ -44,20 +51,23 @@ public:
 
 signals:
     void changed();
-    void buttonsChanged();
+    void buttonKeysChanged();
 
 private:
     void scheduleRefresh();
     void refresh();
+    void showButtons(const Track& track);
 
     NowPlaying& nowPlaying_;
     RunLoop& runLoop_;
     QString title_;
     QString artist_;
     QString coverTooltip_;
-    QVariantList buttons_;
+    QStringList buttonKeys_;
+    QVariantMap buttons_;
     std::shared_ptr<const Artwork> artwork_;
     QImage cover_;  // of `artwork_`
+    SpringCurve spring_{NowPlaying::animation};
     bool refreshPosted_ = false;
     Subscription changes_;
     std::shared_ptr<NowPlayingPresenter*> self_;

@@ -153,8 +153,8 @@ Item {
         Behavior on shownPart {
             enabled: card.presenter.expanded
             NumberAnimation {
-                duration: card.presenter.scheduleSpring.duration
-                easing: card.presenter.scheduleSpring.curve
+                duration: card.presenter.nowPlaying.spring.duration
+                easing: card.presenter.nowPlaying.spring.curve
             }
         }
         NowPlayingStrip {

@@ -14,7 +14,7 @@ Rectangle {
     border.color: Style.hairline
 
     Accessible.role: Accessible.Grouping
-    Accessible.name: qsTr("Now playing: %1, %2").arg(track.title).arg(track.artist)
+    Accessible.name: qsTr("Now playing: ") + track.title + ", " + track.artist
 
     Item {
         id: cover
@@ -116,22 +116,23 @@ Rectangle {
         spacing: 4
 
         Repeater {
-            model: strip.track.buttons
+            model: strip.track.buttonKeys
 
             // The whole square takes the click.
             Item {
                 id: transport
-                required property var modelData
+                required property string modelData
+                readonly property var look: strip.track.buttons[modelData]
                 width: strip.track.hitArea
                 height: width
                 activeFocusOnTab: true
 
                 function press() {
-                    strip.track.press(modelData.key);
+                    strip.track.press(modelData);
                 }
 
                 Accessible.role: Accessible.Button
-                Accessible.name: modelData.label
+                Accessible.name: look.label
                 Accessible.focusable: true
                 Accessible.onPressAction: press()
                 Keys.onReturnPressed: press()
@@ -140,9 +141,9 @@ Rectangle {
 
                 SymbolIcon {
                     anchors.centerIn: parent
-                    width: transport.modelData.symbolSize
+                    width: transport.look.symbolSize
                     height: width
-                    symbol: transport.modelData.symbol
+                    symbol: transport.look.symbol
                     color: area.containsMouse ? Style.text : Style.secondaryText
                 }
                 FocusRing {
@@ -156,7 +157,7 @@ Rectangle {
                     onClicked: transport.press()
                 }
                 Tooltip {
-                    text: transport.modelData.label
+                    text: transport.look.label
                     shown: area.containsMouse && !area.pressed
                     anchors.right: parent.right
                     anchors.bottom: parent.top

@@ -13,7 +13,7 @@ Rectangle {
     border.color: Style.meetingEdge
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: qsTr("Next meeting: %1, %2").arg(presenter.meetingTitle).arg(presenter.meetingTime)
+    Accessible.name: qsTr("Next meeting: ") + presenter.meetingTitle + ", " + presenter.meetingTime
 
     SymbolIcon {
         id: icon
