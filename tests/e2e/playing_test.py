@@ -92,6 +92,21 @@ class Playing(unittest.TestCase):
         d.click(MUTE, STRIP_Y)
         d.wait_for(lambda: not self.is_muted(), "the sound to be on")
 
+    def test_a_track_with_a_cover_shows_it(self):
+        d = self.desktop
+        d.run("convert", "-size", "300x300", "xc:#2060e0", d.home + "/cover.png")
+        d.start("/usr/bin/python3", os.path.join(os.path.dirname(media.__file__), "mpris_player.py"), "spotify", "Weightless",
+                "Marconi Union", "file://" + d.home + "/cover.png")
+        d.start_program()
+        self.open_panel()
+        self.wait_for_strip()
+        d.wait_for(lambda: d.screenshot().at(COVER_X, STRIP_Y) == (0x20, 0x60, 0xE0), "the cover")
+        self.picture("cover.png")
+        with_cover = self.lit_pixels(PLAY)
+        d.click(PLAY, STRIP_Y)
+        d.move(PLAY - 200, STRIP_Y)
+        d.wait_for(lambda: self.lit_pixels(PLAY) != with_cover, "the button to change its symbol")
+
     def test_a_browser_tab_is_shown_and_controlled(self):
         d = self.desktop
         site = media.Site(d.home + "/pages")
