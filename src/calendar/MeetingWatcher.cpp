@@ -101,7 +101,7 @@ void MeetingWatcher::refreshWithAccess() {
         if (*meeting.start >= now + alertHorizon || alerts.size() == maximumAlerts) break;
         alerts.push_back(alertFor(meeting));
     }
-    with_.reminders.syncMeetingAlerts(std::move(alerts));
+    with_.reminders.syncMeetingAlerts(std::move(alerts), with_.store.complete());
     publish(mostLikelyMeeting(meetings));
 }
 

@@ -65,7 +65,8 @@ public:
     const std::optional<Meeting>& next() const { return next_; }
 
     /// Computes `next` anew and brings the alerts in line with it. Without `mayPrompt` nothing happens unless access
-    /// was granted already, and the user is never asked. While the calendars are being read nothing happens either.
+    /// was granted already, and the user is never asked. While the calendars are being read nothing happens either;
+    /// while some are still missing, no alert is taken back for want of its meeting.
     void refresh(bool mayPrompt);
 
     /// The panel was opened (true) or folded.

@@ -55,6 +55,11 @@ public:
     /// is announced at the end of the first reading tells when.
     virtual bool loaded() const = 0;
 
+    /// Whether `events` answers for all calendars. While some have never been read since access was granted, as when
+    /// their server is slow to start, an event that is missing need not be gone. False until `loaded`; a store that
+    /// reads all or nothing is complete from then on.
+    virtual bool complete() const { return loaded(); }
+
     /// All events of all calendars that overlap [from, to), in an order that stays the same while nothing changes.
     /// Empty without full access.
     virtual std::vector<CalendarEvent> events(Instant from, Instant to) const = 0;

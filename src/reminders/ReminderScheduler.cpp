@@ -90,18 +90,19 @@ void ReminderScheduler::cancel(const Uuid& todoID) {
     center_.removePending({identifier});
 }
 
-void ReminderScheduler::syncMeetingAlerts(std::vector<MeetingAlert> alerts) {
+void ReminderScheduler::syncMeetingAlerts(std::vector<MeetingAlert> alerts, bool complete) {
     const std::uint64_t number = ++lastSync_;
-    ensureAuth([this, number, alerts = std::move(alerts)]() mutable {
+    ensureAuth([this, number, complete, alerts = std::move(alerts)]() mutable {
         if (number != lastSync_) return;
-        center_.pending([weak = std::weak_ptr(self_), number, alerts = std::move(alerts)](const auto& pending) {
-            const auto self = weak.lock();
-            if (self && number == (*self)->lastSync_) (*self)->replaceMeetingAlerts(alerts, pending);
-        });
+        center_.pending(
+            [weak = std::weak_ptr(self_), number, complete, alerts = std::move(alerts)](const auto& pending) {
+                const auto self = weak.lock();
+                if (self && number == (*self)->lastSync_) (*self)->replaceMeetingAlerts(alerts, complete, pending);
+            });
     });
 }
 
-void ReminderScheduler::replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts,
+void ReminderScheduler::replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, bool complete,
                                              const std::vector<NotificationRequest>& pending) {
     std::map<std::string, NotificationRequest> wanted;
     for (const auto& alert : alerts) {
@@ -114,7 +115,8 @@ void ReminderScheduler::replaceMeetingAlerts(const std::vector<MeetingAlert>& al
         if (!request.identifier.starts_with(notification_id::meetingPrefix)) continue;
         const auto found = wanted.find(request.identifier);
         // A meeting that was moved so close that it is not announced any more must not be announced for its old time.
-        if (found == wanted.end() || found->second.trigger != request.trigger) unwanted.push_back(request.identifier);
+        const bool isUnwanted = found == wanted.end() ? complete : found->second.trigger != request.trigger;
+        if (isUnwanted) unwanted.push_back(request.identifier);
     }
     if (!unwanted.empty()) center_.removePending(unwanted);
     for (const auto& [identifier, request] : wanted) {

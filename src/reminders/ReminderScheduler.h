@@ -61,7 +61,8 @@ public:
     void cancel(const Uuid& todoID);
 
     /// Makes the pending meeting alerts those of `alerts` that are still to come. Of overlapping calls the last counts.
-    void syncMeetingAlerts(std::vector<MeetingAlert> alerts);
+    /// Unless `complete`, some meetings are not known yet: what is pending for others than these stays.
+    void syncMeetingAlerts(std::vector<MeetingAlert> alerts, bool complete = true);
 
     /// Runs `action` on the main thread, whatever the user's answer, once it is known whether notifications may be
     /// shown; asks the user if that was never decided.
@@ -72,7 +73,8 @@ public:
                                            const std::optional<std::string>& repeatRule, const Clock& clock);
 
 private:
-    void replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, const std::vector<NotificationRequest>& pending);
+    void replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, bool complete,
+                              const std::vector<NotificationRequest>& pending);
 
     UserNotificationCenter& center_;
     const Clock& clock_;

@@ -180,6 +180,18 @@ TEST_F(MeetingWatcherTest, ChangesNothingWhileTheCalendarsAreBeingRead) {
     EXPECT_THAT(center.identifiers(), IsEmpty());
 }
 
+TEST_F(MeetingWatcherTest, TakesNoAlertBackWhileCalendarsAreMissing) {
+    store.all = {timedEvent("Of a slow server", start + 3600), timedEvent("Moved close", start + 3600)};
+    refresh();
+    store.isComplete = false;
+    store.all = {timedEvent("New", start + 7200), timedEvent("Moved close", start + 600)};
+    refresh();
+    EXPECT_THAT(center.identifiers(), ElementsAre("meeting-event-New", "meeting-event-Of a slow server"));
+    store.isComplete = true;
+    refresh();
+    EXPECT_THAT(center.identifiers(), ElementsAre("meeting-event-New"));
+}
+
 TEST_F(MeetingWatcherTest, LeavesNothingRunningWhenItGoes) {
     store.status = CalendarAccess::notDetermined;
     watcher->refresh(true);

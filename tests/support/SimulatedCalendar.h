@@ -21,6 +21,7 @@ public:
         question_ = std::move(answer);
     }
     bool loaded() const override { return isLoaded; }
+    bool complete() const override { return isLoaded && isComplete; }
     std::vector<CalendarEvent> events(Instant from, Instant to) const override {
         if (status != CalendarAccess::full || !isLoaded) return {};
         std::vector<CalendarEvent> found;
@@ -45,6 +46,7 @@ public:
 
     CalendarAccess status = CalendarAccess::full;
     bool isLoaded = true;
+    bool isComplete = true;
     std::vector<CalendarEvent> all;
     int questions = 0;
     std::vector<NewEvent> added;

@@ -140,13 +140,14 @@ bool CalendarReader::readFolder() {
 }
 
 bool CalendarReader::readFile(const IcsFolderCalendar::File& file) {
-    Parsed& parsed = files_[file.path];
+    const auto [entry, isNew] = files_.try_emplace(file.path);
+    Parsed& parsed = entry->second;
     if (parsed.content && parsed.stamp == file.stamp) return false;
     const FileReading reading = ports_.files.read(file.path, maximumCalendarFileSize);
-    const bool isRead = reading.status == FileReading::Status::read;
+    // What was read before counts until the file can be read again, which the next look tries.
+    if (reading.status != FileReading::Status::read) return isNew;
     // Written to since it was found: the stamp of what was read is the one to compare with.
-    parsed = {isRead ? reading.stamp : file.stamp, std::make_shared<const IcsContent>(readIcs(reading.bytes, zones_)),
-              nullptr};
+    parsed = {reading.stamp, std::make_shared<const IcsContent>(readIcs(reading.bytes, zones_)), nullptr};
     return true;
 }
 
@@ -177,6 +178,7 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
     const bool first = !std::exchange(serviceSettled_, true);
     bool complete = answer.has_value();
     if (answer) {
+        serviceKnown_ = true;
         std::vector<ServiceCalendar> known = std::move(serviceCalendars_);
         serviceCalendars_.clear();
         for (auto& calendar : *answer) {
@@ -189,8 +191,6 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
                 taken.parsed.content = std::make_shared<const IcsContent>(readIcs(*calendar.text, zones_));
             } else if (before != known.end()) {
                 taken.parsed = std::move(before->parsed);
-            } else {
-                taken.parsed.content = std::make_shared<const IcsContent>();
             }
             serviceCalendars_.push_back(std::move(taken));
         }
@@ -219,6 +219,15 @@ CalendarSnapshot::Part CalendarReader::toPart(std::size_t calendar, Parsed& pars
     return {calendar, parsed.content, parsed.occurrences};
 }
 
+bool CalendarReader::isComplete() const {
+    const bool hasFiles =
+        std::all_of(files_.begin(), files_.end(), [](const auto& file) { return file.second.content != nullptr; });
+    const bool hasService =
+        std::all_of(serviceCalendars_.begin(), serviceCalendars_.end(),
+                    [](const ServiceCalendar& calendar) { return calendar.parsed.content != nullptr; });
+    return hasFiles && hasService && (serviceKnown_ || service_ == nullptr);
+}
+
 void CalendarReader::publish() {
     if (!folderRead_ || !serviceSettled_ || stopped_) return;
     std::vector<CalendarInfo> calendars;
@@ -227,6 +236,7 @@ void CalendarReader::publish() {
         std::optional<std::string> title;
         for (const auto& file : calendar.files) {
             Parsed& parsed = files_[file.path];
+            if (!parsed.content) continue;
             if (!title) title = parsed.content->calendarName;
             parts.push_back(toPart(calendars.size(), parsed));
         }
@@ -234,10 +244,15 @@ void CalendarReader::publish() {
             {folderIdentifier(calendar.entry), title ? std::move(*title) : text::toValidUtf8(calendar.title()), false});
     }
     for (auto& calendar : serviceCalendars_) {
-        parts.push_back(toPart(calendars.size(), calendar.parsed));
+        if (calendar.parsed.content) parts.push_back(toPart(calendars.size(), calendar.parsed));
         calendars.push_back(calendar.info);
     }
-    publish_(std::make_shared<const CalendarSnapshot>(span_, std::move(calendars), std::move(parts)));
+    auto snapshot =
+        std::make_shared<const CalendarSnapshot>(span_, std::move(calendars), std::move(parts), isComplete());
+    // Whoever looks at the calendars begins anew at each change.
+    if (published_ && published_->saysTheSameAs(*snapshot)) return;
+    published_ = std::move(snapshot);
+    publish_(published_);
 }
 
 void CalendarReader::add(const CalendarStore::NewEvent& event, std::function<void(std::optional<std::string>)> done) {

@@ -20,8 +20,8 @@
 
 namespace sunpane {
 
-/// Reads the calendars of the folder and of the service and publishes a snapshot whenever they changed. A file is
-/// parsed again only when its stamp differs. Lives on its queue: all but the constructor, the destructor and `stop`
+/// Reads the calendars of the folder and of the service and publishes a snapshot whenever it says something new. A file
+/// is parsed again only when its stamp differs. Lives on its queue: all but the constructor, the destructor and `stop`
 /// is called there. `stop` comes first, then the queue is destroyed, then the reader.
 class CalendarReader {
 public:
@@ -73,6 +73,7 @@ public:
 private:
     struct Parsed {
         FileStamp stamp;
+        /// What was read last; null until the first reading that succeeds.
         std::shared_ptr<const IcsContent> content;
         /// What of it falls into the span; null until it is needed.
         std::shared_ptr<const std::vector<IcsOccurrence>> occurrences;
@@ -103,10 +104,13 @@ private:
     std::optional<std::string> addToFolder(const std::string& uid, const std::string& text);
 
     void publish();
+    bool isComplete() const;
     CalendarSnapshot::Part toPart(std::size_t calendar, Parsed& parsed) const;
 
     Ports ports_;
     Publish publish_;
+    // What was published last.
+    std::shared_ptr<const CalendarSnapshot> published_;
     std::atomic<bool> stopped_{false};
     IcsZones zones_;
 
@@ -126,6 +130,8 @@ private:
     bool serviceAsked_ = false;
     bool serviceChangedMeanwhile_ = false;
     bool serviceSettled_ = false;
+    // Whether it ever told which calendars there are.
+    bool serviceKnown_ = false;
     Seconds retryDelay_ = firstRetry;
     std::map<std::uint64_t, PendingAdd> pendingAdds_;
     std::uint64_t nextAdd_ = 0;

@@ -6,8 +6,9 @@
 
 namespace sunpane {
 
-CalendarSnapshot::CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts)
-    : span_(span), calendars_(std::move(calendars)), parts_(std::move(parts)) {
+CalendarSnapshot::CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts,
+                                   bool complete)
+    : span_(span), calendars_(std::move(calendars)), parts_(std::move(parts)), complete_(complete) {
     for (const auto& part : parts_) {
         for (const auto& occurrence : *part.occurrences)
             entries_.push_back({&occurrence, part.calendar, {}});
@@ -33,6 +34,15 @@ std::vector<CalendarEvent> CalendarSnapshot::events(Instant from, Instant to) co
         if (overlaps(entry->occurrence->time, {from, to})) found.push_back(toEvent(*entry));
     }
     return found;
+}
+
+bool CalendarSnapshot::saysTheSameAs(const CalendarSnapshot& other) const {
+    if (span_ != other.span_ || complete_ != other.complete_ || calendars_ != other.calendars_) return false;
+    return std::equal(entries_.begin(), entries_.end(), other.entries_.begin(), other.entries_.end(),
+                      [&](const Entry& mine, const Entry& others) {
+                          if (mine.occurrence == others.occurrence && mine.calendar == others.calendar) return true;
+                          return toEvent(mine) == other.toEvent(others);
+                      });
 }
 
 CalendarEvent CalendarSnapshot::toEvent(const Entry& entry) const {

@@ -20,15 +20,19 @@ public:
         std::shared_ptr<const std::vector<IcsOccurrence>> occurrences;
     };
 
-    /// `Part::calendar` counts through `calendars`.
-    CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts);
+    /// `Part::calendar` counts through `calendars`. Not `complete` when some calendar could never be read yet.
+    CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts, bool complete = true);
 
     TimeSpan span() const { return span_; }
+    bool complete() const { return complete_; }
     const std::vector<CalendarInfo>& calendars() const { return calendars_; }
 
     /// What overlaps [from, to), by start; events with the same start in the order of calendars and identifiers. Takes
     /// time for what is found and for what is still going on from earlier, not for all that there is.
     std::vector<CalendarEvent> events(Instant from, Instant to) const;
+
+    /// Whether all that can be asked has the same answer in both.
+    bool saysTheSameAs(const CalendarSnapshot& other) const;
 
 private:
     struct Entry {
@@ -42,6 +46,7 @@ private:
     TimeSpan span_;
     std::vector<CalendarInfo> calendars_;
     std::vector<Part> parts_;
+    bool complete_;
     // By start.
     std::vector<Entry> entries_;
 };

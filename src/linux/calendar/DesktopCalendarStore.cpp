@@ -126,6 +126,10 @@ bool DesktopCalendarStore::loaded() const {
     return access() == CalendarAccess::full && snapshot_ != nullptr;
 }
 
+bool DesktopCalendarStore::complete() const {
+    return loaded() && snapshot_->complete();
+}
+
 std::vector<CalendarEvent> DesktopCalendarStore::events(Instant from, Instant to) const {
     if (!loaded()) return {};
     const TimeSpan span = snapshot_->span();

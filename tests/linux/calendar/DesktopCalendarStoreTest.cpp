@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,16 @@ private:
     State& state_;
 };
 
+/// Real files, some of which cannot be read for a while.
+class FailingFiles : public PosixFileSystem {
+public:
+    FileReading read(const std::string& path, std::size_t maximumBytes) const override {
+        if (unreadable.contains(path)) return {FileReading::Status::unreadable, "", {}};
+        return PosixFileSystem::read(path, maximumBytes);
+    }
+    std::set<std::string> unreadable;
+};
+
 class DesktopCalendarStoreTest : public ::testing::Test {
 protected:
     DesktopCalendarStoreTest() { std::filesystem::create_directory(calendars); }
@@ -86,7 +97,7 @@ protected:
     testing::SimulatedPlatform platform;
     testing::SimulatedFolderEvents folderEvents;
     testing::SimulatedUserDefaults defaults;
-    PosixFileSystem files;
+    FailingFiles files;
     FakeService::State service;
     std::vector<std::function<void(CalendarAccess)>> prompts;
     int changes = 0;
@@ -306,6 +317,77 @@ TEST_F(DesktopCalendarStoreTest, GoesOnWithoutAServiceThatHangs) {
     service.adds[0].second({});
     service.changed();
     platform.time.runPending();
+}
+
+TEST_F(DesktopCalendarStoreTest, KnowsWhetherItsPictureIsComplete) {
+    grant();
+    open(true);
+    EXPECT_FALSE(store->complete());
+    platform.time.advance(CalendarReader::servicePatience);
+    EXPECT_TRUE(store->loaded());
+    EXPECT_FALSE(store->complete()) << "the service has not answered";
+    const auto answer = [&](std::optional<std::vector<CalendarService::Calendar>> answered) {
+        service.reads.back()(std::move(answered));
+        platform.time.runPending();
+    };
+    answer(std::nullopt);
+    EXPECT_FALSE(store->complete()) << "it did not start in time";
+    platform.time.advance(CalendarReader::firstRetry);
+    answer({{serviceCalendar("s1", oneEvent("A")), serviceCalendar("s2", std::nullopt)}});
+    EXPECT_THAT(titles(), ElementsAre("A@s1"));
+    EXPECT_FALSE(store->complete()) << "one calendar was never read";
+    platform.time.advance(2 * CalendarReader::firstRetry);
+    answer({{serviceCalendar("s1", oneEvent("A")), serviceCalendar("s2", oneEvent("B"))}});
+    EXPECT_TRUE(store->complete());
+    service.changed();
+    platform.time.advance(CalendarReader::settleTime);
+    answer({{serviceCalendar("s1", std::nullopt), serviceCalendar("s2", oneEvent("B"))}});
+    EXPECT_THAT(titles(), ElementsAre("A@s1", "B@s2"));
+    EXPECT_TRUE(store->complete()) << "what was read before still counts";
+}
+
+TEST_F(DesktopCalendarStoreTest, TellsOfNothingThatIsAsItWas) {
+    grant();
+    open(true);
+    platform.time.runPending();
+    std::vector<CalendarService::Calendar> answer{serviceCalendar("s1", oneEvent("A")),
+                                                  serviceCalendar("broken", std::nullopt)};
+    service.reads.back()(answer);
+    platform.time.runPending();
+    EXPECT_EQ(changes, 1);
+    // The broken calendar is tried again and again.
+    for (std::size_t i = 1; i < 6; ++i) {
+        platform.time.advance(CalendarReader::longestRetry);
+        ASSERT_GT(service.reads.size(), i);
+        service.reads.back()(answer);
+    }
+    platform.time.runPending();
+    EXPECT_EQ(changes, 1);
+    answer[0].text = oneEvent("A", "LOCATION:Room 1\n");
+    service.changed();
+    platform.time.advance(CalendarReader::settleTime);
+    service.reads.back()(answer);
+    platform.time.runPending();
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(DesktopCalendarStoreTest, KeepsWhatItReadOfAFileThatCannotBeRead) {
+    write("work.ics", oneEvent("A"));
+    write("new.ics", oneEvent("B"));
+    files.unreadable = {calendars + "/new.ics"};
+    grant();
+    open();
+    platform.time.runPending();
+    EXPECT_THAT(titles(), ElementsAre("A@work"));
+    EXPECT_FALSE(store->complete());
+    files.unreadable = {calendars + "/work.ics"};
+    write("work.ics", oneEvent("A2"));
+    platform.time.advance(CalendarReader::pollInterval);
+    EXPECT_THAT(titles(), ElementsAre("B@new", "A@work"));
+    EXPECT_TRUE(store->complete());
+    files.unreadable.clear();
+    platform.time.advance(CalendarReader::pollInterval);
+    EXPECT_THAT(titles(), ElementsAre("B@new", "A2@work"));
 }
 
 TEST_F(DesktopCalendarStoreTest, WritesNewEventsToTheServiceWhenItHasACalendarForThem) {
