@@ -131,7 +131,7 @@ class PlayersTest(unittest.TestCase):
         site = media.Site(f"{self.home}/pages")
         self.addCleanup(site.close)
         profile = f"{self.home}/.config/chromium"
-        self.session.start(*media.browser_command(profile, site.port, url))
+        self.browser = self.session.start(*media.browser_command(profile, site.port, url))
         return self.wait_until(lambda: media.debugging_port(profile), lambda port: port is not None, timeout=40)
 
     def open_page(self, port, url):
@@ -140,8 +140,8 @@ class PlayersTest(unittest.TestCase):
 
     def pages(self, port):
         """Address and title of the browser's tabs, the one that was shown last first."""
-        with urllib.request.urlopen(f"http://127.0.0.1:{port}/json/list", timeout=10) as answer:
-            return [(page["url"], page["title"]) for page in json.load(answer) if page["type"] == "page"]
+        return [(page["url"], page["title"]) for page in media.ask_browser(port, "/json/list")
+                if page["type"] == "page"]
 
     def test_a_browser_tab_is_found_paused_resumed_and_shown(self):
         self.start_sound_server()
@@ -175,6 +175,44 @@ class PlayersTest(unittest.TestCase):
         self.wait_until(lambda: self.pages(port), lambda pages: pages[0][0] == song)
         tabs = [line.split("|||") for line in self.ask(probe, "tabs").splitlines()]
         self.assertEqual([(tab[2], tab[3]) for tab in tabs], [("1", number), ("0", tabs[1][3])])
+
+    def tabs(self, probe):
+        """Window, whether it shows, name and address of each tab, as the program sees them."""
+        lines = (line.split("|||") for line in (self.ask(probe, "tabs") or "").splitlines())
+        return {(fields[0], fields[2] == "1", fields[3], fields[4]) for fields in lines}
+
+    def test_a_tab_opened_in_the_background_is_not_the_one_that_shows(self):
+        song, article = f"http://{media.MEDIA_HOST}/set.html", "http://news.example/article.html"
+        port = self.start_browser(song)
+        self.wait_until(lambda: self.pages(port), lambda pages: (song, media.TITLE) in pages)
+        probe = self.start_probe()
+        for count in range(1, 8):
+            media.call_browser(port, "Target.createTarget", url=f"{article}?{count}", background=True)
+            self.wait_until(lambda: self.pages(port), lambda pages: (f"{article}?{count}", "An article") in pages)
+            tabs = self.tabs(probe)
+            self.assertEqual(len(tabs), count + 1)
+            self.assertEqual([url for _, shows, _, url in tabs if shows], [song])
+
+        # While the browser does not answer, its tabs keep their names.
+        self.browser.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(self.browser.process.send_signal, signal.SIGCONT)
+        self.assertEqual(self.tabs(probe), set())
+        self.browser.process.send_signal(signal.SIGCONT)
+        names = {(number, url) for _, _, number, url in tabs}
+        again = self.wait_until(lambda: self.tabs(probe), bool)
+        self.assertEqual({(number, url) for _, _, number, url in again}, names)
+
+    def test_a_page_that_hangs_does_not_hide_the_one_that_shows(self):
+        song, hanging = f"http://{media.MEDIA_HOST}/set.html", "data:text/html,<script>while(true);</script>"
+        port = self.start_browser(song)
+        self.wait_until(lambda: self.pages(port), lambda pages: (song, media.TITLE) in pages)
+        probe = self.start_probe()
+        media.call_browser(port, "Target.createTarget", url=hanging, background=True)
+        for _ in range(2):
+            start = time.monotonic()
+            tabs = self.wait_until(lambda: self.tabs(probe), lambda tabs: len(tabs) == 2)
+            self.assertLess(time.monotonic() - start, 1.5)
+            self.assertEqual([url for _, shows, _, url in tabs if shows], [song])
 
 
 if __name__ == "__main__":

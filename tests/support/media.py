@@ -1,12 +1,16 @@
 """What plays in the tests of the players: tones in files, a web site with a player on it, and how a media player and a
 browser are started for them."""
 
+import base64
 import functools
 import http.server
+import json
 import math
 import os
+import socket
 import struct
 import threading
+import urllib.request
 import wave
 
 MEDIA_HOST = "untitled.stream"
@@ -77,3 +81,28 @@ def debugging_port(profile):
         return None
     with open(path, encoding="ascii") as file:
         return int(file.readline())
+
+
+def ask_browser(port, path):
+    with urllib.request.urlopen(f"http://127.0.0.1:{port}{path}", timeout=10) as answer:
+        return json.load(answer)
+
+
+def call_browser(port, method, **parameters):
+    """One call in the browser's own protocol, on a connection of its own."""
+    path = "/" + ask_browser(port, "/json/version")["webSocketDebuggerUrl"].split("/", 3)[3]
+    with socket.create_connection(("127.0.0.1", port), timeout=10) as connection:
+        key = base64.b64encode(os.urandom(16)).decode()
+        connection.sendall(f"GET {path} HTTP/1.1\r\nHost: 127.0.0.1:{port}\r\nUpgrade: websocket\r\n"
+                           f"Connection: Upgrade\r\nSec-WebSocket-Key: {key}\r\n"
+                           "Sec-WebSocket-Version: 13\r\n\r\n".encode())
+        stream = connection.makefile("rb")
+        while stream.readline() != b"\r\n":
+            pass
+        message = json.dumps({"id": 1, "method": method, "params": parameters}).encode()
+        # A whole text message, its mask all zeros.
+        connection.sendall(struct.pack("!BBHI", 0x81, 0x80 | 126, len(message), 0) + message)
+        length = stream.read(2)[1]
+        if length == 126:
+            length = struct.unpack("!H", stream.read(2))[0]
+        return json.loads(stream.read(length))["result"]

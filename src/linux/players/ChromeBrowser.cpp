@@ -14,33 +14,78 @@ using nlohmann::json;
 /// Targets are named by hexadecimal numbers; a longer name is none.
 constexpr std::size_t maximumTargetBytes = 64;
 
+/// An address and a title are cut to these many bytes, so that all tabs together fit into one reply.
+constexpr std::size_t maximumAddressBytes = 2048;
+constexpr std::size_t maximumTitleBytes = 512;
+
+/// That many of a window's tabs are asked whether they show, at most.
+constexpr std::size_t maximumAsked = 20;
+/// The first round asks this many tabs of each window, and each further one this many times as many.
+constexpr std::size_t roundGrowth = 4;
+/// How long the tabs may take for all that together. One that hangs never answers.
+constexpr std::chrono::milliseconds visibilityTime{300};
+
+enum class Visibility { unknown, hidden, visible };
+
+/// Asks pages whether they show. `pages` is given up on one that does not answer in time.
+std::vector<Visibility> visibilities(DevToolsSession& pages, const std::vector<std::string>& targets,
+                                     Deadline deadline) {
+    std::vector<DevToolsSession::Call> attaching;
+    for (const auto& target : targets)
+        attaching.push_back({"Target.attachToTarget", {{"targetId", target}, {"flatten", true}}, {}});
+    std::vector<DevToolsSession::Call> asking;
+    std::vector<DevToolsSession::Call> detaching;
+    std::vector<std::size_t> places;
+    const auto attached = pages.call(attaching, deadline);
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const std::string page = attached[i] ? textMember(*attached[i], "sessionId") : std::string();
+        if (page.empty()) continue;
+        places.push_back(i);
+        asking.push_back({"Runtime.evaluate", {{"expression", "document.visibilityState"}}, page});
+        detaching.push_back({"Target.detachFromTarget", {{"sessionId", page}}, {}});
+    }
+    std::vector<Visibility> result(targets.size(), Visibility::unknown);
+    const auto answers = pages.call(asking, deadline);
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+        if (!answers[i] || !answers[i]->is_object()) continue;
+        const auto value = answers[i]->find("result");
+        const std::string state = value == answers[i]->end() ? std::string() : textMember(*value, "value");
+        if (state == "visible") result[places[i]] = Visibility::visible;
+        if (state == "hidden") result[places[i]] = Visibility::hidden;
+    }
+    pages.call(detaching, deadline);
+    return result;
+}
+
 }  // namespace
 
 DevToolsSession* ChromeBrowser::session(Deadline deadline) {
     auto endpoint = findDevTools(defaults_);
     if (!endpoint) {
         session_.reset();
+        pages_.reset();
         return nullptr;
     }
     if (session_ && (session_->broken() || !(*endpoint == endpoint_))) session_.reset();
     if (!session_) {
+        pages_.reset();
         endpoint_ = std::move(*endpoint);
         session_ = DevToolsSession::open(endpoint_, deadline);
     }
     return session_.get();
 }
 
-std::vector<ChromeTab> ChromeBrowser::recentTabs(Deadline deadline) {
-    // Only this list tells which tab was used last; the protocol's own gives no order.
+std::optional<std::vector<ChromeTab>> ChromeBrowser::recentTabs(Deadline deadline) {
+    // Only this list has an order, by when a tab was used last; one that was opened in the background counts as used.
     const auto body = loopback::httpGet(endpoint_.port, "/json/list", deadline);
     const json list = body ? json::parse(*body, nullptr, false) : json();
+    if (!list.is_array()) return std::nullopt;
     std::vector<ChromeTab> tabs;
-    if (!list.is_array()) return tabs;
     for (const auto& entry : list) {
         if (tabs.size() == maximumTabs) break;
         if (textMember(entry, "type") != "page") continue;
-        ChromeTab tab{textMember(entry, "id"), 0, playerText(textMember(entry, "url")),
-                      playerText(textMember(entry, "title"))};
+        ChromeTab tab{textMember(entry, "id"), 0, playerText(textMember(entry, "url"), maximumAddressBytes),
+                      playerText(textMember(entry, "title"), maximumTitleBytes)};
         if (!tab.target.empty() && tab.target.size() <= maximumTargetBytes) tabs.push_back(std::move(tab));
     }
     return tabs;
@@ -60,7 +105,9 @@ void ChromeBrowser::nameTabs(std::vector<ChromeTab>& tabs) {
 std::optional<std::vector<ChromeWindow>> ChromeBrowser::windows(Deadline deadline) {
     DevToolsSession* browser = session(deadline);
     if (browser == nullptr) return std::nullopt;
-    auto tabs = recentTabs(deadline);
+    auto list = recentTabs(deadline);
+    if (!list) return std::nullopt;
+    auto& tabs = *list;
     nameTabs(tabs);
     std::vector<DevToolsSession::Call> calls;
     calls.reserve(tabs.size());
@@ -81,8 +128,9 @@ std::optional<std::vector<ChromeWindow>> ChromeBrowser::windows(Deadline deadlin
         if (window == windows.end()) window = windows.insert(windows.end(), ChromeWindow{id, {}, 0});
         window->tabs.push_back(std::move(tabs[i]));
     }
+    findActiveTabs(windows, std::min(deadline, deadlineIn(visibilityTime)));
     for (auto& window : windows) {
-        const std::int64_t active = window.tabs.front().id;
+        const std::int64_t active = window.tabs[window.active].id;
         std::sort(window.tabs.begin(), window.tabs.end(),
                   [](const ChromeTab& a, const ChromeTab& b) { return a.id < b.id; });
         const auto place = std::find_if(window.tabs.begin(), window.tabs.end(),
@@ -90,6 +138,38 @@ std::optional<std::vector<ChromeWindow>> ChromeBrowser::windows(Deadline deadlin
         window.active = static_cast<std::size_t>(place - window.tabs.begin());
     }
     return windows;
+}
+
+void ChromeBrowser::findActiveTabs(std::vector<ChromeWindow>& windows, Deadline deadline) {
+    std::vector<ChromeWindow*> open;
+    for (auto& window : windows) {
+        if (window.tabs.size() > 1) open.push_back(&window);
+    }
+    if (open.empty()) return;
+    if (!pages_ || pages_->broken()) pages_ = DevToolsSession::open(endpoint_, deadline);
+    for (std::size_t begin = 0, size = roundGrowth; pages_ && !open.empty() && begin < maximumAsked;
+         begin += size, size *= roundGrowth) {
+        std::vector<std::string> targets;
+        for (const auto* window : open) {
+            for (std::size_t i = begin; i < std::min(begin + size, window->tabs.size()); ++i)
+                targets.push_back(window->tabs[i].target);
+        }
+        const auto states = visibilities(*pages_, targets, deadline);
+        auto state = states.begin();
+        std::vector<ChromeWindow*> rest;
+        for (auto* window : open) {
+            const std::size_t end = std::min(begin + size, window->tabs.size());
+            const auto last = state + static_cast<std::ptrdiff_t>(end - begin);
+            // What shows may be what hangs, so that silence comes before a no.
+            auto shown = std::find(state, last, Visibility::visible);
+            const bool found = shown != last;
+            if (!found) shown = std::find(state, last, Visibility::unknown);
+            if (shown != last) window->active = begin + static_cast<std::size_t>(shown - state);
+            if (!found && shown == last && end < window->tabs.size()) rest.push_back(window);
+            state = last;
+        }
+        open = std::move(rest);
+    }
 }
 
 bool ChromeBrowser::show(const std::string& target, Deadline deadline) {

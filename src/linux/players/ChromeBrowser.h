@@ -36,8 +36,8 @@ struct ChromeWindow {
 
 /// Chrome or Chromium, through its DevTools port. One thread at a time, the script queue.
 ///
-/// Keeps one connection, which is quiet while nothing is asked. Without a port, or with something else behind it, there
-/// are no windows.
+/// Keeps its connections, which are quiet while nothing is asked. Without a port, or with something else behind it,
+/// there are no windows.
 class ChromeBrowser {
 public:
     /// Further tabs, the ones that were used least recently, are left out.
@@ -60,12 +60,17 @@ public:
 
 private:
     DevToolsSession* session(Deadline deadline);
-    std::vector<ChromeTab> recentTabs(Deadline deadline);
+    /// In the order of their last use, as far as that is known. Nothing when the browser does not say.
+    std::optional<std::vector<ChromeTab>> recentTabs(Deadline deadline);
+    /// Sets `active` of windows whose tabs are still in that order.
+    void findActiveTabs(std::vector<ChromeWindow>& windows, Deadline deadline);
     void nameTabs(std::vector<ChromeTab>& tabs);
 
     const UserDefaults& defaults_;
     DevToolsEndpoint endpoint_;
     std::unique_ptr<DevToolsSession> session_;
+    /// For questions to pages, any of which may hang, which ends the session.
+    std::unique_ptr<DevToolsSession> pages_;
     std::map<std::string, std::int64_t> ids_;
     std::int64_t lastId_ = 0;
 };

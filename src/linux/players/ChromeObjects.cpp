@@ -40,10 +40,13 @@ private:
     const Deadline deadline_;
 };
 
+/// The target that shows in the window that the script moved to the front; empty before.
+using Front = std::shared_ptr<std::string>;
+
 class WindowObject : public Object {
 public:
-    WindowObject(ChromeBrowser& browser, ChromeWindow window, std::int64_t index, Deadline deadline)
-        : browser_(browser), window_(std::move(window)), index_(index), deadline_(deadline) {}
+    WindowObject(ChromeBrowser& browser, ChromeWindow window, std::int64_t index, Front front, Deadline deadline)
+        : browser_(browser), window_(std::move(window)), index_(index), front_(std::move(front)), deadline_(deadline) {}
 
     std::optional<Value> get(Term term) override {
         if (term == Term::activeTabIndex) return static_cast<std::int64_t>(window_.active + 1);
@@ -64,7 +67,9 @@ public:
             return show();
         }
         // A window can be brought to the front, and nowhere else.
-        return term == Term::index && *number == 1 && show();
+        if (term != Term::index || *number != 1 || !show()) return false;
+        *front_ = window_.tabs[window_.active].target;
+        return true;
     }
 
 private:
@@ -73,6 +78,7 @@ private:
     ChromeBrowser& browser_;
     ChromeWindow window_;
     const std::int64_t index_;
+    const Front front_;
     const Deadline deadline_;
 };
 
@@ -87,21 +93,20 @@ public:
         ObjectList result;
         for (auto& window : *windows) {
             const auto index = static_cast<std::int64_t>(result.size() + 1);
-            result.push_back(std::make_shared<WindowObject>(browser_, std::move(window), index, deadline_));
+            result.push_back(std::make_shared<WindowObject>(browser_, std::move(window), index, front_, deadline_));
         }
         return result;
     }
 
     bool perform(scripts::Verb verb) override {
-        if (verb != scripts::Verb::activate) return false;
-        const auto windows = browser_.windows(deadline_);
-        if (!windows || windows->empty()) return false;
-        const auto& front = windows->front();
-        return browser_.show(front.tabs[front.active].target, deadline_);
+        // The browser cannot be brought forward but with one of its windows, and which one is the user's, it does not
+        // tell.
+        return verb == scripts::Verb::activate && !front_->empty() && browser_.show(*front_, deadline_);
     }
 
 private:
     ChromeBrowser& browser_;
+    const Front front_ = std::make_shared<std::string>();
     const Deadline deadline_;
 };
 

@@ -56,8 +56,10 @@ std::vector<DevToolsSession::Result> DevToolsSession::call(const std::vector<Cal
         // What has no number is an event, and none of those is of interest.
         const auto number = message.find("id");
         if (number == message.end() || !number->is_number_integer()) continue;
-        const auto index = static_cast<std::size_t>(number->get<std::int64_t>() - first);
-        if (index >= calls.size() || answered[index]) continue;
+        const auto value = number->get<std::int64_t>();
+        if (value < first || value > lastNumber_) continue;
+        const auto index = static_cast<std::size_t>(value - first);
+        if (answered[index]) continue;
         answered[index] = true;
         --missing;
         const auto result = message.find("result");

@@ -11,9 +11,9 @@ bool isControl(char32_t codePoint) {
 
 }  // namespace
 
-std::string playerText(std::string_view text) {
+std::string playerText(std::string_view text, std::size_t maximumBytes) {
     // What is cut within a code point ends in one replacement character at most.
-    const std::string valid = text::toValidUtf8(text.substr(0, maximumPlayerText));
+    const std::string valid = text::toValidUtf8(text.substr(0, maximumBytes));
     std::string result;
     result.reserve(valid.size());
     int bars = 0;
