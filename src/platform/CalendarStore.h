@@ -32,6 +32,7 @@ struct CalendarEvent {
     std::optional<Instant> end;
     bool allDay = false;
     bool hasAttendees = false;
+    /// The event's own address, then those of its conferences, one on a line.
     std::optional<std::string> url;
     std::optional<std::string> location;
     std::optional<std::string> notes;

@@ -103,16 +103,19 @@ private:
     enum class Inside { nothing, event, zone };
 
     void begin(const Property& property) {
-        if (inside_ != Inside::nothing) {
+        const bool isEvent = equalsIgnoringCase(property.value, "VEVENT");
+        const bool isZone = equalsIgnoringCase(property.value, "VTIMEZONE");
+        // Neither ever stands inside another, so what was open before was never closed.
+        if (inside_ != Inside::nothing && !isEvent && !isZone) {
             ++nested_;
             if (inside_ == Inside::zone) zone_.append(property.raw);
             return;
         }
         nested_ = 0;
-        if (equalsIgnoringCase(property.value, "VEVENT")) {
+        if (isEvent) {
             inside_ = Inside::event;
             event_ = {"BEGIN:VEVENT\r\n", false};
-        } else if (equalsIgnoringCase(property.value, "VTIMEZONE")) {
+        } else if (isZone) {
             inside_ = Inside::zone;
             zone_ = "BEGIN:VTIMEZONE\r\n";
             zoneName_.clear();

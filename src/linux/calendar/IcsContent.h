@@ -53,6 +53,7 @@ struct IcsRecurrence {
 struct IcsEvent {
     std::string uid;
     std::optional<std::string> title;
+    /// The event's own address, then those of its conferences, one on a line.
     std::optional<std::string> url;
     std::optional<std::string> location;
     std::optional<std::string> notes;

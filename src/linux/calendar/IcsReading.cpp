@@ -145,8 +145,15 @@ void readDuration(icalproperty* property, IcsEvent& event) {
     event.durationSeconds = (std::int64_t{duration.hours} * 60 + duration.minutes) * 60 + duration.seconds;
 }
 
+/// What the properties of an event say that is put together only after the last of them.
+struct Gathered {
+    IcsRecurrence recurrence;
+    std::vector<std::string> conferences;
+};
+
 /// Takes over what one property says; true when it gave the start.
-bool readProperty(icalproperty* property, FileZones& zones, IcsEvent& event, IcsRecurrence& recurrence) {
+bool readProperty(icalproperty* property, FileZones& zones, IcsEvent& event, Gathered& gathered) {
+    IcsRecurrence& recurrence = gathered.recurrence;
     switch (icalproperty_isa(property)) {
         case ICAL_UID_PROPERTY:
             event.uid = textOf(property).value_or("");
@@ -165,7 +172,8 @@ bool readProperty(icalproperty* property, FileZones& zones, IcsEvent& event, Ics
             break;
         case ICAL_CONFERENCE_PROPERTY:
         case ICAL_X_PROPERTY:
-            if (!event.url) event.url = textOf(property);
+            if (gathered.conferences.size() >= maximumConferencesPerEvent) break;
+            if (auto address = textOf(property)) gathered.conferences.push_back(std::move(*address));
             break;
         case ICAL_STATUS_PROPERTY:
             if (const icalvalue* value = icalproperty_get_value(property); value != nullptr) {
@@ -214,15 +222,19 @@ std::optional<IcsEvent> readEvent(const IcsBlocks::Event& block, FileZones& zone
     const Component component(icalparser_parse_string(block.lines.c_str()));
     if (!component || icalcomponent_isa(component.get()) != ICAL_VEVENT_COMPONENT) return std::nullopt;
     IcsEvent event;
-    IcsRecurrence recurrence;
+    Gathered gathered;
     bool hasStart = false;
     for (icalproperty* property = icalcomponent_get_first_property(component.get(), ICAL_ANY_PROPERTY);
          property != nullptr; property = icalcomponent_get_next_property(component.get(), ICAL_ANY_PROPERTY)) {
-        hasStart = readProperty(property, zones, event, recurrence) || hasStart;
+        hasStart = readProperty(property, zones, event, gathered) || hasStart;
     }
     if (!hasStart) return std::nullopt;
     event.hasAttendees = block.hasAttendees;
     if (event.end && event.end->isDay != event.start.isDay) event.end.reset();
+    // A telephone number or the page of the event may come before the address of the meeting.
+    for (const auto& conference : gathered.conferences)
+        event.url = event.url ? *event.url + "\n" + conference : conference;
+    IcsRecurrence& recurrence = gathered.recurrence;
     if (!recurrence.rules.empty() || !recurrence.extras.empty()) {
         event.recurrence = std::make_unique<const IcsRecurrence>(std::move(recurrence));
     }

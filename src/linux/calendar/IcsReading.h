@@ -15,6 +15,9 @@ constexpr std::size_t maximumEventsPerFile = 200000;
 /// Exceptions and extra dates of one event past these are left out.
 constexpr std::size_t maximumDatesPerEvent = 10000;
 
+/// Addresses of conferences of one event past these are left out.
+constexpr std::size_t maximumConferencesPerEvent = 16;
+
 /// Reads iCalendar text (RFC 5545), as much of it as makes sense: an event that cannot be read leaves the others
 /// alone. Never fails. Of several events with the same identity the newest counts.
 IcsContent readIcs(std::string_view text, IcsZones& zones);

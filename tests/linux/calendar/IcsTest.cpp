@@ -222,6 +222,23 @@ TEST(IcsTest, ReadsWhatAnEventSays) {
     EXPECT_TRUE(first[0].hasAttendees);
 }
 
+TEST(IcsTest, FindsTheMeetingAmongAllAddresses) {
+    IcsZones zones;
+    const auto url = [&](const std::string& lines) {
+        return readIcs(file(event("DTSTART:20261122T100000\n" + lines)), zones).events.at(0).url.value_or("-");
+    };
+    EXPECT_EQ(url("CONFERENCE;VALUE=URI:tel:+31-20-1\nCONFERENCE;VALUE=URI:https://meet.example.org/a\n"
+                  "URL:https://example.org/page\n"),
+              "https://example.org/page\ntel:+31-20-1\nhttps://meet.example.org/a");
+    EXPECT_EQ(url("CONFERENCE;VALUE=URI:tel:+31-20-1\nX-GOOGLE-CONFERENCE:https://meet.example.org/a\n"),
+              "tel:+31-20-1\nhttps://meet.example.org/a");
+    EXPECT_EQ(url("URL:https://example.org/page\n"), "https://example.org/page");
+    std::string many;
+    for (int i = 0; i < 1000; ++i)
+        many += "CONFERENCE;VALUE=URI:tel:1\n";
+    EXPECT_LT(url(many).size(), 1000U);
+}
+
 TEST(IcsTest, KeepsTheGoodEventsOfABrokenFile) {
     const std::string good = event("DTSTART:20261122T100000\n");
     const std::vector<std::string> one{"2026-11-22 10:00 +0 T"};
@@ -231,6 +248,9 @@ TEST(IcsTest, KeepsTheGoodEventsOfABrokenFile) {
     const std::string cases[] = {
         good,  // no calendar around it
         file(good) + file("BEGIN:VEVENT\nUID:open"),
+        file("BEGIN:VEVENT\nUID:open\nDTSTART:20261121T100000\n" + good),
+        file("BEGIN:VEVENT\nUID:open\nDTSTART:20261121T100000\nBEGIN:VALARM\n" + good),
+        file("BEGIN:VTIMEZONE\nTZID:open\nBEGIN:STANDARD\n" + good),
         file("BEGIN:VEVENT\nUID:other\nEND:VEVENT\n" + good),
         file("END:VEVENT\nEND:VALARM\nEND:VCALENDAR\n" + good),
         file("BEGIN:VEVENT\nUID:x\nDTSTART:20261341T990000\nEND:VEVENT\n" + good),
