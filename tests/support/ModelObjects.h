@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -51,8 +52,10 @@ public:
         return found == applications.end() ? nullptr : found->second;
     }
     ObjectPointer additions() override { return volume; }
+    bool mayGoOn() override { return stepsLeft-- > 0; }
 
     std::map<std::string, std::shared_ptr<ModelObject>> applications;
+    int stepsLeft = std::numeric_limits<int>::max();
     std::shared_ptr<ModelObject> volume = std::make_shared<ModelObject>();
 };
 

@@ -64,6 +64,8 @@ public:
 
     ObjectPointer additions() override { return std::make_shared<Additions>(runner_.volume_, deadline_); }
 
+    bool mayGoOn() override { return std::chrono::steady_clock::now() < deadline_; }
+
 private:
     ObjectPointer player(std::optional<std::string> name) {
         if (!name) return nullptr;

@@ -15,7 +15,7 @@ namespace sunpane {
 /// keys would. Made on any thread; used on the script queue.
 class PlayerScriptRunner : public ScriptRunner, public MediaCommands {
 public:
-    /// What the objects of one script may wait for, together.
+    /// How long one script may take, with all that its objects wait for.
     static constexpr std::chrono::milliseconds runTime{2500};
 
     /// Both outlive the runner.

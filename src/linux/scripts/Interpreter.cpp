@@ -40,6 +40,7 @@ public:
 
     Value result(const Block& body) {
         run(body);
+        keepResult();
         return std::move(result_);
     }
 
@@ -67,6 +68,7 @@ private:
         const auto list = expect<ObjectList>(evaluate(repeat.list));
         for (const auto& object : list) {
             step();
+            if (resultSlot_ == repeat.slot) keepResult();
             variables_[repeat.slot] = object;
             if (!run(repeat.body)) return false;
         }
@@ -76,7 +78,14 @@ private:
     bool execute(const If& branch) { return !expect<bool>(evaluate(branch.condition)) || run(branch.body); }
 
     bool execute(const SetVariable& set) {
-        result_ = variables_[set.slot] = evaluate(set.value);
+        const auto* join = std::get_if<Join>(&set.value->node);
+        if (join != nullptr && isVariable(join->parts.front(), set.slot)) {
+            appendTo(set.slot, *join);
+        } else {
+            variables_[set.slot] = evaluate(set.value);
+        }
+        // The text may be long, and is mostly not the result in the end.
+        resultSlot_ = set.slot;
         return true;
     }
 
@@ -93,18 +102,18 @@ private:
     }
 
     bool execute(const Return& statement) {
-        result_ = evaluate(statement.value);
+        setResult(evaluate(statement.value));
         return false;
     }
 
     bool execute(const Perform& perform) {
         if (!targets_.back()->perform(perform.verb)) throw Failure();
-        result_ = Value();
+        setResult(Value());
         return true;
     }
 
     bool execute(const Evaluate& statement) {
-        result_ = evaluate(statement.value);
+        setResult(evaluate(statement.value));
         return true;
     }
 
@@ -131,11 +140,38 @@ private:
     Value value(const Join& join) {
         // Only a text joins what follows to itself; anything else would make a list, which the language has not.
         auto text = expect<std::string>(evaluate(join.parts.front()));
+        appendRest(join, text);
+        return text;
+    }
+
+    static bool isVariable(const ExpressionPointer& expression, std::size_t slot) {
+        const auto* variable = std::get_if<Variable>(&expression->node);
+        return variable != nullptr && variable->slot == slot;
+    }
+
+    /// `set x to x & …` without a copy of what is there, so that a text that grows line by line takes linear time.
+    void appendTo(std::size_t slot, const Join& join) {
+        step();
+        // What follows may name the variable too, and means it as it was.
+        std::string rest;
+        if (!std::holds_alternative<std::string>(variables_[slot])) throw Failure();
+        appendRest(join, rest);
+        auto& text = std::get<std::string>(variables_[slot]);
+        text += rest;
+        if (text.size() > maximumTextBytes) throw Failure();
+    }
+
+    void appendRest(const Join& join, std::string& text) {
         for (auto part = join.parts.begin() + 1; part != join.parts.end(); ++part) {
-            text += asText(evaluate(*part));
+            if (const auto* variable = std::get_if<Variable>(&(*part)->node);
+                variable != nullptr && std::holds_alternative<std::string>(variables_[variable->slot])) {
+                step();
+                text += std::get<std::string>(variables_[variable->slot]);
+            } else {
+                text += asText(evaluate(*part));
+            }
             if (text.size() > maximumTextBytes) throw Failure();
         }
-        return text;
     }
 
     Value value(const Sum& sum) {
@@ -161,7 +197,16 @@ private:
     }
 
     void step() {
-        if (++steps_ > maximumSteps) throw Failure();
+        if (++steps_ > maximumSteps || !host_.mayGoOn()) throw Failure();
+    }
+
+    void setResult(Value value) {
+        result_ = std::move(value);
+        resultSlot_.reset();
+    }
+
+    void keepResult() {
+        if (resultSlot_) setResult(variables_[*resultSlot_]);
     }
 
     Host& host_;
@@ -169,6 +214,8 @@ private:
     std::vector<ObjectPointer> targets_;
     std::vector<Value> variables_;
     Value result_;
+    /// The variable whose value is the result, in place of `result_`.
+    std::optional<std::size_t> resultSlot_;
     int steps_ = 0;
 };
 

@@ -64,6 +64,9 @@ public:
 
     /// What answers outside of every `tell`: the volume.
     virtual ObjectPointer additions() = 0;
+
+    /// Asked before each step; false fails the script, as one whose time is up.
+    virtual bool mayGoOn() { return true; }
 };
 
 }  // namespace sunpane::scripts

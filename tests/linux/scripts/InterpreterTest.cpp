@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "linux/scripts/Parser.h"
 #include "support/ModelObjects.h"
 
@@ -33,6 +35,14 @@ TEST(Interpreter, ResultsOfScripts) {
         {"set x to 1\nset x to x + x\nx", "2"},
         {"if 1 is 2 then return \"no\"\nreturn \"yes\"", "yes"},
         {"if 1 is 1 then\nif 2 is 2 then\nreturn \"deep\"\nend if\nend if\nreturn \"no\"", "deep"},
+        {"set x to \"a\"\nset x to x & x & 1 & x", "aa1a"},
+        {"set x to \"a\"\nset y to \"b\"\nset x to x & y & (x & y)\nreturn x & y",
+         "abab"
+         "b"},
+        {"set x to \"a\"\nset y to x\nset x to x & \"b\"\ny", "a"},
+        {"set x to 1\ntell application \"Google Chrome\"\nset x to \"kept\"\nrepeat with x in windows\n"
+         "end repeat\nend tell",
+         "kept"},
         {"output muted of (get volume settings)", "<false>"},
         {"set volume with output muted\noutput muted of (get volume settings)", "<true>"},
         {"tell application \"Spotify\" to playpause", "<nothing>"},
@@ -107,6 +117,7 @@ TEST(Interpreter, AFailureEndsTheScriptWhereItHappens) {
         "repeat with w in 12\nend repeat",
         "if 1 then return 2",
         "return 1 & 2",
+        "set x to 1\nset x to x & 2",
         "return \"a\" + 1",
         "return 9223372036854775807 + 1",
         "return (1 is 1) as text",
@@ -174,6 +185,24 @@ TEST(Interpreter, NestingStepsAndTextAreBounded) {
         runScript("tell application \"Many\"\nrepeat with a in tabs\nrepeat with b in tabs\n"
                   "repeat with c in tabs\nend repeat\nend repeat\nend repeat\nend tell",
                   host));
+
+    host.stepsLeft = 50;
+    EXPECT_FALSE(runScript("tell application \"Many\"\nrepeat with a in tabs\nend repeat\nend tell", host));
+}
+
+// Copying the text for each of these lines would move hundreds of gigabytes.
+TEST(Interpreter, ATextThatGrowsLineByLineTakesLinearTime) {
+    ModelHost host;
+    const auto many = std::make_shared<ModelObject>();
+    many->properties[Term::tabs] = ObjectList(150'000, host.volume);
+    host.applications["Many"] = many;
+    const auto start = std::chrono::steady_clock::now();
+    const auto text =
+        textOf(runScript("tell application \"Many\"\nset out to \"\"\nrepeat with a in tabs\n"
+                         "set out to out & \"01234567890123456789\"\nend repeat\nreturn out\nend tell",
+                         host));
+    EXPECT_EQ(text.size(), 3'000'000U);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 }  // namespace
