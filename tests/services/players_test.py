@@ -126,6 +126,22 @@ class PlayersTest(unittest.TestCase):
         self.ask(probe, "open com.apple.Music")
         monitor.wait_for("method call .* destination=org.mpris.MediaPlayer2.mpv .*member=Raise")
 
+    def test_players_are_found_on_a_bus_that_comes_late_and_on_its_successor(self):
+        self.start_sound_server()
+        self.session.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.home}/late"
+        probe = self.start_probe()
+        self.assertEqual(self.ask(probe, "running"), [])
+        for title in ("first.wav", "second.wav"):
+            bus = self.session.start("dbus-daemon", "--nofork", "--print-address", "--address",
+                                     f"unix:path={self.home}/late", f"--config-file={self.home}/bus.conf")
+            bus.wait_for("unix:.*")
+            player = self.start_player(title)
+            self.wait_until(lambda: self.ask(probe, "running"), lambda running: running == ["com.apple.Music"])
+            self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == f"playing|||{title}|||")
+            bus.stop()
+            player.stop()
+            self.wait_until(lambda: self.ask(probe, "running"), lambda running: running == [])
+
     def start_browser(self, url):
         """A browser with the profile that it has when nobody chooses one, listening for debuggers."""
         site = media.Site(f"{self.home}/pages")

@@ -42,6 +42,7 @@ bool PlayerApplications::loaded() const {
 }
 
 bool PlayerApplications::isRunning(std::string_view bundleIdentifier) const {
+    watcher_.look();
     if (bundleIdentifier == spotifyBundle) return directory_.spotify().has_value();
     if (bundleIdentifier == musicBundle) return directory_.music().has_value();
     if (bundleIdentifier == chromeBundle) return findDevTools(defaults_).has_value();

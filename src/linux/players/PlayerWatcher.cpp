@@ -62,6 +62,10 @@ public:
         wake();
     }
 
+    void look() {
+        if (lost_.exchange(false)) wake();
+    }
+
 private:
     /// A player that was asked whether it plays.
     struct Question {
@@ -77,23 +81,38 @@ private:
     }
 
     void run() {
-        bus_ = openSessionBus();
-        if (bus_ && !begin()) bus_.reset();
         while (!ending_) {
+            // Nobody wakes this thread but who looks for players or wants one raised, so that a bus that is not there
+            // is tried no more often than that.
+            if (!bus_) openBus();
             if (bus_ && !process()) forgetBus();
-            if (!bus_) directory_.setLoaded();
+            if (!bus_) giveUp();
             sleep();
         }
-        questions_.clear();
-        slots_ = {};
-        bus_.reset();
+        forgetBus();
+    }
+
+    void openBus() {
+        bus_ = openSessionBus();
+        if (bus_ && !begin()) forgetBus();
     }
 
     void forgetBus() {
         questions_.clear();
         slots_ = {};
         bus_.reset();
+        listed_ = false;
         directory_.clear();
+    }
+
+    /// What was wanted of players on a bus that is gone is not wanted of others later.
+    void giveUp() {
+        {
+            const std::lock_guard lock(mutex_);
+            toRaise_.clear();
+        }
+        directory_.setLoaded();
+        lost_ = true;
     }
 
     bool begin() {
@@ -231,6 +250,8 @@ private:
     PlayerDirectory& directory_;
     const int wakeUp_;
     std::atomic<bool> ending_ = false;
+    /// There is no bus, and nobody has looked since that was found.
+    std::atomic<bool> lost_ = false;
     std::mutex mutex_;
     std::vector<std::string> toRaise_;
 
@@ -247,6 +268,10 @@ private:
 PlayerWatcher::PlayerWatcher(PlayerDirectory& directory) : listener_(std::make_unique<Listener>(directory)) {}
 
 PlayerWatcher::~PlayerWatcher() = default;
+
+void PlayerWatcher::look() {
+    listener_->look();
+}
 
 void PlayerWatcher::raise(const std::string& name) {
     listener_->raise(name);

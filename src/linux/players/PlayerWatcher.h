@@ -12,7 +12,7 @@ namespace sunpane {
 ///
 /// Owned by whoever owns the adapters; constructed and destroyed on the main thread. It listens on a thread of its own,
 /// which sleeps until a player changes; nothing is polled. Without a session bus, and once the bus is gone, there are
-/// no players.
+/// no players, until one is found when somebody looks again.
 class PlayerWatcher {
 public:
     /// How long a new player may take to say whether it plays.
@@ -21,6 +21,10 @@ public:
     /// The directory outlives the watcher.
     explicit PlayerWatcher(PlayerDirectory& directory);
     ~PlayerWatcher();
+
+    /// Somebody is about to read the directory: looks for the bus again if it is gone. Returns at once, so that players
+    /// on a new bus are there the next time.
+    void look();
 
     /// Asks a player to bring its window to the front. Returns at once.
     void raise(const std::string& name);
