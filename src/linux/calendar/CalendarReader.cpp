@@ -95,6 +95,10 @@ bool CalendarReader::moveSpan() {
 void CalendarReader::watchFolders() {
     if (stopped_) return;
     std::set<std::string> wanted{ports_.folder};
+    // The folder above tells when it is made.
+    if (const auto slash = ports_.folder.rfind('/'); slash > 0 && slash != std::string::npos) {
+        if (!ports_.files.exists(ports_.folder)) wanted.insert(ports_.folder.substr(0, slash));
+    }
     for (const auto& calendar : found_) {
         if (!calendar.folder.empty() && wanted.size() <= maximumWatchedFolders) wanted.insert(calendar.folder);
     }
@@ -183,7 +187,7 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
         serviceCalendars_.clear();
         for (auto& calendar : *answer) {
             ServiceCalendar taken{std::move(calendar.info), {}};
-            complete = complete && calendar.text.has_value();
+            complete = complete && calendar.text.has_value() && calendar.isWatched;
             const auto before = std::find_if(known.begin(), known.end(), [&](const ServiceCalendar& each) {
                 return each.info.identifier == taken.info.identifier;
             });
@@ -263,9 +267,10 @@ void CalendarReader::add(const CalendarStore::NewEvent& event, std::function<voi
     pending.done = std::move(done);
     if (!service_) return finishAdd(number, addToFolder(uid, text));
     pending.deadline = ports_.queue.after(serviceTimeout, [this, number] { finishAdd(number, std::nullopt); });
-    service_->add(text, [this, gate = gate_, number, uid, text](const CalendarService::Added& added) {
-        gate->post([this, number, added, uid, text] { addAnswered(number, added, uid, text); });
-    });
+    service_->add(text, pending.cancelled,
+                  [this, gate = gate_, number, uid, text](const CalendarService::Added& added) {
+                      gate->post([this, number, added, uid, text] { addAnswered(number, added, uid, text); });
+                  });
 }
 
 void CalendarReader::addAnswered(std::uint64_t number, const CalendarService::Added& added, const std::string& uid,
@@ -285,7 +290,9 @@ void CalendarReader::addAnswered(std::uint64_t number, const CalendarService::Ad
 
 void CalendarReader::finishAdd(std::uint64_t number, std::optional<std::string> identifier) {
     auto pending = pendingAdds_.extract(number);
-    if (!pending.empty()) pending.mapped().done(std::move(identifier));
+    if (pending.empty()) return;
+    *pending.mapped().cancelled = true;
+    pending.mapped().done(std::move(identifier));
 }
 
 // A file for each event: nothing that is already there has to be written again.

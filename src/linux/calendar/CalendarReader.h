@@ -33,7 +33,8 @@ public:
     static constexpr Seconds servicePatience{5};
     /// A service that has not answered for this long (s) is asked again, and a new event counts as not written.
     static constexpr Seconds serviceTimeout{30};
-    /// A calendar of the service that could not be read is tried again this long (s) after, then ever less often.
+    /// A calendar of the service that could not be read or watched is tried again this long (s) after, then ever less
+    /// often.
     static constexpr Seconds firstRetry{2};
     static constexpr Seconds longestRetry{600};
     /// How many days before and after today a snapshot covers.
@@ -85,6 +86,7 @@ private:
     struct PendingAdd {
         std::function<void(std::optional<std::string>)> done;
         Subscription deadline;
+        std::shared_ptr<std::atomic<bool>> cancelled = std::make_shared<std::atomic<bool>>(false);
     };
     class Gate;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,6 +19,8 @@ public:
         CalendarInfo info;
         /// All events and their time zones as one iCalendar text. Absent when they could not be read this time.
         std::optional<std::string> text;
+        /// Whether its changes will be told of. One that cannot be watched has to be read again without being told.
+        bool isWatched = true;
     };
 
     /// What became of a new event.
@@ -40,8 +43,12 @@ public:
     /// Reads all calendars. Nothing when there is no such service.
     virtual void read(std::function<void(std::optional<std::vector<Calendar>>)> done) = 0;
 
-    /// Writes an event, given as iCalendar text with one VEVENT, to the user's default calendar.
-    virtual void add(const std::string& text, std::function<void(Added)> done) = 0;
+    /// Set from any thread once nobody waits any more for what it belongs to.
+    using CancelFlag = std::shared_ptr<const std::atomic<bool>>;
+
+    /// Writes an event, given as iCalendar text with one VEVENT, to the user's default calendar. One whose turn comes
+    /// after `cancelled` was set is not written.
+    virtual void add(const std::string& text, CancelFlag cancelled, std::function<void(Added)> done) = 0;
 };
 
 /// Makes the connection to a service; `changed` is called on any thread after its calendars changed, and never once

@@ -38,12 +38,14 @@ public:
         std::function<void()> changed;
         std::vector<std::function<void(std::optional<std::vector<Calendar>>)>> reads;
         std::vector<std::pair<std::string, std::function<void(Added)>>> adds;
+        std::vector<CancelFlag> cancelFlags;
     };
     explicit FakeService(State& state) : state_(state) {}
     void read(std::function<void(std::optional<std::vector<Calendar>>)> done) override {
         state_.reads.push_back(std::move(done));
     }
-    void add(const std::string& text, std::function<void(Added)> done) override {
+    void add(const std::string& text, CancelFlag cancelled, std::function<void(Added)> done) override {
+        state_.cancelFlags.push_back(std::move(cancelled));
         state_.adds.emplace_back(text, std::move(done));
     }
 
@@ -192,6 +194,20 @@ TEST_F(DesktopCalendarStoreTest, FollowsFilesAndFoldersThatComeAndGo) {
     EXPECT_THAT(titles(), ElementsAre("B@House", "C@House", "A@work"));
 }
 
+TEST_F(DesktopCalendarStoreTest, NoticesWhenTheFolderIsMade) {
+    std::filesystem::remove(calendars);
+    grant();
+    open();
+    platform.time.runPending();
+    EXPECT_THAT(titles(), IsEmpty());
+    std::filesystem::create_directory(calendars);
+    write("work.ics", oneEvent("A"));
+    folderEvents.tell(calendars.substr(0, calendars.rfind('/')), "calendars");
+    platform.time.advance(CalendarReader::settleTime);
+    EXPECT_THAT(titles(), ElementsAre("A@work"));
+    EXPECT_EQ(folderEvents.watcherCount(), 1U) << "the folder above is of no more interest";
+}
+
 TEST_F(DesktopCalendarStoreTest, PassesOverWhatIsNoFileOfTheUsers) {
     folder.write("outside.ics", oneEvent("outside"));
     write("good.ics", oneEvent("good"));
@@ -309,7 +325,11 @@ TEST_F(DesktopCalendarStoreTest, GoesOnWithoutAServiceThatHangs) {
     std::optional<std::optional<std::string>> added;
     store->add({"x", platform.clock.now(), platform.clock.now() + 60},
                [&](const auto& identifier) { added = identifier; });
+    platform.time.runPending();
+    ASSERT_EQ(service.cancelFlags.size(), 1U);
+    EXPECT_FALSE(*service.cancelFlags[0]);
     platform.time.advance(CalendarReader::serviceTimeout);
+    EXPECT_TRUE(*service.cancelFlags[0]) << "it is not written after all";
     ASSERT_TRUE(added) << "nobody waits for ever";
     EXPECT_EQ(*added, std::nullopt);
     store.reset();
@@ -369,6 +389,22 @@ TEST_F(DesktopCalendarStoreTest, TellsOfNothingThatIsAsItWas) {
     service.reads.back()(answer);
     platform.time.runPending();
     EXPECT_EQ(changes, 2);
+}
+
+TEST_F(DesktopCalendarStoreTest, AsksAgainForACalendarThatCannotBeWatched) {
+    grant();
+    open(true);
+    platform.time.runPending();
+    std::vector<CalendarService::Calendar> answer{serviceCalendar("s1", oneEvent("A"))};
+    answer[0].isWatched = false;
+    service.reads.back()(answer);
+    platform.time.advance(CalendarReader::firstRetry);
+    ASSERT_EQ(service.reads.size(), 2U);
+    answer = {serviceCalendar("s1", oneEvent("B"))};
+    service.reads.back()(answer);
+    platform.time.advance(CalendarReader::longestRetry);
+    EXPECT_THAT(titles(), ElementsAre("B@s1"));
+    EXPECT_EQ(service.reads.size(), 2U) << "from now on it tells";
 }
 
 TEST_F(DesktopCalendarStoreTest, KeepsWhatItReadOfAFileThatCannotBeRead) {

@@ -112,8 +112,10 @@ public:
     void read(std::function<void(std::optional<std::vector<Calendar>>)> done) override {
         thread_->post([done = std::move(done)](EdsConnection& connection) { done(connection.read()); });
     }
-    void add(const std::string& text, std::function<void(Added)> done) override {
-        thread_->post([text, done = std::move(done)](EdsConnection& connection) { done(connection.add(text)); });
+    void add(const std::string& text, CancelFlag cancelled, std::function<void(Added)> done) override {
+        thread_->post([text, cancelled = std::move(cancelled), done = std::move(done)](EdsConnection& connection) {
+            done(connection.add(text, *cancelled));
+        });
     }
 
 private:

@@ -57,7 +57,10 @@ bool EdsConnection::openRegistry() {
 
 EdsConnection::OpenCalendar* EdsConnection::open(ESource* source) {
     const std::string uid = e_source_get_uid(source);
-    if (const auto found = calendars_.find(uid); found != calendars_.end()) return &found->second;
+    if (const auto found = calendars_.find(uid); found != calendars_.end()) {
+        if (!found->second.view) watch(found->second);
+        return &found->second;
+    }
     EClient* client = e_cal_client_connect_sync(source, E_CAL_CLIENT_SOURCE_TYPE_EVENTS, withoutWaitingForNetwork,
                                                 watchdog_.begin(calendarLimit), nullptr);
     if (client == nullptr) return nullptr;
@@ -130,7 +133,10 @@ std::optional<std::vector<CalendarService::Calendar>> EdsConnection::read() {
         const std::string uid = e_source_get_uid(source);
         present.insert(uid);
         CalendarService::Calendar calendar{infoOf(source), std::nullopt};
-        if (const OpenCalendar* opened = open(source)) calendar.text = readEvents(opened->client.get());
+        if (const OpenCalendar* opened = open(source)) {
+            calendar.isWatched = opened->view != nullptr;
+            calendar.text = readEvents(opened->client.get());
+        }
         // Its process may have died; it is opened anew the next time.
         if (!calendar.text) forget(uid);
         calendars.push_back(std::move(calendar));
@@ -145,7 +151,7 @@ std::optional<std::vector<CalendarService::Calendar>> EdsConnection::read() {
     return calendars;
 }
 
-CalendarService::Added EdsConnection::add(const std::string& text) {
+CalendarService::Added EdsConnection::add(const std::string& text, const std::atomic<bool>& cancelled) {
     using Outcome = CalendarService::Added::Outcome;
     CalendarService::Added nowhere{Outcome::noCalendar, "", ""};
     if (!openRegistry()) return nowhere;
@@ -157,6 +163,8 @@ CalendarService::Added EdsConnection::add(const std::string& text) {
     if (!file) return {};
     const GObjectPointer<ICalComponent> event(i_cal_component_get_first_component(file.get(), I_CAL_VEVENT_COMPONENT));
     if (!event) return {};
+    // Opening the calendar may have taken longer than anybody waits.
+    if (cancelled) return {};
     char* given = nullptr;
     const bool added = e_cal_client_create_object_sync(calendar->client.get(), event.get(), E_CAL_OPERATION_FLAG_NONE,
                                                        &given, watchdog_.begin(calendarLimit), nullptr) != FALSE;

@@ -2,6 +2,7 @@
 
 #include <libecal/libecal.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <optional>
@@ -28,7 +29,8 @@ public:
     EdsConnection& operator=(const EdsConnection&) = delete;
 
     std::optional<std::vector<CalendarService::Calendar>> read();
-    CalendarService::Added add(const std::string& text);
+    /// Writes nothing when `cancelled` is set before the server is told of the event.
+    CalendarService::Added add(const std::string& text, const std::atomic<bool>& cancelled);
 
     /// Makes what runs and all later calls fail soon; any thread.
     void close() { watchdog_.close(); }
