@@ -12,8 +12,8 @@
 namespace sunpane::cli {
 namespace {
 
-// Who runs and who makes sound is found out in the background; a command waits this long (s) for the first answer, and
-// looks for it this often.
+// Who runs is found out in the background; a command waits this long (s) for the first answer, and looks for it this
+// often.
 constexpr Seconds longestWait = 2;
 constexpr Seconds waitStep = 0.02;
 
@@ -30,8 +30,7 @@ public:
           queue_(environment.queues.makeQueue(NowPlaying::queueLabel)),
           nowPlaying_({loop_, *queue_, players_->scripts, players_->applications, players_->audio,
                        players_->mediaCommands, artwork_}) {
-        const auto isReady = [&] { return players_->applications.loaded() && players_->audio.loaded(); };
-        for (Seconds waited = 0; !isReady() && waited < longestWait; waited += waitStep)
+        for (Seconds waited = 0; !players_->applications.loaded() && waited < longestWait; waited += waitStep)
             environment.wait(waitStep);
     }
 

@@ -8,7 +8,8 @@ namespace sunpane {
 
 class NowPlaying::Scripts : public ScriptRunner {
 public:
-    Scripts(ScriptRunner& scripts, MediaCommands& mediaCommands) : scripts_(scripts), mediaCommands_(mediaCommands) {}
+    Scripts(ScriptRunner& scripts, AudioProcesses& audio, MediaCommands& mediaCommands)
+        : scripts_(scripts), audio_(audio), mediaCommands_(mediaCommands) {}
 
     std::optional<ScriptValue> run(std::string_view source) override {
         if (stopped_) return std::nullopt;
@@ -17,17 +18,26 @@ public:
     void togglePlayPause() {
         if (!stopped_) mediaCommands_.togglePlayPause();
     }
+    bool chromeEmitsAudio() {
+        const auto processes = stopped_ ? std::nullopt : audio_.list();
+        if (!processes) return false;
+        return std::any_of(processes->begin(), processes->end(), [](const AudioProcess& process) {
+            // Helper processes carry the browser's identifier as a beginning of their own.
+            return process.runsOutput && process.bundleIdentifier.starts_with(bundleIdentifier(Player::youtube));
+        });
+    }
     void stop() { stopped_ = true; }
 
 private:
     ScriptRunner& scripts_;
+    AudioProcesses& audio_;
     MediaCommands& mediaCommands_;
     std::atomic<bool> stopped_ = false;
 };
 
 NowPlaying::NowPlaying(const Collaborators& collaborators)
     : with_(collaborators),
-      scripts_(std::make_shared<Scripts>(with_.scripts, with_.mediaCommands)),
+      scripts_(std::make_shared<Scripts>(with_.scripts, with_.audio, with_.mediaCommands)),
       commandSettled_(with_.runLoop, pollAfterCommand, [this] { poll(); }),
       self_(std::make_shared<NowPlaying*>(this)) {}
 
@@ -66,7 +76,6 @@ void NowPlaying::poll() {
         if (with_.applications.isRunning(bundleIdentifier(player))) situation.runningNative.push_back(player);
     }
     situation.chromeRuns = with_.applications.isRunning(bundleIdentifier(Player::youtube));
-    situation.chromeAudible = situation.chromeRuns && chromeEmitsAudio();
     situation.showsChromeTab = track_ && track_->isChromeTab();
 
     const std::uint64_t number = ++lastPoll_;
@@ -79,12 +88,16 @@ void NowPlaying::poll() {
     if (pendingPolls_ == maximumPolls) return;
     ++pendingPolls_;
     auto result = std::make_shared<player_queries::Look>();
-    onScriptQueue([result, situation = std::move(situation)](
-                      Scripts& scripts) { *result = player_queries::look(scripts, situation); },
-                  [result, number](NowPlaying& self) {
-                      --self.pendingPolls_;
-                      if (number > self.outdatedPoll_) self.publish(*result);
-                  });
+    onScriptQueue(
+        [result, situation = std::move(situation)](Scripts& scripts) {
+            player_queries::Situation now = situation;
+            now.chromeAudible = now.chromeRuns && scripts.chromeEmitsAudio();
+            *result = player_queries::look(scripts, now);
+        },
+        [result, number](NowPlaying& self) {
+            --self.pendingPolls_;
+            if (number > self.outdatedPoll_) self.publish(*result);
+        });
 }
 
 void NowPlaying::publish(const player_queries::Look& look) {
@@ -93,15 +106,6 @@ void NowPlaying::publish(const player_queries::Look& look) {
     if (look.outputMuted == outputMuted_) return;
     announceChange();
     outputMuted_ = look.outputMuted;
-}
-
-bool NowPlaying::chromeEmitsAudio() const {
-    const auto processes = with_.audio.list();
-    if (!processes) return false;
-    return std::any_of(processes->begin(), processes->end(), [](const AudioProcess& process) {
-        // Helper processes carry the browser's identifier as a beginning of their own.
-        return process.runsOutput && process.bundleIdentifier.starts_with(bundleIdentifier(Player::youtube));
-    });
 }
 
 void NowPlaying::apply(std::optional<Track> track) {

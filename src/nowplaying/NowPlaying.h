@@ -95,7 +95,6 @@ private:
     void apply(std::optional<Track> track);
     void flipPlaying();
     void youtubeToggle(const Track& track);
-    bool chromeEmitsAudio() const;
     void updateArtwork(const std::optional<Track>& track);
     void fetchArtwork(const std::string& key);
 

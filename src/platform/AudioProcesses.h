@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Instant.h"
+
 namespace sunpane {
 
 /// A process that uses the sound system.
@@ -16,17 +18,17 @@ struct AudioProcess {
     friend bool operator==(const AudioProcess&, const AudioProcess&) = default;
 };
 
-/// Who uses the sound system. Main thread only. Answers at once from what is known; listening happens in the
-/// background.
+/// Who uses the sound system. Called from one thread at a time, the now-playing script queue and never the main thread:
+/// blocks until the sound system has answered.
 class AudioProcesses {
 public:
+    /// The sound system may take this long (s) to answer.
+    static constexpr Seconds longestAnswer = 0.5;
+
     virtual ~AudioProcesses() = default;
 
-    /// Whether the sound system was asked yet, with or without success. Until then the list is absent.
-    virtual bool loaded() const = 0;
-
     /// Absent when the list cannot be read, as without a sound system.
-    virtual std::optional<std::vector<AudioProcess>> list() const = 0;
+    virtual std::optional<std::vector<AudioProcess>> list() = 0;
 };
 
 }  // namespace sunpane

@@ -46,7 +46,7 @@ struct PlayingCommandTest : ::testing::Test {
         out.str("");
         err.str("");
         waits = 0;
-        applications.isLoaded = audio.isLoaded = readyAfter == 0;
+        applications.isLoaded = readyAfter == 0;
         Environment environment{.clock = platform.clock,
                                 .defaults = defaults,
                                 .queues = *queues,
@@ -60,7 +60,7 @@ struct PlayingCommandTest : ::testing::Test {
                                 .stateFolder = {},
                                 .wait =
                                     [this](Seconds) {
-                                        if (++waits == readyAfter) applications.isLoaded = audio.isLoaded = true;
+                                        if (++waits == readyAfter) applications.isLoaded = true;
                                     },
                                 .connectPlayers = nullptr};
         if (isConnected) {

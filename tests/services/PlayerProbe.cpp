@@ -17,8 +17,8 @@ nlohmann::json toJson(const std::optional<sunpane::ScriptValue>& value) {
 }  // namespace
 
 // Prints a line of JSON for each line of input: the reply to one of the program's own scripts ("tabs", "toggle ID",
-// "show ID", "spotify", "music"), which applications run ("running"), or nothing after the media key ("key") and after
-// "open BUNDLE".
+// "show ID", "spotify", "music", "muted"), which applications run ("running") and make sound ("sounds"), or nothing
+// after the media key ("key") and after "open BUNDLE".
 int main() {
     using namespace sunpane;
     namespace scripts = player_scripts;
@@ -36,6 +36,14 @@ int main() {
             answer = toJson(players.scripts.run(scripts::showTab(id)));
         } else if (word == "spotify" || word == "music") {
             answer = toJson(players.scripts.run(scripts::query(word == "music" ? Player::music : Player::spotify)));
+        } else if (word == "muted") {
+            answer = toJson(players.scripts.run(scripts::readOutputMuted()));
+        } else if (word == "sounds") {
+            if (const auto processes = players.audio.list()) {
+                answer = nlohmann::json::array();
+                for (const auto& process : *processes)
+                    answer.push_back({process.bundleIdentifier, process.runsOutput});
+            }
         } else if (word == "key") {
             players.scripts.togglePlayPause();
         } else if (word == "open" && std::cin >> word) {

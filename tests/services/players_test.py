@@ -40,8 +40,9 @@ class PlayersTest(unittest.TestCase):
         return self.wait_until(self.playing, lambda track: track is not None and fields.items() <= track.items())
 
     def start_sound_server(self):
-        self.session.start(*media.sound_server_command())
+        server = self.session.start(*media.sound_server_command())
         self.wait_until(lambda: self.session.run("pactl", "info", check=False), lambda text: "Server Name" in text)
+        return server
 
     def mute(self):
         return self.session.run("pactl", "get-sink-mute", "@DEFAULT_SINK@").strip()
@@ -79,6 +80,28 @@ class PlayersTest(unittest.TestCase):
         self.assertEqual(self.mute(), "Mute: yes")
         self.dawnlyctl("mute")
         self.assertEqual(self.mute(), "Mute: no")
+
+    def test_a_sound_server_that_was_started_anew_answers_the_first_question(self):
+        probe = self.start_probe()
+        self.assertEqual((self.ask(probe, "muted"), self.ask(probe, "sounds")), (None, None))
+        server = self.start_sound_server()
+        self.assertEqual((self.ask(probe, "muted"), self.ask(probe, "sounds")), (False, []))
+        server.stop()
+        server = self.start_sound_server()
+        self.session.run("pactl", "set-sink-mute", "@DEFAULT_SINK@", "1")
+        self.assertIs(self.ask(probe, "muted"), True)
+        player = self.start_player("first.wav")
+        self.wait_until(lambda: self.ask(probe, "sounds"), lambda sounds: [playing for _, playing in sounds] == [True])
+        self.wait_until(lambda: self.ask(probe, "music"), lambda reply: reply == "playing|||first.wav|||")
+        self.ask(probe, "key")
+        self.wait_until(lambda: self.ask(probe, "sounds"), lambda sounds: True not in [now for _, now in sounds])
+        # One that hangs is given up in time.
+        server.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(server.process.send_signal, signal.SIGCONT)
+        start = time.monotonic()
+        self.assertIsNone(self.ask(probe, "sounds"))
+        self.assertLess(time.monotonic() - start, 2)
+        player.process.kill()
 
     def test_the_player_that_played_last_counts_even_beside_one_that_never_answers(self):
         self.start_sound_server()

@@ -69,10 +69,8 @@ public:
 
 class SimulatedAudio : public AudioProcesses {
 public:
-    bool loaded() const override { return isLoaded; }
-    std::optional<std::vector<AudioProcess>> list() const override { return processes; }
+    std::optional<std::vector<AudioProcess>> list() override { return processes; }
 
-    bool isLoaded = true;
     std::optional<std::vector<AudioProcess>> processes = std::vector<AudioProcess>{};
 };
 

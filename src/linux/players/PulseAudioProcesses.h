@@ -1,27 +1,21 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
+#include "linux/players/SoundServer.h"
 #include "platform/AudioProcesses.h"
 
 namespace sunpane {
 
 /// Who plays sound, from PulseAudio, or PipeWire in its place.
-///
-/// Main thread only. The sound server's news arrive on a thread of its own, which sleeps while nobody begins or ceases
-/// to play. A server that went away is looked for again when the list is asked for.
 class PulseAudioProcesses : public AudioProcesses {
 public:
-    PulseAudioProcesses();
-    ~PulseAudioProcesses() override;
-
-    bool loaded() const override;
-    std::optional<std::vector<AudioProcess>> list() const override;
+    std::optional<std::vector<AudioProcess>> list() override;
 
 private:
-    class Listener;
-    std::unique_ptr<Listener> listener_;
+    SoundAccess sound_;
 };
 
 /// The bundle identifier of a program by the name of its file; for a program that has none, what it calls itself, which
