@@ -45,15 +45,29 @@ CalendarReader::CalendarReader(Ports ports, Publish publish)
 
 CalendarReader::~CalendarReader() = default;
 
-void CalendarReader::stop() {
+void CalendarReader::stop(std::function<void()> ended) {
     stopped_ = true;
     gate_->close();
-    // The watches call the queue, so they go before it does.
-    ports_.queue.post([this] { watches_.clear(); });
-    ports_.queue.drain();
+    ports_.queue.post([this, ended = std::move(ended)] {
+        end();
+        ended();
+    });
+}
+
+void CalendarReader::end() {
+    for (Subscription* each : {&poll_, &settle_, &patience_, &serviceDeadline_, &serviceSettle_, &serviceRetry_})
+        *each = {};
+    pendingAdds_.clear();
+    // The watches call the queue, so they go before it does. The service may take a while to let go.
+    watches_.clear();
+    service_.reset();
+    files_.clear();
+    serviceCalendars_.clear();
+    published_ = nullptr;
 }
 
 void CalendarReader::start() {
+    if (stopped_) return;
     if (ports_.makeService) {
         service_ = ports_.makeService([this, gate = gate_] { gate->post([this] { serviceChanged(); }); });
     }
@@ -151,7 +165,7 @@ bool CalendarReader::readFile(const IcsFolderCalendar::File& file) {
     // What was read before counts until the file can be read again, which the next look tries.
     if (reading.status != FileReading::Status::read) return isNew;
     // Written to since it was found: the stamp of what was read is the one to compare with.
-    parsed = {reading.stamp, std::make_shared<const IcsContent>(readIcs(reading.bytes, zones_)), nullptr};
+    parsed = {reading.stamp, std::make_shared<const IcsContent>(readIcs(reading.bytes, zones_, stopped_)), nullptr};
     return true;
 }
 
@@ -192,7 +206,7 @@ void CalendarReader::serviceAnswered(std::optional<std::vector<CalendarService::
                 return each.info.identifier == taken.info.identifier;
             });
             if (calendar.text) {
-                taken.parsed.content = std::make_shared<const IcsContent>(readIcs(*calendar.text, zones_));
+                taken.parsed.content = std::make_shared<const IcsContent>(readIcs(*calendar.text, zones_, stopped_));
             } else if (before != known.end()) {
                 taken.parsed = std::move(before->parsed);
             }
@@ -218,7 +232,7 @@ void CalendarReader::retryLater() {
 CalendarSnapshot::Part CalendarReader::toPart(std::size_t calendar, Parsed& parsed) const {
     if (!parsed.occurrences) {
         parsed.occurrences =
-            std::make_shared<const std::vector<IcsOccurrence>>(expand(*parsed.content, span_, *userZone_));
+            std::make_shared<const std::vector<IcsOccurrence>>(expand(*parsed.content, span_, *userZone_, stopped_));
     }
     return {calendar, parsed.content, parsed.occurrences};
 }
@@ -254,7 +268,7 @@ void CalendarReader::publish() {
     auto snapshot =
         std::make_shared<const CalendarSnapshot>(span_, std::move(calendars), std::move(parts), isComplete());
     // Whoever looks at the calendars begins anew at each change.
-    if (published_ && published_->saysTheSameAs(*snapshot)) return;
+    if (stopped_ || (published_ && published_->saysTheSameAs(*snapshot))) return;
     published_ = std::move(snapshot);
     publish_(published_);
 }

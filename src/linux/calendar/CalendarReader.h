@@ -59,9 +59,9 @@ public:
     CalendarReader(Ports ports, Publish publish);
     ~CalendarReader();
 
-    /// Ends what is running as soon as it can and waits for that; nothing is published or called back afterwards. Main
-    /// thread.
-    void stop();
+    /// Tells what is running to end as soon as it can, without waiting for that; nothing is published afterwards.
+    /// `ended` is called on the queue once nothing but the destruction is left to do. Main thread.
+    void stop(std::function<void()> ended);
 
     void start();
 
@@ -90,6 +90,7 @@ private:
     };
     class Gate;
 
+    void end();
     bool moveSpan();
     bool readFolder();
     bool readFile(const IcsFolderCalendar::File& file);
@@ -113,7 +114,7 @@ private:
     Publish publish_;
     // What was published last.
     std::shared_ptr<const CalendarSnapshot> published_;
-    std::atomic<bool> stopped_{false};
+    StopFlag stopped_{false};
     IcsZones zones_;
 
     TimeSpan span_;

@@ -29,13 +29,23 @@ struct DesktopCalendarStore::Mailbox {
     std::shared_ptr<const CalendarSnapshot> snapshot;
 };
 
+/// A reader and the queue on which it lives.
+struct DesktopCalendarStore::Reading {
+    std::unique_ptr<CalendarReader> reader;
+    // Destroyed before the reader, which works on it.
+    std::unique_ptr<WorkQueue> queue;
+};
+
 DesktopCalendarStore::DesktopCalendarStore(Ports ports)
     : ports_(std::move(ports)), mailbox_(std::make_shared<Mailbox>()) {
     DesktopCalendarStore::access();
 }
 
 DesktopCalendarStore::~DesktopCalendarStore() {
+    alive_.reset();
     stopReading();
+    for (const auto& reading : ending_)
+        reading->queue->drain();
 }
 
 CalendarAccess DesktopCalendarStore::access() const {
@@ -56,10 +66,11 @@ CalendarAccess DesktopCalendarStore::access() const {
 }
 
 void DesktopCalendarStore::startReading() const {
-    if (reader_) return;
-    queue_ = ports_.queues.makeQueue(std::string(appIdentifier) + ".calendar");
-    // A new mailbox: what an earlier reader left counts no more. The store is told through the main loop; the snapshot
-    // itself waits in the mailbox, where `loadNow` finds it without the loop.
+    if (reading_) return;
+    reading_ = std::make_unique<Reading>();
+    reading_->queue = ports_.queues.makeQueue(std::string(appIdentifier) + ".calendar");
+    // The store is told through the main loop; the snapshot itself waits in the mailbox, where `loadNow` finds it
+    // without the loop.
     const auto publish = [this, mailbox = mailbox_, &runLoop = ports_.runLoop,
                           weak = std::weak_ptr(alive_)](std::shared_ptr<const CalendarSnapshot> snapshot) {
         {
@@ -71,20 +82,27 @@ void DesktopCalendarStore::startReading() const {
             if (!weak.expired()) adopt();
         });
     };
-    reader_ = std::make_unique<CalendarReader>(CalendarReader::Ports{ports_.clock, *queue_, ports_.folderEvents,
-                                                                     ports_.files, ports_.folder, ports_.makeService},
-                                               publish);
-    queue_->post([reader = reader_.get()] { reader->start(); });
+    reading_->reader =
+        std::make_unique<CalendarReader>(CalendarReader::Ports{ports_.clock, *reading_->queue, ports_.folderEvents,
+                                                               ports_.files, ports_.folder, ports_.makeService},
+                                         publish);
+    reading_->queue->post([reader = reading_->reader.get()] { reader->start(); });
 }
 
 void DesktopCalendarStore::stopReading() const {
-    if (!reader_) return;
-    reader_->stop();
-    queue_.reset();
-    reader_.reset();
+    if (!reading_) return;
+    const Reading* const ended = reading_.get();
+    ending_.push_back(std::move(reading_));
+    ended->reader->stop([this, ended, &runLoop = ports_.runLoop, weak = std::weak_ptr(alive_)] {
+        runLoop.post([this, ended, weak] {
+            if (weak.expired()) return;
+            std::erase_if(ending_, [&](const auto& each) { return each.get() == ended; });
+        });
+    });
     snapshot_ = nullptr;
-    const std::lock_guard lock(mailbox_->mutex);
-    mailbox_->snapshot = nullptr;
+    checkRequested_ = false;
+    // What the reader still leaves in the old one counts no more.
+    mailbox_ = std::make_shared<Mailbox>();
 }
 
 void DesktopCalendarStore::adopt() const {
@@ -135,7 +153,7 @@ std::vector<CalendarEvent> DesktopCalendarStore::events(Instant from, Instant to
     const TimeSpan span = snapshot_->span();
     if ((from < span.from || to > span.to) && !std::exchange(checkRequested_, true)) {
         // The clock was set, or the machine slept for weeks; the change is announced once the days are read.
-        queue_->post([reader = reader_.get()] { reader->check(); });
+        reading_->queue->post([reader = reading_->reader.get()] { reader->check(); });
     }
     return snapshot_->events(from, to);
 }
@@ -149,7 +167,7 @@ void DesktopCalendarStore::add(const NewEvent& event, std::function<void(std::op
         runLoop.post([done, identifier = std::move(identifier)] { done(identifier); });
     };
     if (access() != CalendarAccess::full) return tell(std::nullopt);
-    queue_->post([reader = reader_.get(), event, tell] { reader->add(event, tell); });
+    reading_->queue->post([reader = reading_->reader.get(), event, tell] { reader->add(event, tell); });
 }
 
 Subscription DesktopCalendarStore::observeChanges(std::function<void()> handler) {

@@ -19,13 +19,12 @@
 
 namespace sunpane {
 
-class CalendarReader;
-
 /// Asks the user whether the program may read the calendars, and answers once on the main thread.
 using CalendarAccessPrompt = std::function<void(std::function<void(CalendarAccess)> answer)>;
 
 /// The calendars of a folder of calendar files and of the desktop's calendar service, as one store. Main thread;
-/// reading happens on a queue of its own and starts when full access is first seen.
+/// reading happens on a queue of its own and starts when full access is first seen. When access is taken back nobody
+/// waits for what is being read; only the destructor does, for the moment in which reading stops.
 ///
 /// The user's answer is kept under the key `calendarAccess` ("fullAccess", "writeOnly", "denied" or "restricted") and
 /// is looked up at every question, so that a change in the settings counts at once.
@@ -67,6 +66,7 @@ public:
 
 private:
     struct Mailbox;
+    struct Reading;
 
     void startReading() const;
     void stopReading() const;
@@ -74,15 +74,16 @@ private:
     void answerPrompt(CalendarAccess access);
 
     Ports ports_;
-    std::shared_ptr<Mailbox> mailbox_;
+    mutable std::shared_ptr<Mailbox> mailbox_;
     HandlerList<> changes_;
     std::vector<std::function<void(bool)>> waitingForAnswer_;
     // What follows is set up when access is first seen, which a mere question may do.
     mutable std::shared_ptr<const CalendarSnapshot> snapshot_;
     mutable bool checkRequested_ = false;
-    mutable std::unique_ptr<CalendarReader> reader_;
-    // Destroyed before the reader, which works on it.
-    mutable std::unique_ptr<WorkQueue> queue_;
+    // Null while nothing is read.
+    mutable std::unique_ptr<Reading> reading_;
+    // What was stopped and has not ended yet.
+    mutable std::vector<std::unique_ptr<Reading>> ending_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

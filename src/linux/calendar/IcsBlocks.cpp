@@ -166,10 +166,10 @@ private:
 
 }  // namespace
 
-IcsBlocks splitIcs(std::string_view text) {
+IcsBlocks splitIcs(std::string_view text, const StopFlag& stopped) {
     PropertyReader reader(text);
     Splitter splitter;
-    for (Property property; reader.next(property);)
+    for (Property property; !stopped && reader.next(property);)
         splitter.take(property);
     return splitter.finish();
 }

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "linux/calendar/IcsContent.h"
+
 namespace sunpane {
 
 /// A calendar file cut into the parts that matter, each of which can be parsed by itself.
@@ -22,6 +24,6 @@ struct IcsBlocks {
 };
 
 /// Cuts in one pass over the text, whatever it holds; a part that does not end is left out.
-IcsBlocks splitIcs(std::string_view text);
+IcsBlocks splitIcs(std::string_view text, const StopFlag& stopped = neverStopped);
 
 }  // namespace sunpane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,6 +10,10 @@
 #include "base/Instant.h"
 
 namespace sunpane {
+
+/// Set from any thread to end work that nobody wants any more; what that yields then may be anything.
+using StopFlag = std::atomic<bool>;
+inline const StopFlag neverStopped{false};
 
 /// How far some clock is ahead of UTC. Use one on one thread.
 class IcsZone {

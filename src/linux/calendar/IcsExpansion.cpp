@@ -115,8 +115,14 @@ bool hasConditions(const icalrecurrencetype& rule) {
 /// Works out the occurrences of one repeating event.
 class Series {
 public:
-    Series(const IcsEvent& event, TimeSpan span, const IcsZone& userZone, std::set<std::string> replaced)
-        : event_(event), span_(span), userZone_(userZone), length_(event, userZone), taken_(std::move(replaced)) {
+    Series(const IcsEvent& event, TimeSpan span, const IcsZone& userZone, std::set<std::string> replaced,
+           const StopFlag& stopped)
+        : event_(event),
+          span_(span),
+          userZone_(userZone),
+          stopped_(stopped),
+          length_(event, userZone),
+          taken_(std::move(replaced)) {
         for (const auto& time : event.recurrence->excluded)
             excluded_.insert(recurrenceName(time));
         const Seconds lookBack = std::clamp(length_.longest(), 0.0, maximumLookBack);
@@ -175,7 +181,7 @@ private:
         if (rule.count == 0 && firstClock_ > event_.start.clockSeconds) {
             icalrecur_iterator_set_start(iterator.get(), toIcal(firstClock_, false));
         }
-        for (int step = 0; step < maximumSteps; ++step) {
+        for (int step = 0; step < maximumSteps && !stopped_; ++step) {
             const icaltimetype next = icalrecur_iterator_next(iterator.get());
             if (icaltime_is_null_time(next) != 0) return;
             const std::int64_t clock = fromIcal(next);
@@ -187,6 +193,7 @@ private:
     const IcsEvent& event_;
     TimeSpan span_;
     const IcsZone& userZone_;
+    const StopFlag& stopped_;
     Length length_;
     std::set<std::string> taken_;
     std::set<std::string> excluded_;
@@ -197,19 +204,21 @@ private:
 
 }  // namespace
 
-std::vector<IcsOccurrence> expand(const IcsContent& content, TimeSpan span, const IcsZone& userZone) {
+std::vector<IcsOccurrence> expand(const IcsContent& content, TimeSpan span, const IcsZone& userZone,
+                                  const StopFlag& stopped) {
     std::map<std::string_view, std::set<std::string>> replaced;
     for (const auto& event : content.events) {
         if (event.replaces) replaced[event.uid].insert(recurrenceName(*event.replaces));
     }
     std::vector<IcsOccurrence> result;
     for (const auto& event : content.events) {
-        if (result.size() >= maximumOccurrencesPerFile) break;
+        if (stopped || result.size() >= maximumOccurrencesPerFile) break;
         if (event.cancelled) continue;
         if (event.recurrence && !event.replaces) {
             const auto own = replaced.find(event.uid);
-            auto found = Series(event, span, userZone, own == replaced.end() ? std::set<std::string>() : own->second)
-                             .occurrences();
+            auto found =
+                Series(event, span, userZone, own == replaced.end() ? std::set<std::string>() : own->second, stopped)
+                    .occurrences();
             std::move(found.begin(), found.end(), std::back_inserter(result));
             continue;
         }

@@ -37,6 +37,7 @@ struct IcsOccurrence {
 /// What happens in a span of time, in no order. Cheap for events that began repeating long ago. What cannot be worked
 /// out with bounded effort is left out: rules that repeat every second or minute on condition, and what a rule with a
 /// count yields after its first 100,000 times.
-std::vector<IcsOccurrence> expand(const IcsContent& content, TimeSpan span, const IcsZone& userZone);
+std::vector<IcsOccurrence> expand(const IcsContent& content, TimeSpan span, const IcsZone& userZone,
+                                  const StopFlag& stopped = neverStopped);
 
 }  // namespace sunpane

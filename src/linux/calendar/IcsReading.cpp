@@ -262,14 +262,15 @@ void keepNewest(std::vector<IcsEvent>& events) {
 
 }  // namespace
 
-IcsContent readIcs(std::string_view text, IcsZones& zones) {
+IcsContent readIcs(std::string_view text, IcsZones& zones, const StopFlag& stopped) {
     icalerror_set_errors_are_fatal(0);
-    const IcsBlocks blocks = splitIcs(text);
+    const IcsBlocks blocks = splitIcs(text, stopped);
     FileZones fileZones(blocks.zones, zones);
     IcsContent content;
     content.calendarName = blocks.calendarName;
     content.events.reserve(blocks.events.size());
     for (const auto& block : blocks.events) {
+        if (stopped) break;
         if (auto event = readEvent(block, fileZones)) content.events.push_back(std::move(*event));
     }
     keepNewest(content.events);

@@ -20,6 +20,6 @@ constexpr std::size_t maximumConferencesPerEvent = 16;
 
 /// Reads iCalendar text (RFC 5545), as much of it as makes sense: an event that cannot be read leaves the others
 /// alone. Never fails. Of several events with the same identity the newest counts.
-IcsContent readIcs(std::string_view text, IcsZones& zones);
+IcsContent readIcs(std::string_view text, IcsZones& zones, const StopFlag& stopped = neverStopped);
 
 }  // namespace sunpane

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <semaphore>
 #include <set>
 #include <string>
 #include <vector>
@@ -466,6 +467,48 @@ TEST_F(DesktopCalendarStoreTest, ReadsOnARealQueue) {
         ASSERT_TRUE(real.loadNow(30));
         EXPECT_EQ(real.events(platform.clock.now(), platform.clock.now() + 14 * 86400.0).size(), 13U);
     }
+}
+
+/// Files whose reading hangs until it is let go.
+class HangingFiles : public PosixFileSystem {
+public:
+    FileReading read(const std::string& path, std::size_t maximumBytes) const override {
+        reached.release();
+        letGo.acquire();
+        return PosixFileSystem::read(path, maximumBytes);
+    }
+    mutable std::counting_semaphore<8> reached{0};
+    mutable std::counting_semaphore<8> letGo{0};
+};
+
+/// A main loop that never turns. Any thread.
+class StandingRunLoop : public RunLoop {
+public:
+    void post(Task) override {}
+    Subscription after(Seconds, Task) override { return {}; }
+    Subscription every(Seconds, Task) override { return {}; }
+};
+
+TEST_F(DesktopCalendarStoreTest, WaitsForNoReadingWhenAccessIsTakenBack) {
+    write("work.ics", oneEvent("A"));
+    ThreadWorkQueueFactory queues;
+    InotifyFolderEvents realEvents;
+    HangingFiles hanging;
+    StandingRunLoop standing;
+    grant();
+    DesktopCalendarStore real(
+        {platform.clock, standing, queues, realEvents, hanging, defaults, calendars, nullptr, nullptr, std::nullopt});
+    hanging.reached.acquire();
+    defaults.set(DesktopCalendarStore::accessKey, std::string("denied"));
+    // Would never return if it waited.
+    EXPECT_FALSE(real.loaded());
+    hanging.letGo.release();
+    grant();
+    EXPECT_FALSE(real.loaded()) << "what was read before counts no more";
+    hanging.reached.acquire();
+    hanging.letGo.release();
+    EXPECT_TRUE(real.loadNow(30));
+    EXPECT_EQ(real.events(platform.clock.now(), platform.clock.now() + 14 * 86400.0).size(), 1U);
 }
 
 }  // namespace

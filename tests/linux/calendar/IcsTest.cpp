@@ -294,6 +294,16 @@ TEST(IcsTest, BoundsWhatRepeatsEndlessly) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
+TEST(IcsTest, EndsEarlyWhenItIsToldTo) {
+    const std::string text = file(event("DTSTART:20261122T100000\n"));
+    IcsZones zones;
+    const StopFlag stopped{true};
+    EXPECT_THAT(readIcs(text, zones, stopped).events, IsEmpty());
+    const IcsContent content = readIcs(text, zones);
+    EXPECT_THAT(expand(content, {at("2026-11-01T00:00"), at("2026-12-01T00:00")}, *IcsZones::utc(), stopped),
+                IsEmpty());
+}
+
 TEST(IcsTest, WritesWhatItReads) {
     const CalendarStore::NewEvent made{"Déjà, vu;\nEND:VEVENT \\ 😀 " + std::string(200, 'x'), at("2026-11-22T10:00"),
                                        at("2026-11-22T11:00")};
