@@ -128,16 +128,25 @@ void NotchViewModel::apply(std::vector<Briefing> items) {
                     items.insert(items.begin(), std::move(*schedule));
                 }
             }
-            (*self)->publish(std::move(items));
+            if ((*self)->with_.calendar.isLoading()) {
+                (*self)->show(std::move(items));
+            } else {
+                (*self)->publish(std::move(items));
+            }
         });
 }
 
-void NotchViewModel::publish(std::vector<Briefing> items) {
+void NotchViewModel::show(std::vector<Briefing> items) {
     updateUnread(items.empty() ? nullptr : &items.front());
     announceChange();
     briefings_ = std::move(items);
     currentIndex_ = 0;
+    isNewestKnown_ = false;
+}
 
+void NotchViewModel::publish(std::vector<Briefing> items) {
+    show(std::move(items));
+    isNewestKnown_ = true;
     if (!briefings_.empty()) todoStore_.ingest(briefings_.front());
     todoStore_.importCalendarTodos(with_.calendar.todayCalendarTodoTitles());
     refreshPrioReferences();
@@ -155,6 +164,7 @@ void NotchViewModel::refreshPrioReferences() {
 }
 
 void NotchViewModel::recomputeUntouched() {
+    if (!isNewestKnown_) return;
     std::vector<std::string> untouched;
     // The agent did not write the calendar's schedule, so it learns nothing from what is left untouched there.
     if (!briefings_.empty() && briefings_.front().id != CalendarFallback::briefingID) {

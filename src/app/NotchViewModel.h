@@ -110,7 +110,11 @@ public:
 private:
     void startProvider();
     void apply(std::vector<Briefing> items);
+    // Lists `items` and brings the newest one's contents into the stores.
     void publish(std::vector<Briefing> items);
+    // Only lists them: while the calendars are being read the newest may be an earlier day's, whose todos and cards
+    // must not come back in place of today's.
+    void show(std::vector<Briefing> items);
     void reapply();
     void followCalendar();
     void reveal(std::optional<Uuid> todoID);
@@ -141,6 +145,8 @@ private:
     // Counts the applications: one that waited for the user's answer is void when another came meanwhile.
     std::uint64_t applications_ = 0;
     std::optional<std::size_t> lastNewestHash_;
+    // Whether the newest of the list is the one that the stores work with; not before the calendars were read.
+    bool isNewestKnown_ = false;
     // Whether the newest briefing was chosen before the calendars were read, so that their schedule is no news.
     bool chosenWithoutCalendar_ = false;
     Subscription highlightEnd_;

@@ -263,6 +263,35 @@ TEST_F(NotchViewModelAgendaTest, TheFirstReadingOfTheCalendarsIsNoNews) {
     EXPECT_TRUE(model->hasUnread());
 }
 
+TEST_F(NotchViewModelAgendaTest, YesterdaysBriefingIsOnlyShownWhileTheCalendarsAreRead) {
+    // An earlier run today had the calendar's schedule, and something was ticked.
+    model->todoStore().ingest(Briefing{"calendar-fallback", platform.clock.now(), "Today", ""});
+    model->todoStore().add("Done today");
+    model->todoStore().toggle(model->todoStore().todos().front().id);
+    platform.time.runPending();
+    agenda.store.isLoaded = false;
+    agenda.store.all = {testing::timedEvent("Water plants", today(8))};
+    folder.write("2026-11-21.md", "# Yesterday\n### S\n- **Old** card\n### Action Items\n- [ ] Old task\n");
+    const auto untouched = [&] {
+        storeFiles.drain();
+        const auto bytes = files.content(folder / "feedback.json");
+        return bytes ? nlohmann::json::parse(*bytes)["untouched"] : nlohmann::json::array();
+    };
+    start();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-21.md"));
+    EXPECT_THAT(todoTexts(), ElementsAre("Done today"));
+    model->flagStore().togglePrio(BriefingItem("**Some** card"));
+    platform.time.advance(1.1);
+    EXPECT_TRUE(untouched().empty());
+
+    agenda.store.isLoaded = true;
+    calendarChanges();
+    EXPECT_THAT(ids(), ElementsAre("calendar-fallback", "2026-11-21.md"));
+    EXPECT_THAT(todoTexts(), ElementsAre("Water plants", "Done today"));
+    EXPECT_TRUE(untouched().empty());
+    EXPECT_FALSE(model->hasUnread());
+}
+
 TEST_F(NotchViewModelAgendaTest, AListThatWaitedForAnAnswerGivesWayToALaterOne) {
     agenda.store.status = CalendarAccess::notDetermined;
     folder.write("2026-11-21.md", "# Yesterday");
