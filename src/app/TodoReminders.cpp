@@ -29,13 +29,12 @@ void TodoReminders::takeOver(const std::vector<NotificationRequest>& pending) {
     for (const auto& request : pending)
         byIdentifier.emplace(request.identifier, &request);
     for (const auto& [id, reminder] : *scheduled_) {
-        const auto request =
-            ReminderScheduler::todoRequest(id, reminder.text, reminder.date, reminder.rule, with_.clock);
+        auto request = ReminderScheduler::todoRequest(id, reminder.text, reminder.date, reminder.rule, with_.clock);
         const auto found = byIdentifier.find(request.identifier);
         if (found != byIdentifier.end()) {
             // One that is due and waits for the service would be lost if it were set anew.
             const bool isDue = !request.trigger.repeats && reminder.date <= with_.clock.now();
-            if (isDue || *found->second == request) continue;
+            if (isDue || *found->second == ReminderScheduler::inPlaceOf(*found->second, std::move(request))) continue;
         }
         schedule(id, reminder);
     }

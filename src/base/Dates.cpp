@@ -61,6 +61,11 @@ CivilDay civilFromDays(std::int64_t days) {
     return {static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0)), month, day};
 }
 
+double localMilliseconds(const CivilTime& time) {
+    const double seconds = time.hour * 3600.0 + time.minute * 60.0 + time.second;
+    return static_cast<double>(daysFromCivil(time.day)) * millisecondsPerDay + seconds * 1000;
+}
+
 // Reads exactly `digits` digits at `position` and moves past them.
 std::optional<int> takeNumber(std::string_view text, std::size_t& position, std::size_t digits) {
     if (text.size() < position + digits) return std::nullopt;
@@ -216,9 +221,20 @@ CivilTime LocalCalendar::civilTime(Instant instant) const {
 }
 
 Instant LocalCalendar::instant(const CivilTime& time) const {
-    const double seconds = time.hour * 3600.0 + time.minute * 60.0 + time.second;
-    return fromUDate(
-        zone_->fromLocal(static_cast<double>(daysFromCivil(time.day)) * millisecondsPerDay + seconds * 1000));
+    return fromUDate(zone_->fromLocal(localMilliseconds(time)));
+}
+
+std::optional<Instant> LocalCalendar::secondInstant(const CivilTime& time) const {
+    const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(zone_->timeZone.get());
+    if (basic == nullptr) return std::nullopt;
+    const double local = localMilliseconds(time);
+    std::int32_t raw = 0;
+    std::int32_t daylight = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    basic->getOffsetFromLocal(local, UCAL_TZ_LOCAL_LATTER, UCAL_TZ_LOCAL_LATTER, raw, daylight, status);
+    const UDate date = local - raw - daylight;
+    const bool isShown = date + zone_->offset(date) == local;
+    return isShown && date > zone_->fromLocal(local) ? std::optional(fromUDate(date)) : std::nullopt;
 }
 
 std::optional<Instant> LocalCalendar::parseIso8601(std::string_view text) const {

@@ -62,6 +62,8 @@ public:
     /// The first instant at which the clock shows `time`, a day that exists and a time of it, or, when it skips that
     /// time, the instant at which it does.
     Instant instant(const CivilTime& time) const;
+    /// The second instant at which the clock shows `time`; absent when it does so once at most.
+    std::optional<Instant> secondInstant(const CivilTime& time) const;
 
     /// Reads ISO 8601 as in "2026-11-22T09:30:00+01:00". The time or its seconds may be left out, the offset may be
     /// "Z"; without one the text means local time. Anything else: absent.

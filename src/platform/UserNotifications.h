@@ -14,7 +14,8 @@ enum class NotificationAuthorization { notDetermined, denied, authorized };
 
 /// When a notification comes due: at every moment that matches all components that are set, in the Gregorian calendar
 /// and in `timeZone`. Components smaller than the smallest one set count as their least value. A moment that the clocks
-/// skip comes due at the first instant after the gap, one that they repeat comes due once.
+/// skip comes due at the first instant after the gap, one that they repeat comes due once: the first time, if that is
+/// still to come and the request does not intend the second.
 struct CalendarTrigger {
     /// Whose clock the components are read from, as an IANA name; absent: the user's, wherever the user is by then.
     std::optional<std::string> timeZone = std::nullopt;
@@ -42,6 +43,9 @@ struct NotificationRequest {
     CalendarTrigger trigger;
     /// From then on it is not worth showing any more; absent: it always is.
     std::optional<Instant> expires = std::nullopt;
+    /// The moment that the trigger was made for. It tells which one is meant where the clocks show a time twice, and
+    /// whether two requests are for the same moment though their triggers were read from clocks of different zones.
+    std::optional<Instant> intended = std::nullopt;
     friend bool operator==(const NotificationRequest&, const NotificationRequest&) = default;
 };
 
@@ -62,9 +66,9 @@ public:
     virtual void requestAuthorization(std::function<void(bool granted)> answer) = 0;
     virtual void pending(std::function<void(std::vector<NotificationRequest>)> answer) = 0;
 
-    /// Adds a request, in place of a pending one of the same identifier; when the trigger is the same, that one's moment
-    /// stays, even if it is due and waits to be shown. One that never comes due is dropped, and so
-    /// is one that would only repeat what was shown under its identifier for the same moment.
+    /// Adds a request, in place of a pending one of the same identifier; when the trigger is the same, that one's
+    /// moment stays, even if it is due and waits to be shown. One that never comes due is dropped, and so is one that
+    /// would only repeat what was shown under its identifier for the same moment.
     virtual void add(NotificationRequest request) = 0;
 
     /// Forgets pending requests. What was shown already stays where it is.

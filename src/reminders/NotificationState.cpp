@@ -41,7 +41,9 @@ Json toJson(const WaitingRequest& waiting) {
               {"userInfo", request.userInfo},
               {"trigger", toJson(request.trigger)},
               {"next", {next.day.year, next.day.month, next.day.day, next.hour, next.minute, next.second}}};
+    if (waiting.isSecond) json["second"] = true;
     if (request.expires) json["expires"] = request.expires->sinceReference;
+    if (request.intended) json["intended"] = request.intended->sinceReference;
     return json;
 }
 
@@ -92,7 +94,9 @@ WaitingRequest readWaiting(const Json& json) {
     waiting.request.userInfo = readTexts(json.at("userInfo"));
     waiting.request.trigger = readTrigger(json.at("trigger"));
     if (json.contains("expires")) waiting.request.expires = Instant{json["expires"].get<double>()};
+    if (json.contains("intended")) waiting.request.intended = Instant{json["intended"].get<double>()};
     waiting.next = readTime(json.at("next"));
+    if (json.contains("second")) waiting.isSecond = json["second"].get<bool>();
     return waiting;
 }
 

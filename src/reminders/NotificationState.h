@@ -18,6 +18,8 @@ namespace sunpane {
 struct WaitingRequest {
     NotificationRequest request;
     CivilTime next;
+    /// Whether, when that clock shows `next` twice, the second time is meant.
+    bool isSecond = false;
     friend bool operator==(const WaitingRequest&, const WaitingRequest&) = default;
 };
 

@@ -10,13 +10,27 @@
 
 namespace sunpane {
 
+namespace {
+
+// Whether one that waits for `a` need not wait for anything else when it becomes `b`.
+bool isForSameMoments(const NotificationRequest& a, const NotificationRequest& b) {
+    return a.trigger == b.trigger && (a.trigger.repeats || a.intended == b.intended);
+}
+
+}  // namespace
+
 /// The clocks that triggers are read from, at one moment.
 class PendingNotifications::Faces {
 public:
     explicit Faces(const Clock& clock) : now(clock.now()), userZone_(clock.timeZone()) {}
 
     CivilTime time(const CalendarTrigger& trigger) { return of(trigger).civilTime(now); }
-    Instant instant(const CalendarTrigger& trigger, const CivilTime& reading) { return of(trigger).instant(reading); }
+    CivilTime time(const CalendarTrigger& trigger, Instant instant) { return of(trigger).civilTime(instant); }
+    Instant instant(const CalendarTrigger& trigger, const Reading& reading) {
+        const LocalCalendar& face = of(trigger);
+        const auto second = reading.isSecond ? face.secondInstant(reading.time) : std::nullopt;
+        return second.value_or(face.instant(reading.time));
+    }
 
     const Instant now;
 
@@ -122,25 +136,47 @@ void PendingNotifications::pending(std::function<void(std::vector<NotificationRe
 void PendingNotifications::add(NotificationRequest request) {
     const auto found = entries_.find(request.identifier);
     if (found != entries_.end() && found->second.waiting.request == request) return;
-    if (found != entries_.end() && found->second.waiting.request.trigger == request.trigger) {
+    if (found != entries_.end() && isForSameMoments(found->second.waiting.request, request)) {
         // Only what it says is new. It may be due already and wait for the service.
         found->second.waiting.request = std::move(request);
         save();
         return;
     }
     Faces faces(with_.clock);
-    auto next = nextMatch(request.trigger, faces.time(request.trigger));
-    while (next && wasShown(request.identifier, faces.instant(request.trigger, *next)))
-        next = request.trigger.repeats ? nextMatch(request.trigger, *next) : std::nullopt;
-    if (!next) {
+    const auto first = firstReading(request, faces);
+    if (!first) {
         removePending({request.identifier});
         return;
     }
     if (found == entries_.end() && entries_.size() >= maximumWaiting) return;
     std::string identifier = request.identifier;
-    entries_.insert_or_assign(std::move(identifier), Entry{{std::move(request), *next}, ++lastNumber_});
+    entries_.insert_or_assign(std::move(identifier),
+                              Entry{{std::move(request), first->time, first->isSecond}, ++lastNumber_});
     save();
     lookSoon();
+}
+
+std::optional<PendingNotifications::Reading> PendingNotifications::firstReading(const NotificationRequest& request,
+                                                                                Faces& faces) const {
+    const CalendarTrigger& trigger = request.trigger;
+    auto next = nextMatch(trigger, faces.time(trigger));
+    if (request.intended) {
+        const CivilTime time = faces.time(trigger, *request.intended);
+        const bool isMeant = matches(trigger, time);
+        const bool isOver = *request.intended <= faces.now || wasShown(request.identifier, *request.intended);
+        if (isMeant && isOver && !trigger.repeats) return std::nullopt;
+        if (isMeant && !isOver && (!next || time <= *next))
+            return Reading{time, faces.instant(trigger, {time}) < *request.intended};
+    }
+    for (; next; next = trigger.repeats ? nextMatch(trigger, *next) : std::nullopt) {
+        const Instant moment = faces.instant(trigger, {*next});
+        if (wasShown(request.identifier, moment)) continue;
+        if (moment > faces.now) return Reading{*next};
+        // Over, although the clock will show it again.
+        const Instant second = faces.instant(trigger, {*next, true});
+        if (second > faces.now && !wasShown(request.identifier, second)) return Reading{*next, true};
+    }
+    return std::nullopt;
 }
 
 void PendingNotifications::removePending(const std::vector<std::string>& identifiers) {
@@ -180,7 +216,7 @@ void PendingNotifications::look() {
     for (const auto& [identifier, entry] : entries_) {
         if (entry.isShowing) continue;
         const NotificationRequest& request = entry.waiting.request;
-        const Instant moment = faces.instant(request.trigger, entry.waiting.next);
+        const Instant moment = faces.instant(request.trigger, {entry.waiting.next, entry.waiting.isSecond});
         if (moment > faces.now) {
             sleep = std::min(sleep, moment - faces.now);
         } else if (request.expires && *request.expires <= faces.now) {
@@ -214,6 +250,7 @@ void PendingNotifications::startAfreshIfSetBack(Faces& faces) {
         const auto second = first ? nextMatch(trigger, *first) : std::nullopt;
         if (!second || entry.waiting.next <= *second) continue;
         entry.waiting.next = *first;
+        entry.waiting.isSecond = false;
         save();
     }
 }
@@ -255,6 +292,7 @@ void PendingNotifications::pass(const std::string& identifier) {
     const auto next = trigger.repeats ? nextMatch(trigger, after) : std::nullopt;
     if (next) {
         waiting.next = *next;
+        waiting.isSecond = false;
     } else {
         entries_.erase(found);
     }

@@ -71,6 +71,12 @@ public:
 
 private:
     class Faces;
+    // A moment as a clock shows it.
+    struct Reading {
+        CivilTime time;
+        // Whether, when the clock shows it twice, the second time is meant.
+        bool isSecond = false;
+    };
     struct Entry {
         WaitingRequest waiting;
         // Tells it from a later request under the same identifier.
@@ -91,6 +97,8 @@ private:
                std::map<std::string, std::string> userInfo);
     // Moves a repeating request to its next moment; drops another one.
     void pass(const std::string& identifier);
+    // When a request that is added now comes due first; absent when it never does.
+    std::optional<Reading> firstReading(const NotificationRequest& request, Faces& faces) const;
     bool wasShown(const std::string& identifier, Instant moment) const;
     void clicked(std::uint32_t number);
     void post(std::function<void(PendingNotifications&)> task);

@@ -1,11 +1,15 @@
 #include "reminders/ReminderScheduler.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "base/Dates.h"
 
 namespace sunpane {
 namespace {
+
+constexpr double secondsPerMinute = 60;
 
 CalendarTrigger triggerFor(Instant date, const std::optional<std::string>& rule, const Clock& clock) {
     const CivilTime time = LocalCalendar(clock).civilTime(date);
@@ -20,6 +24,12 @@ CalendarTrigger triggerFor(Instant date, const std::optional<std::string>& rule,
         trigger.year = time.day.year;
     }
     return trigger;
+}
+
+// Whether both triggers were made for the same rule: each rule sets other components.
+bool isOfSameRule(const CalendarTrigger& a, const CalendarTrigger& b) {
+    return a.repeats == b.repeats && a.day.has_value() == b.day.has_value() &&
+           a.weekday.has_value() == b.weekday.has_value();
 }
 
 NotificationRequest meetingRequest(const MeetingAlert& alert) {
@@ -68,6 +78,14 @@ NotificationRequest ReminderScheduler::todoRequest(const Uuid& todoID, const std
     request.title = "Dawnly reminder";
     request.body = text;
     request.trigger = triggerFor(date, repeatRule, clock);
+    request.intended = Instant::fromUnix(std::floor(date.unixTime() / secondsPerMinute) * secondsPerMinute);
+    return request;
+}
+
+NotificationRequest ReminderScheduler::inPlaceOf(const NotificationRequest& pending, NotificationRequest request) {
+    const bool isSame =
+        request.intended && pending.intended == request.intended && isOfSameRule(pending.trigger, request.trigger);
+    if (isSame) request.trigger = pending.trigger;
     return request;
 }
 
@@ -79,9 +97,24 @@ void ReminderScheduler::schedule(const Uuid& todoID, const std::string& text, In
     ensureAuth([this, number, request = std::move(request)] {
         const auto found = underWay_.find(request.identifier);
         if (found == underWay_.end() || found->second != number) return;
-        underWay_.erase(found);
-        center_.add(request);
+        center_.pending([weak = std::weak_ptr(self_), number, request](const auto& pending) {
+            const auto self = weak.lock();
+            if (!self) return;
+            auto& underWay = (*self)->underWay_;
+            const auto still = underWay.find(request.identifier);
+            if (still == underWay.end() || still->second != number) return;
+            underWay.erase(still);
+            (*self)->replaceTodoRequest(request, pending);
+        });
     });
+}
+
+void ReminderScheduler::replaceTodoRequest(NotificationRequest request,
+                                           const std::vector<NotificationRequest>& pending) {
+    const auto found = std::find_if(pending.begin(), pending.end(), [&](const NotificationRequest& each) {
+        return each.identifier == request.identifier;
+    });
+    center_.add(found == pending.end() ? std::move(request) : inPlaceOf(*found, std::move(request)));
 }
 
 void ReminderScheduler::cancel(const Uuid& todoID) {

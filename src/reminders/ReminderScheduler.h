@@ -53,7 +53,8 @@ public:
 
     ReminderScheduler(UserNotificationCenter& center, const Clock& clock);
 
-    /// Reminds of a todo at `date`, to the minute, and again by `repeatRule`, in place of what was pending for it.
+    /// Reminds of a todo at `date`, to the minute, and again by `repeatRule`, in place of what was pending for it. When
+    /// that was for the same date and rule, it keeps its trigger.
     void schedule(const Uuid& todoID, const std::string& text, Instant date,
                   const std::optional<std::string>& repeatRule);
 
@@ -72,7 +73,12 @@ public:
     static NotificationRequest todoRequest(const Uuid& todoID, const std::string& text, Instant date,
                                            const std::optional<std::string>& repeatRule, const Clock& clock);
 
+    /// What becomes of `request` where `pending` waits under its identifier. A reminder that was set for 9:00 stays one
+    /// for 9:00 when the user is in another zone by now, so its trigger must not be read from that zone's clock anew.
+    static NotificationRequest inPlaceOf(const NotificationRequest& pending, NotificationRequest request);
+
 private:
+    void replaceTodoRequest(NotificationRequest request, const std::vector<NotificationRequest>& pending);
     void replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, bool complete,
                               const std::vector<NotificationRequest>& pending);
 

@@ -70,6 +70,14 @@ std::optional<CivilTime> nextMatch(const CalendarTrigger& trigger, const CivilTi
     return std::nullopt;
 }
 
+bool matches(const CalendarTrigger& trigger, const CivilTime& time) {
+    const Ranges ranges = rangesOf(trigger);
+    return trigger.year.value_or(time.day.year) == time.day.year && contains(ranges.month, time.day.month) &&
+           contains(ranges.day, time.day.day) && trigger.weekday.value_or(weekday(time.day)) == weekday(time.day) &&
+           contains(ranges.hour, time.hour) && contains(ranges.minute, time.minute) &&
+           contains(ranges.second, time.second);
+}
+
 bool isValid(const CalendarTrigger& trigger) {
     const auto within = [](const std::optional<int>& component, int first, int last) {
         return !component || (first <= *component && *component <= last);

@@ -6,6 +6,7 @@
 #include "app/NotificationNames.h"
 #include "app/NotificationResponses.h"
 #include "app/TodoActions.h"
+#include "base/Dates.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedNotifications.h"
 #include "support/SimulatedPlatform.h"
@@ -135,6 +136,38 @@ TEST_F(TodoRemindersTest, AtTheStartOnlyWhatIsWrongIsPutRight) {
     start();
     EXPECT_THAT(bodies(), ::testing::UnorderedElementsAre("Right", "Missing", "Changed", "Meeting"));
     EXPECT_EQ(center.additions, 2);
+}
+
+TEST_F(TodoRemindersTest, InAnotherZoneAReminderKeepsTheTimeThatItWasSetFor) {
+    const LocalCalendar home(platform.clock);
+    const Uuid daily = add("Daily");
+    const Uuid once = add("Once");
+    start();
+    todos.setReminder(daily, home.parseIso8601("2026-11-22T09:00:30"), "daily");
+    todos.setReminder(once, home.parseIso8601("2026-11-25T18:00:00"), std::nullopt);
+    settle();
+    const auto triggers = [&] {
+        std::vector<CalendarTrigger> result;
+        for (const Uuid& id : {daily, once})
+            result.push_back(center.byIdentifier.at("todo-" + id.toString()).trigger);
+        return result;
+    };
+    const auto before = triggers();
+    EXPECT_EQ(before[0], (CalendarTrigger{.hour = 9, .minute = 0, .repeats = true}));
+    center.additions = 0;
+    platform.clock.zone = "America/New_York";
+    start();
+    EXPECT_EQ(center.additions, 0);
+    todos.rename(daily, "Every day");
+    settle();
+    EXPECT_EQ(center.byIdentifier.at("todo-" + daily.toString()).body, "Every day");
+    EXPECT_EQ(triggers(), before);
+    // Another rule or moment is read from the clock that the user looks at.
+    todos.setReminder(daily, home.parseIso8601("2026-11-22T09:00:00"), "weekly");
+    todos.setReminder(once, home.parseIso8601("2026-11-25T18:01:00"), std::nullopt);
+    settle();
+    EXPECT_EQ(triggers()[0], (CalendarTrigger{.weekday = 1, .hour = 3, .minute = 0, .repeats = true}));
+    EXPECT_EQ(triggers()[1].hour, 12);
 }
 
 TEST_F(TodoRemindersTest, AListThatCouldNotBeReadCancelsNothing) {

@@ -163,6 +163,56 @@ TEST_F(PendingNotificationsTest, SkippedTimesComeAtTheEndOfTheGapAndRepeatedOnes
     EXPECT_THAT(log, ElementsAre("daily at 03-27 12:00:00", "daily at 03-28 03:00:00", "daily at 03-29 02:30:00"));
 }
 
+TEST_F(PendingNotificationsTest, InTheHourThatComesTwiceTheIntendedTimeCounts) {
+    const Instant first = at("2026-10-25T02:00:00");
+    const Instant second = first + 3600;
+    struct Case {
+        const char* what;
+        Instant now;
+        std::optional<Instant> intended;
+        int minute;
+        Instant shown;
+    };
+    const std::vector<Case> cases = {
+        {"later in the second hour", second + 600, second + 2400, 40, second + 2400},
+        {"the same without knowing the intent", second + 600, std::nullopt, 40, second + 2400},
+        {"in an hour, from the first on", first + 630, second + 600, 10, second + 600},
+        {"the first, from before", first - 3600, first + 600, 10, first + 600},
+        {"the second, from before", first - 3600, second + 600, 10, second + 600},
+        {"the first, without knowing the intent", first - 3600, std::nullopt, 10, first + 600},
+        {"the first, within it", first + 60, first + 600, 10, first + 600},
+    };
+    for (const bool repeats : {false, true}) {
+        for (const auto& [what, now, intended, minute, shown] : cases) {
+            center.reset();
+            files.writeExternally(statePath, R"({"version":1,"waiting":[],"shown":[]})");
+            platform.time.jumpWallClock(now);
+            start();
+            const CalendarTrigger once{.year = 2026, .month = 10, .day = 25, .hour = 2, .minute = minute};
+            NotificationRequest request{"a", "Title", "a", {}, repeats ? daily(2, minute) : once};
+            request.intended = intended;
+            center->add(request);
+            platform.time.runPending();
+            // The intent outlives the program.
+            center.reset();
+            start();
+            log.clear();
+            platform.time.advanceTo(shown - 1);
+            EXPECT_THAT(log, IsEmpty()) << what;
+            platform.time.advance(1);
+            EXPECT_EQ(log.size(), 1U) << what;
+            platform.time.advanceTo(second + 7200);
+            EXPECT_EQ(log.size(), 1U) << what;
+            // Whoever keeps requests in step brings nothing back.
+            if (!repeats && intended) {
+                platform.time.jumpWallClock(std::max(shown + 60, first + 3660));
+                center->add(request);
+                EXPECT_THAT(waiting(), IsEmpty()) << what;
+            }
+        }
+    }
+}
+
 TEST_F(PendingNotificationsTest, FollowsTheUserIntoAnotherZone) {
     const Instant meeting = at("2026-11-22T15:00:00");
     add("local", once(22, 12, 0));

@@ -50,8 +50,8 @@ TEST_F(ReminderSchedulerTest, MakesTheTriggerOfEachRule) {
     for (const auto& [rule, trigger] : cases) {
         scheduler.schedule(todo, "Call mum", tuesday(), rule);
         settle();
-        EXPECT_EQ(center.requests(),
-                  (std::vector{NotificationRequest{identifier, "Dawnly reminder", "Call mum", {}, trigger, {}}}))
+        EXPECT_EQ(center.requests(), (std::vector{NotificationRequest{
+                                         identifier, "Dawnly reminder", "Call mum", {}, trigger, {}, tuesday() - 45}}))
             << rule.value_or("no rule");
     }
 }

@@ -104,7 +104,6 @@ private:
     void start() {
         program_ = std::make_unique<Program>(platform_, disk_, cloud_, service_, calendars_, defaults_);
         ableSince_ = platform_.time.uptime();
-        zoneAtStart_ = platform_.clock.zone;
     }
 
     void settle(const std::string& what) {
@@ -248,8 +247,6 @@ private:
         platform_.time.runPending();
         const Seconds span = static_cast<double>(below(3)) * static_cast<double>(below(100000));
         platform_.time.jumpWallClock(now() + span);
-        // In another zone the reminders are read from another clock.
-        if (platform_.clock.zone != zoneAtStart_) ++generation_;
         start();
         return "restart after " + std::to_string(span);
     }
@@ -261,8 +258,9 @@ private:
         return requests;
     }
 
-    // The latest moment up to `until` that the trigger names, as its clock shows it.
-    std::optional<CivilTime> latestOccurrence(const CalendarTrigger& trigger, Instant until) const {
+    // The latest moment up to `until` that the request asks for, as its clock shows it.
+    std::optional<CivilTime> latestOccurrence(const NotificationRequest& request, Instant until) const {
+        const CalendarTrigger& trigger = request.trigger;
         const LocalCalendar face = faceOf(trigger);
         CivilDay day = addingDays(face.civilTime(until).day, 1);
         for (int i = 0; i < 70; ++i, day = addingDays(day, -1)) {
@@ -270,7 +268,9 @@ private:
             if (trigger.day.value_or(day.day) != day.day) continue;
             if (trigger.weekday.value_or(weekday(day)) != weekday(day)) continue;
             const CivilTime time{day, trigger.hour.value_or(0), trigger.minute.value_or(0), trigger.second.value_or(0)};
-            if (face.instant(time) <= until) return time;
+            const auto second = face.secondInstant(time);
+            const bool isSecond = second && second == request.intended;
+            if ((isSecond ? *second : face.instant(time)) <= until) return time;
         }
         return std::nullopt;
     }
@@ -295,7 +295,7 @@ private:
         // One that was made and shown within a step is not known; its moment is checked by the next step's rules.
         if (request == nullptr) return;
         shownNow_.insert(request->identifier);
-        const auto occurrence = latestOccurrence(request->trigger, now());
+        const auto occurrence = latestOccurrence(*request, now());
         require(occurrence.has_value(), request->identifier + " comes early");
         const auto last = lastShown_.find(request->identifier);
         if (last != lastShown_.end() && last->second.trigger == request->trigger &&
@@ -357,7 +357,7 @@ private:
 
     void checkNothingLate() {
         for (const auto& request : justPending_) {
-            const auto due = latestOccurrence(request.trigger, now() - slack);
+            const auto due = latestOccurrence(request, now() - slack);
             if (!due) continue;
             if (!request.trigger.repeats) {
                 require(false, request.identifier + " is late");
@@ -381,7 +381,6 @@ private:
     std::unique_ptr<Program> program_;
     double highestReading_ = 0;
     Seconds ableSince_ = 0;
-    std::string zoneAtStart_;
     // Meetings that were announced, by name and start.
     std::set<std::pair<std::string, double>> announced_;
     std::uint64_t names_ = 0;
