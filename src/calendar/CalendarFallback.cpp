@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 #include <utility>
 
 #include "base/Dates.h"
@@ -104,13 +105,15 @@ std::vector<CalendarEvent> CalendarFallback::todayEvents() const {
     return store_.events(start, calendar.startOfDay(calendar.addingDays(start, 1)));
 }
 
-bool CalendarFallback::routesToTodos(const CalendarEvent& event) const {
-    if (!defaults_.read<bool>(todosEnabledKey).valueOr(true)) return false;
-    const auto picked = defaults_.read<std::vector<std::string>>(todoCalendarsKey).valueOr({});
-    const bool isPicked =
-        event.calendar && std::find(picked.begin(), picked.end(), event.calendar->identifier) != picked.end();
-    if (!isPicked && !isTasksTitledCalendar(event.calendar) && !looksLikeTodo(event)) return false;
-    return !isDismissedTodo || !isDismissedTodo(event.title.value_or(""));
+std::function<bool(const CalendarEvent& event)> CalendarFallback::todoRouting() const {
+    if (!defaults_.read<bool>(todosEnabledKey).valueOr(true)) return [](const CalendarEvent&) { return false; };
+    const auto identifiers = defaults_.read<std::vector<std::string>>(todoCalendarsKey).valueOr({});
+    return [this, picked = std::unordered_set<std::string>(identifiers.begin(), identifiers.end())](
+               const CalendarEvent& event) {
+        const bool isPicked = event.calendar && picked.contains(event.calendar->identifier);
+        if (!isPicked && !isTasksTitledCalendar(event.calendar) && !looksLikeTodo(event)) return false;
+        return !isDismissedTodo || !isDismissedTodo(event.title.value_or(""));
+    };
 }
 
 std::vector<std::string> CalendarFallback::todayEventTitles() const {
@@ -123,8 +126,9 @@ std::vector<std::string> CalendarFallback::todayEventTitles() const {
 
 std::vector<std::string> CalendarFallback::todayCalendarTodoTitles() const {
     std::vector<std::string> titles;
+    const auto isTodo = todoRouting();
     for (const auto& event : todayEvents()) {
-        if (event.title && routesToTodos(event)) titles.emplace_back(text::trimWhitespace(*event.title));
+        if (event.title && isTodo(event)) titles.emplace_back(text::trimWhitespace(*event.title));
     }
     return titles;
 }
@@ -139,8 +143,9 @@ std::optional<Briefing> CalendarFallback::todayBriefing() const {
     const LocalCalendar calendar(clock_);
     std::string markdown = "### 📅 Today's Schedule\n";
     if (events.empty()) markdown += "- **Clear day.** Nothing on the calendar.\n";
+    const auto isTodo = todoRouting();
     for (const auto& event : events) {
-        if (!routesToTodos(event)) markdown += scheduleLine(event, calendar) + "\n";
+        if (!isTodo(event)) markdown += scheduleLine(event, calendar) + "\n";
     }
     markdown +=
         "\n### 💡 Tip\n- This is your calendar view: no brief arrived today. Connect an AI in Settings and this becomes "

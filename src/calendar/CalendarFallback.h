@@ -61,8 +61,11 @@ public:
     /// All of today's events, in the calendars' order.
     std::vector<CalendarEvent> todayEvents() const;
 
-    /// Whether an event belongs into the todo list and not into the schedule.
-    bool routesToTodos(const CalendarEvent& event) const;
+    /// Whether an event belongs into the todo list and not into the schedule, by the settings as they are now. For one
+    /// pass over events: reading the settings costs more than asking for an event. Not to be kept.
+    std::function<bool(const CalendarEvent& event)> todoRouting() const;
+    /// The same for a single event.
+    bool routesToTodos(const CalendarEvent& event) const { return todoRouting()(event); }
 
     /// Writes an event of `duration` (s) to the default calendar; calls back with its identifier, or with nothing when
     /// there is no access or it could not be written.

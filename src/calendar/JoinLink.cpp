@@ -70,12 +70,22 @@ bool isPort(std::string_view digits) {
     return true;
 }
 
+// Characters that are not seen, or that change how others are: no address needs them, and they make one look like
+// another.
+bool hasInvisibleCharacters(std::string_view address) {
+    for (std::size_t position = 0; position < address.size();) {
+        const int type = u_charType(static_cast<UChar32>(text::nextCodePoint(address, position)));
+        if (type == U_CONTROL_CHAR || type == U_FORMAT_CHAR) return true;
+    }
+    return false;
+}
+
 // The host of an address as it is written there, from what follows "//". Empty when the address is malformed. A host
 // in other scripts than ASCII counts as malformed: browsers rewrite such names before they look them up, so that what
 // is read here need not be where the browser goes.
 std::string_view hostOf(std::string_view afterSlashes) {
     if (!std::all_of(afterSlashes.begin(), afterSlashes.end(), [](char c) { return is(c, inAddress); })) return {};
-    if (!hasOnlyWholeEscapes(afterSlashes)) return {};
+    if (!hasOnlyWholeEscapes(afterSlashes) || hasInvisibleCharacters(afterSlashes)) return {};
     std::string_view host = afterSlashes.substr(0, afterSlashes.find_first_of("/?#"));
     const std::size_t at = host.find('@');
     if (at != std::string_view::npos) host.remove_prefix(at + 1);

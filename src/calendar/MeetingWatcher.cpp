@@ -24,9 +24,10 @@ std::string decimal(double value) {
 
 std::vector<CalendarEvent> upcomingMeetings(const CalendarStore& store, const CalendarFallback& fallback, Instant now) {
     auto events = store.events(now, now + MeetingWatcher::horizon);
+    const auto isTodo = fallback.todoRouting();
     std::erase_if(events, [&](const CalendarEvent& event) {
         const bool isOver = !event.start || !event.end || *event.end <= now;
-        return event.allDay || isOver || fallback.routesToTodos(event);
+        return event.allDay || isOver || isTodo(event);
     });
     std::stable_sort(events.begin(), events.end(),
                      [](const CalendarEvent& a, const CalendarEvent& b) { return a.start < b.start; });

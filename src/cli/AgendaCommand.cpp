@@ -63,13 +63,13 @@ void print(const Agenda& agenda, const Clock& clock, std::ostream& out) {
                 << "  ";
         }
         out << printable(event.title.value_or("Untitled")) << (routedToTodos ? " (todo)" : "");
-        if (joinURL) out << "  " << *joinURL;
+        if (joinURL) out << "  " << printable(*joinURL);
         out << '\n';
     }
     if (!agenda.next) return;
     out << "\nNext: " << calendar.format(agenda.next->start, "EEE d MMM, HH:mm") << "  "
         << printable(agenda.next->title);
-    if (agenda.next->joinURL) out << "  " << *agenda.next->joinURL;
+    if (agenda.next->joinURL) out << "  " << printable(*agenda.next->joinURL);
     out << '\n';
 }
 
@@ -105,10 +105,11 @@ Agenda makeAgenda(CalendarStore& store, const UserDefaults& defaults, const Cloc
     fallback.isDismissedTodo = std::move(isDismissedTodo);
     Agenda agenda;
     agenda.access = store.access();
+    const auto isTodo = fallback.todoRouting();
     for (auto& event : fallback.todayEvents()) {
         auto link = joinURL(event);
-        const bool isTodo = fallback.routesToTodos(event);
-        agenda.events.push_back({std::move(event), std::move(link), isTodo});
+        const bool routedToTodos = isTodo(event);
+        agenda.events.push_back({std::move(event), std::move(link), routedToTodos});
     }
     agenda.next = mostLikelyMeeting(upcomingMeetings(store, fallback, clock.now()));
     agenda.todayEventTitles = fallback.todayEventTitles();
@@ -158,8 +159,9 @@ int runAgenda(Arguments arguments, Environment& environment) {
         return failure;
     }
     StoreSession session(environment, FolderBriefingProvider::currentDirectory(environment.defaults));
-    const Agenda agenda = makeAgenda(*store, environment.defaults, clock,
-                                     [&](const std::string& title) { return session.todos().isDismissed(title); });
+    Agenda agenda = makeAgenda(*store, environment.defaults, clock,
+                               [&](const std::string& title) { return session.todos().isDismissed(title); });
+    if (environment.calendarAccess) agenda.access = environment.calendarAccess();
     if (parsed->asJson) {
         environment.out << toJson(agenda, clock) << '\n';
     } else {

@@ -20,6 +20,7 @@ struct Agenda {
         std::optional<std::string> joinURL;
         bool routedToTodos = false;
     };
+    /// What the user lets the desktop program do; a command reads the calendars all the same.
     CalendarAccess access = CalendarAccess::notDetermined;
     /// Today's events, in the calendars' order.
     std::vector<Entry> events;

@@ -74,6 +74,10 @@ struct Environment {
     /// Reads the user's calendars as they are around the clock's present. Null, or not `loaded`, when that failed. The
     /// clock outlives the store.
     std::function<std::unique_ptr<CalendarStore>(const Clock& clock)> openCalendars = nullptr;
+
+    /// What the user lets the desktop program do with the calendars, which does not bind who starts a command by hand.
+    /// Null: what the calendars themselves say.
+    std::function<CalendarAccess()> calendarAccess = nullptr;
 };
 
 /// The words behind the command's name.

@@ -75,7 +75,8 @@ int main(int argc, char** argv) {
                                  .stateFolder = xdg::stateFolder(),
                                  .wait = sleepFor,
                                  .connectPlayers = connectPlayers,
-                                 .openCalendars = openCalendars};
+                                 .openCalendars = openCalendars,
+                                 .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); }};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();

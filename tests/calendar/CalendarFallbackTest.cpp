@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Dates.h"
+#include "calendar/MeetingWatcher.h"
 #include "support/SimulatedCalendar.h"
 #include "support/SimulatedPlatform.h"
 #include "support/SimulatedUserDefaults.h"
@@ -125,6 +126,21 @@ TEST_F(CalendarFallbackTest, TellsTasksFromEvents) {
     EXPECT_TRUE(fallback.routesToTodos(task));
     defaults.set("calendarTodosEnabled", false);
     EXPECT_FALSE(fallback.routesToTodos(task));
+}
+
+TEST_F(CalendarFallbackTest, APassOverManyEventsReadsTheSettingsOnce) {
+    defaults.set("todoCalendarIDs", std::vector<std::string>{"picked"});
+    for (int i = 0; i < 1000; ++i)
+        store.all.push_back(i % 2 == 0 ? timedEvent("Task", today(9)) : meeting("Call", today(9)));
+    const auto readsOf = [&](const auto& pass) {
+        defaults.reads = 0;
+        pass();
+        return defaults.reads;
+    };
+    constexpr int settings = 2;
+    EXPECT_EQ(readsOf([&] { schedule(); }), settings);
+    EXPECT_EQ(readsOf([&] { EXPECT_EQ(fallback.todayCalendarTodoTitles().size(), 500U); }), settings);
+    EXPECT_EQ(readsOf([&] { EXPECT_EQ(upcomingMeetings(store, fallback, today(8)).size(), 500U); }), settings);
 }
 
 TEST_F(CalendarFallbackTest, ADismissedTaskIsAnEventAgain) {

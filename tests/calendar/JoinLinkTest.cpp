@@ -71,6 +71,11 @@ TEST(JoinLink, IsNotFooledByHostsThatOnlyLookLikeAService) {
              "https:///zoom.us/",
              "https://[zoom.us",
              "https://\x01zoom.us/",
+             "https://zoom.us/\u009B31m",
+             "https://zoom.us/\u202Egpj",
+             "https://zoom.us/j/1\u200B",
+             "https://zoom.us/\u2066a",
+             "https://zoom.us/\U000E0041",
          }) {
         EXPECT_EQ(joinURL(std::string_view(link)), std::nullopt) << link;
     }
@@ -104,8 +109,9 @@ TEST(JoinLink, SurvivesHostileSizes) {
 TEST(JoinLink, KnowsAddressesOfTheWeb) {
     for (const char* address : {"https://zoom.us/j/1", "http://example.org", "https://example.org:1/a?b#c"})
         EXPECT_TRUE(isWebAddress(address)) << address;
-    for (const char* other : {"", "https://", "file:///etc/passwd", "javascript:alert(1)", "mailto:a@b", "zoom.us",
-                              " https://zoom.us", "https://zoom.us/a b", "https://zoom.us\n"}) {
+    for (const char* other :
+         {"", "https://", "file:///etc/passwd", "javascript:alert(1)", "mailto:a@b", "zoom.us", " https://zoom.us",
+          "https://zoom.us/a b", "https://zoom.us\n", "https://zoom.us/\u009B", "http://example.org/\u202Ea"}) {
         EXPECT_FALSE(isWebAddress(other)) << other;
     }
 }

@@ -34,6 +34,7 @@ struct AgendaCommandTest : ::testing::Test {
     std::ostringstream err;
     std::vector<CalendarEvent> all;
     bool canBeRead = true;
+    std::function<CalendarAccess()> calendarAccess;
 
     AgendaCommandTest() {
         defaults.set("briefingsFolderPath", std::string("/briefings"));
@@ -69,7 +70,8 @@ struct AgendaCommandTest : ::testing::Test {
                                         store->all = all;
                                         store->isLoaded = canBeRead;
                                         return store;
-                                    }};
+                                    },
+                                .calendarAccess = calendarAccess};
         return runCommandLine(arguments, environment);
     }
 };
@@ -103,6 +105,24 @@ TEST_F(AgendaCommandTest, TellsPeopleOnALineEach) {
     EXPECT_THAT(out.str(), HasSubstr("Next: Sun 22 Nov, 09:00  Call"));
     EXPECT_EQ(run({"agenda", "--at", "2026-11-22T12:00"}), success);
     EXPECT_THAT(out.str(), HasSubstr("Next: Mon 23 Nov, 10:00  Dentist\n"));
+}
+
+TEST_F(AgendaCommandTest, TellsWhatTheUserAnsweredAndReadsAllTheSame) {
+    calendarAccess = [] { return CalendarAccess::denied; };
+    EXPECT_EQ(run({"agenda", "--json"}), success);
+    EXPECT_THAT(out.str(), HasSubstr(R"({"access":"denied","events":[{"title":"Call)"));
+}
+
+TEST_F(AgendaCommandTest, ALinkWritesNothingButTextToTheTerminal) {
+    CalendarEvent call = testing::timedEvent("Call", at("2026-11-22T09:00"), 3600);
+    for (const char* hostile : {"https://zoom.us/\u009B31m", "https://zoom.us/\u202Egpj.exe"}) {
+        call.notes = hostile;
+        all = {call};
+        EXPECT_EQ(run({"agenda"}), success);
+        EXPECT_EQ(out.str().find("\u009B"), std::string::npos);
+        EXPECT_EQ(out.str().find("\u202E"), std::string::npos);
+        EXPECT_THAT(out.str(), HasSubstr("Call"));
+    }
 }
 
 TEST_F(AgendaCommandTest, KnowsWhatTheUserDismissed) {

@@ -110,6 +110,15 @@ class NotificationsTest(unittest.TestCase):
         self.assertGreater(int(probe.wait_for(r"shown (\d+)").group(1)), 0)
         self.assertEqual(self.displayed(session), [("Hello", "world")])
 
+    def test_escapes_for_a_service_that_does_not_say_what_it_can(self):
+        session = self.open_session()
+        stub = session.start("/usr/bin/python3", os.path.join(os.path.dirname(__file__), "notification_stub.py"))
+        probe = session.start(f"{PROGRAMS}/notification_probe")
+        probe.wait_for("available running")
+        probe.write("Dawnly reminder\tWater <img src='https://example.org/a'>")
+        probe.wait_for("shown 1")
+        self.assertNotIn("<", stub.wait_for("body (.*)").group(1))
+
     def test_does_without_a_session_bus(self):
         session = self.open_session()
         session.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={session.home}/nowhere"

@@ -14,6 +14,7 @@ namespace sunpane::testing {
 class SimulatedUserDefaults : public UserDefaults {
 public:
     std::optional<Value> value(std::string_view key) const override {
+        ++reads;
         const auto found = values.find(key);
         return found == values.end() ? std::nullopt : std::optional(found->second);
     }
@@ -25,6 +26,8 @@ public:
     }
 
     std::map<std::string, Value, std::less<>> values;
+    /// How often a value was asked for.
+    mutable int reads = 0;
 };
 
 }  // namespace sunpane::testing

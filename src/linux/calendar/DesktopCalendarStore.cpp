@@ -48,15 +48,16 @@ DesktopCalendarStore::~DesktopCalendarStore() {
         reading->queue->drain();
 }
 
-CalendarAccess DesktopCalendarStore::access() const {
-    CalendarAccess access = CalendarAccess::notDetermined;
-    if (ports_.fixedAccess) {
-        access = *ports_.fixedAccess;
-    } else if (const auto stored = ports_.defaults.read<std::string>(accessKey); stored.value) {
-        for (const auto& each : accessNames) {
-            if (*stored.value == each.name) access = each.access;
-        }
+CalendarAccess DesktopCalendarStore::rememberedAccess(const UserDefaults& defaults) {
+    const auto stored = defaults.read<std::string>(accessKey);
+    for (const auto& each : accessNames) {
+        if (stored.value == each.name) return each.access;
     }
+    return CalendarAccess::notDetermined;
+}
+
+CalendarAccess DesktopCalendarStore::access() const {
+    const CalendarAccess access = ports_.fixedAccess ? *ports_.fixedAccess : rememberedAccess(ports_.defaults);
     if (access == CalendarAccess::full) {
         startReading();
     } else {

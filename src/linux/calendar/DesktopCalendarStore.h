@@ -51,6 +51,9 @@ public:
     explicit DesktopCalendarStore(Ports ports);
     ~DesktopCalendarStore() override;
 
+    /// What the user answered, as `defaults` remember it.
+    static CalendarAccess rememberedAccess(const UserDefaults& defaults);
+
     CalendarAccess access() const override;
     void requestFullAccess(std::function<void(bool granted)> answer) override;
     bool loaded() const override;

@@ -125,7 +125,9 @@ void DesktopNotificationService::show(const std::string& title, const std::strin
     }
     withCapabilities([this, title = QString::fromStdString(title), body = QString::fromStdString(body),
                       shown = std::move(shown)]() mutable {
-        notify(title, bodyIsMarkup_.value_or(false) ? body.toHtmlEscaped() : body, std::move(shown));
+        // Unknown when the service did not answer: escaped text read as plain looks odd, raw text read as markup obeys
+        // whoever wrote it.
+        notify(title, bodyIsMarkup_.value_or(true) ? body.toHtmlEscaped() : body, std::move(shown));
     });
 }
 
