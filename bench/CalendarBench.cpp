@@ -122,7 +122,7 @@ void measure() {
                 if (stat(path.c_str(), &status) != 0) std::printf("WRONG: a file is gone\n");
             }
         }));
-        reader.stop();
+        reader.stop([] {});
     }
     std::printf("%d events in %d files, %d of them in the next 14 days\n", calendarCount * eventsPerCalendar,
                 calendarCount, eventsInWindow);
