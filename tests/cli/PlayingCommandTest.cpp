@@ -87,7 +87,7 @@ TEST_F(PlayingCommandTest, ShowsAllOfTheTrackOrThatThereIsNone) {
     EXPECT_EQ(out.str(), "null\n");
     play(Player::spotify, "playing|||A\x1b[2J\nB|||\u202E\u009BC|||https://c/1");
     EXPECT_EQ(run({"playing"}), success);
-    EXPECT_EQ(out.str().find_first_of("\x1b"), std::string::npos);
+    EXPECT_EQ(out.str().find('\x1b'), std::string::npos);
     EXPECT_THAT(out.str(), HasSubstr("(Spotify, playing)\n"));
     EXPECT_EQ(out.str().find('\n'), out.str().size() - 1);
     EXPECT_EQ(run({"playing", "--json"}), success);

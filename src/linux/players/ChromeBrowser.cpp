@@ -31,6 +31,7 @@ enum class Visibility { unknown, hidden, visible };
 std::vector<Visibility> visibilities(DevToolsSession& pages, const std::vector<std::string>& targets,
                                      Deadline deadline) {
     std::vector<DevToolsSession::Call> attaching;
+    attaching.reserve(targets.size());
     for (const auto& target : targets)
         attaching.push_back({"Target.attachToTarget", {{"targetId", target}, {"flatten", true}}, {}});
     std::vector<DevToolsSession::Call> asking;
