@@ -68,7 +68,6 @@ int main(int argc, char* argv[]) {
     LocalCloudFiles cloudFiles;
     PosixFileSystem files;
     StoreFiles storeFiles({files, cloudFiles, clock, runLoop, queues, sleepFor}, xdg::stateFolder());
-    X11Events events;
     // Nothing to meet and nothing playing, so that no other program has a part in the times.
     testing::SimulatedPlatform simulated;
     testing::SimulatedAgenda agenda(simulated, defaults);
@@ -84,7 +83,8 @@ int main(int argc, char* argv[]) {
                           players.nowPlaying});
     model.start();
 
-    QtWorkspace workspace;
+    X11Events events;
+    QtWorkspace workspace{events};
     RootWindow::registerTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));

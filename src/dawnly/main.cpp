@@ -96,7 +96,7 @@ private:
                                         meetings_,
                                         nowPlaying_}};
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
-    sunpane::QtWorkspace workspace_;
+    sunpane::QtWorkspace workspace_{x11Events_};
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::PanelAssembly windows_{
         {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};

@@ -21,6 +21,10 @@ public:
 
     /// Calls `handler` when the pointer moves over this program's own windows.
     [[nodiscard]] virtual Subscription onLocalPointerMoved(std::function<void()> handler) = 0;
+
+    /// Calls `handler` when the left or the right button goes down outside this program's windows. An empty
+    /// subscription where the desktop does not tell.
+    [[nodiscard]] virtual Subscription onGlobalMouseDown(std::function<void()> handler) = 0;
 };
 
 }  // namespace sunpane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "base/Geometry.h"
@@ -13,6 +14,8 @@ class PanelWindow {
 public:
     virtual ~PanelWindow() = default;
 
+    /// The desktop's own number of the window.
+    virtual std::uint64_t number() const = 0;
     /// In screen points.
     virtual Rect frame() const = 0;
     virtual bool isVisible() const = 0;

@@ -22,6 +22,9 @@ public:
     /// Calls `handler` after the machine woke from sleep.
     [[nodiscard]] virtual Subscription observeWake(std::function<void()> handler) = 0;
 
+    /// Calls `handler` after another program's window became the active one.
+    [[nodiscard]] virtual Subscription onApplicationActivated(std::function<void()> handler) = 0;
+
     /// Ends this program in good order.
     virtual void terminate() = 0;
 };

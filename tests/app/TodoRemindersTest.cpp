@@ -7,6 +7,7 @@
 #include "app/NotificationResponses.h"
 #include "app/TodoActions.h"
 #include "base/Dates.h"
+#include "support/SimulatedDesktop.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedNotifications.h"
 #include "support/SimulatedPlatform.h"
@@ -178,19 +179,11 @@ TEST_F(TodoRemindersTest, AListThatCouldNotBeReadCancelsNothing) {
     EXPECT_THAT(center.identifiers(), ElementsAre(pending.identifier));
 }
 
-struct NoWorkspace : Workspace {
-    void revealFolder(const std::string& /*path*/) override {}
-    void openUrl(const std::string& url) override { opened.push_back(url); }
-    Subscription observeWake(std::function<void()> /*handler*/) override { return {}; }
-    void terminate() override {}
-    std::vector<std::string> opened;
-};
-
 TEST(NotificationResponsesTest, AClickOpensTheMeetingOrRevealsTheTodo) {
     testing::SimulatedPlatform platform;
     testing::SimulatedNotificationCenter center{platform.runLoop};
     LocalNotifications notifications;
-    NoWorkspace workspace;
+    testing::SimulatedWorkspace workspace;
     std::vector<std::string> revealed;
     const auto subscription = notifications.observe(
         notification::revealTodo, [&](const auto& object) { revealed.push_back(object.value_or("no object")); });

@@ -12,6 +12,7 @@
 #include "platform/EventMonitors.h"
 #include "platform/PanelWindow.h"
 #include "platform/Screens.h"
+#include "platform/Workspace.h"
 
 namespace sunpane::testing {
 
@@ -41,15 +42,20 @@ public:
     Point pointerLocation() const override { return location; }
     Subscription onGlobalPointerMoved(std::function<void()> handler) override { return moved_.add(std::move(handler)); }
     Subscription onLocalPointerMoved(std::function<void()> handler) override { return moved_.add(std::move(handler)); }
+    Subscription onGlobalMouseDown(std::function<void()> handler) override {
+        return mouseDown_.add(std::move(handler));
+    }
     void moveTo(Point to) {
         location = to;
         moved_.call();
     }
+    void pressElsewhere() { mouseDown_.call(); }
 
     Point location{100, 100};
 
 private:
     HandlerList<> moved_;
+    HandlerList<> mouseDown_;
 };
 
 /// Panel windows that only remember.
@@ -57,6 +63,7 @@ class SimulatedPanelWindows : public PanelWindows {
 public:
     struct Window : PanelWindow {
         explicit Window(const Rect& rect) : rectangle(rect) {}
+        std::uint64_t number() const override { return 7; }
         Rect frame() const override { return rectangle; }
         bool isVisible() const override { return visible; }
         bool isOnScreen() const override { return visible; }
@@ -81,6 +88,27 @@ public:
     int made = 0;
     Size lastNotch;
     Window* last = nullptr;  // valid while the panel it stands for exists
+};
+
+/// A desktop around the program whose events a test brings about, and which remembers what was opened.
+class SimulatedWorkspace : public Workspace {
+public:
+    void revealFolder(const std::string& /*path*/) override {}
+    void openUrl(const std::string& url) override { opened.push_back(url); }
+    Subscription observeWake(std::function<void()> handler) override { return wakes_.add(std::move(handler)); }
+    Subscription onApplicationActivated(std::function<void()> handler) override {
+        return activations_.add(std::move(handler));
+    }
+    void terminate() override { terminated = true; }
+    void wake() { wakes_.call(); }
+    void activateAnother() { activations_.call(); }
+
+    std::vector<std::string> opened;
+    bool terminated = false;
+
+private:
+    HandlerList<> wakes_;
+    HandlerList<> activations_;
 };
 
 class SimulatedBroadcasts : public DistributedNotifications {

@@ -8,7 +8,8 @@
 
 namespace sunpane {
 
-QtWorkspace::QtWorkspace() {
+QtWorkspace::QtWorkspace(X11Events& events) {
+    connect(&events, &X11Events::applicationActivated, this, [this] { activationHandlers_.call(); });
     // Without a system bus or a login manager nothing is ever heard.
     QDBusConnection::systemBus().connect(QStringLiteral("org.freedesktop.login1"),
                                          QStringLiteral("/org/freedesktop/login1"),
@@ -29,6 +30,10 @@ void QtWorkspace::openUrl(const std::string& url) {
 
 Subscription QtWorkspace::observeWake(std::function<void()> handler) {
     return wakeHandlers_.add(std::move(handler));
+}
+
+Subscription QtWorkspace::onApplicationActivated(std::function<void()> handler) {
+    return activationHandlers_.add(std::move(handler));
 }
 
 void QtWorkspace::prepareForSleep(bool begins) {

@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "base/HandlerList.h"
+#include "linux/desktop/X11Events.h"
 #include "platform/Workspace.h"
 
 namespace sunpane {
@@ -13,11 +14,12 @@ class QtWorkspace : public QObject, public Workspace {
     Q_OBJECT
 
 public:
-    QtWorkspace();
+    explicit QtWorkspace(X11Events& events);
 
     void revealFolder(const std::string& path) override;
     void openUrl(const std::string& url) override;
     Subscription observeWake(std::function<void()> handler) override;
+    Subscription onApplicationActivated(std::function<void()> handler) override;
     void terminate() override;
 
 private slots:
@@ -25,6 +27,7 @@ private slots:
 
 private:
     HandlerList<> wakeHandlers_;
+    HandlerList<> activationHandlers_;
 };
 
 }  // namespace sunpane

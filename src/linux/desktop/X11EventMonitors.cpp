@@ -11,6 +11,7 @@ namespace sunpane {
 
 X11EventMonitors::X11EventMonitors(X11Events& events) : events_(events) {
     connect(&events_, &X11Events::pointerMoved, this, [this] { global_.call(); });
+    connect(&events_, &X11Events::mouseDownElsewhere, this, [this] { mouseDown_.call(); });
     qGuiApp->installEventFilter(this);
 }
 
@@ -25,6 +26,11 @@ Subscription X11EventMonitors::onGlobalPointerMoved(std::function<void()> handle
 
 Subscription X11EventMonitors::onLocalPointerMoved(std::function<void()> handler) {
     return local_.add(std::move(handler));
+}
+
+Subscription X11EventMonitors::onGlobalMouseDown(std::function<void()> handler) {
+    if (!events_.isConnected()) return {};
+    return mouseDown_.add(std::move(handler));
 }
 
 bool X11EventMonitors::eventFilter(QObject* watched, QEvent* event) {

@@ -18,6 +18,7 @@ public:
     Point pointerLocation() const override;
     Subscription onGlobalPointerMoved(std::function<void()> handler) override;
     Subscription onLocalPointerMoved(std::function<void()> handler) override;
+    Subscription onGlobalMouseDown(std::function<void()> handler) override;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -25,6 +26,7 @@ private:
     X11Events& events_;
     HandlerList<> global_;
     HandlerList<> local_;
+    HandlerList<> mouseDown_;
 };
 
 }  // namespace sunpane

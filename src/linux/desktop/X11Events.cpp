@@ -4,6 +4,8 @@
 #include <xcb/xinput.h>
 
 #include <QGuiApplication>
+#include <QWindow>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -17,6 +19,13 @@ using Reply = std::unique_ptr<T, decltype(&std::free)>;
 template <class T>
 Reply<T> own(T* reply) {
     return {reply, &std::free};
+}
+
+bool isOurs(xcb_window_t window) {
+    const auto windows = QGuiApplication::allWindows();
+    return std::any_of(windows.begin(), windows.end(), [window](const QWindow* ours) {
+        return ours->handle() != nullptr && static_cast<xcb_window_t>(ours->winId()) == window;
+    });
 }
 
 }  // namespace
@@ -35,7 +44,8 @@ X11Events::X11Events() {
 
     selectRawMotion();
     watchCompositor();
-    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    activeWindowAtom_ = atom("_NET_ACTIVE_WINDOW");
     xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_EVENT_MASK, &mask);
     xcb_flush(connection_.get());
 
@@ -64,7 +74,8 @@ void X11Events::selectRawMotion() {
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
-    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, XCB_INPUT_XI_EVENT_MASK_RAW_MOTION};
+    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
+                      XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS};
     xcb_input_xi_select_events(connection_.get(), screen_->root, 1, &selection.head);
 }
 
@@ -100,12 +111,18 @@ bool X11Events::handle(const xcb_generic_event_t& event) {
     const std::uint8_t type = event.response_type & 0x7F;
     if (type == XCB_GE_GENERIC) {
         const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-        return generic.extension == xinputOpcode_ && generic.event_type == XCB_INPUT_RAW_MOTION;
+        if (generic.extension != xinputOpcode_) return false;
+        if (generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS)
+            pressed(reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event).detail);
+        return generic.event_type == XCB_INPUT_RAW_MOTION;
     }
     if (xfixesFirstEvent_ != 0 && type == xfixesFirstEvent_ + XCB_XFIXES_SELECTION_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
         hasCompositor_ = change.owner != XCB_NONE;
         emit compositorChanged();
+    } else if (type == XCB_PROPERTY_NOTIFY) {
+        if (reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == activeWindowAtom_)
+            activeWindowChanged();
     } else if (type == XCB_CONFIGURE_NOTIFY && watchedWindow_ != XCB_NONE) {
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         if (change.above_sibling == watchedWindow_) emit coveredByAnother();
@@ -114,6 +131,21 @@ bool X11Events::handle(const xcb_generic_event_t& event) {
         if (change.window != watchedWindow_) emit coveredByAnother();
     }
     return false;
+}
+
+void X11Events::pressed(std::uint32_t button) {
+    if (button != XCB_BUTTON_INDEX_1 && button != XCB_BUTTON_INDEX_3) return;
+    const auto pointer =
+        own(xcb_query_pointer_reply(connection_.get(), xcb_query_pointer(connection_.get(), screen_->root), nullptr));
+    if (pointer && !isOurs(pointer->child)) emit mouseDownElsewhere();
+}
+
+void X11Events::activeWindowChanged() {
+    const auto cookie = xcb_get_property(connection_.get(), 0, screen_->root, activeWindowAtom_, XCB_ATOM_WINDOW, 0, 1);
+    const auto reply = own(xcb_get_property_reply(connection_.get(), cookie, nullptr));
+    if (!reply || xcb_get_property_value_length(reply.get()) < static_cast<int>(sizeof(xcb_window_t))) return;
+    const xcb_window_t window = *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
+    if (window != XCB_NONE && !isOurs(window)) emit applicationActivated();
 }
 
 }  // namespace sunpane

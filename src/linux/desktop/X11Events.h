@@ -26,6 +26,10 @@ public:
 signals:
     /// The pointer moved, wherever it is. One signal may stand for several movements.
     void pointerMoved();
+    /// The left or the right button went down over a window of another program.
+    void mouseDownElsewhere();
+    /// Another program's window became the active one.
+    void applicationActivated();
     void compositorChanged();
     /// Another window was put above the watched one, or newly shown.
     void coveredByAnother();
@@ -35,6 +39,8 @@ private:
     void watchCompositor();
     void readEvents();
     bool handle(const xcb_generic_event_t& event);
+    void pressed(std::uint32_t button);
+    void activeWindowChanged();
     xcb_atom_t atom(const char* name) const;
 
     struct Disconnect {
@@ -44,6 +50,7 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     xcb_screen_t* screen_ = nullptr;  // owned by the connection
     xcb_window_t watchedWindow_ = XCB_NONE;
+    xcb_atom_t activeWindowAtom_ = XCB_ATOM_NONE;
     int screenNumber_ = 0;
     std::uint8_t xinputOpcode_ = 0;
     std::uint8_t xfixesFirstEvent_ = 0;

@@ -24,6 +24,7 @@ public:
     X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events);
     ~X11PanelWindow() override;
 
+    std::uint64_t number() const override { return window_->winId(); }
     Rect frame() const override;
     bool isVisible() const override;
     bool isOnScreen() const override;
