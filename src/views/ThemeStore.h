@@ -1,22 +1,71 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
+#include "base/Observable.h"
 #include "platform/UserDefaults.h"
+#include "views/NotchTheme.h"
 
 namespace sunpane {
 
-/// The panel's theme as the user's settings have it. Main thread only.
-class ThemeStore {
+/// What the user chose for the panel's background, and the numbers that it is painted with: black at `baseOpacity`
+/// over the blurred screen, then the wash at `washStrength`.
+///
+/// One for the process, which the start-up code owns; main thread only. A change announces itself, takes effect and is
+/// kept in the settings at once.
+class ThemeStore : public Observable {
 public:
-    explicit ThemeStore(const UserDefaults& defaults) : defaults_(defaults) {}
+    static constexpr std::int64_t defaultTopHex = 0xA7A6CE;
+    static constexpr std::int64_t defaultBottomHex = 0x170F16;
+    static constexpr double defaultStrength = 0.55;
 
-    /// One of "glass", "haze", "sun", "dusk", "custom", "dark", from `notchTheme`. Settings without a known theme are
-    /// older ones: their `glassTint` above 0.6 means "dark", anything else "glass".
-    std::string themeName() const;
+    /// `defaults` outlives the store.
+    explicit ThemeStore(UserDefaults& defaults);
+    ~ThemeStore();
+
+    /// The first store that is alive. There must be one.
+    static ThemeStore& shared();
+
+    NotchTheme theme() const { return theme_; }
+    /// Changes over to the translucency that is remembered for the new theme.
+    void setTheme(NotchTheme theme);
+    std::string themeName() const { return std::string(notch_theme::rawValue(theme_)); }
+
+    /// From 0, solid, to 1, clear. Each theme has its own.
+    double translucency() const { return translucency_; }
+    void setTranslucency(double translucency);
+    /// What is remembered for a theme, whether it is the current one or not.
+    double storedTranslucency(NotchTheme theme) const;
+
+    /// The colours of the custom theme, 0xRRGGBB, and how strongly they cover what is behind.
+    std::int64_t customTopHex() const { return customTopHex_; }
+    void setCustomTopHex(std::int64_t hex);
+    std::int64_t customBottomHex() const { return customBottomHex_; }
+    void setCustomBottomHex(std::int64_t hex);
+    double customStrength() const { return customStrength_; }
+    void setCustomStrength(double strength);
+
+    /// From 0 to 1.
+    double baseOpacity() const;
+    /// Nothing for a theme without a wash.
+    std::optional<GradientStops> washStops() const;
+    double washStrength() const;
+    /// What a theme's swatch is filled with.
+    GradientStops swatchStops(NotchTheme theme) const;
 
 private:
-    const UserDefaults& defaults_;
+    template <class T>
+    void change(T& field, T value, std::string_view key);
+    GradientStops customStops() const;
+
+    UserDefaults& defaults_;
+    std::int64_t customTopHex_;
+    std::int64_t customBottomHex_;
+    double customStrength_;
+    NotchTheme theme_;
+    double translucency_;
 };
 
 }  // namespace sunpane
