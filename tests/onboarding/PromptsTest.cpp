@@ -86,8 +86,7 @@ TEST(Prompts, WhatTheyShowIsAGoodBriefingAndARecapThatImportsNothingTwice) {
     std::vector<std::string> titles;
     for (const auto& section : briefing::sections(document.markdown))
         titles.push_back(section.title);
-    EXPECT_THAT(titles, ElementsAre("📅 Today's Schedule", "🔴 Urgent", "💬 Mentions", "👀 On Your Radar", "✅ Action Items",
-                                    "🌙 EOD Recap"));
+    EXPECT_THAT(titles, ElementsAre("📅 Today's Schedule", "🔴 Urgent", "💬 Mentions", "👀 On Your Radar", "🌙 EOD Recap"));
     std::vector<std::string> tasks;
     for (const auto& item : briefing::actionItems(document.markdown))
         tasks.push_back(item.text);
