@@ -12,6 +12,7 @@
 #include "base/LocalNotifications.h"
 #include "base/Observable.h"
 #include "base/RunLoop.h"
+#include "base/Spring.h"
 #include "base/Uuid.h"
 #include "base/WorkQueue.h"
 #include "calendar/CalendarFallback.h"
@@ -36,6 +37,9 @@ namespace sunpane {
 /// One instance, created by the start-up code; it lives as long as the process. Main thread only.
 class NotchViewModel : public Observable {
 public:
+    /// How the panel unfolds and folds, whatever makes it.
+    static constexpr Spring unfolding{0.38, 0.82};
+    static constexpr Spring folding{0.3, 0.95};
     static constexpr Seconds cleanupInterval = 43200;
     static constexpr Seconds rolloverInterval = 1800;
     static constexpr int keptDays = 30;
@@ -100,6 +104,7 @@ public:
     void setKeepOpenUntil(Instant instant) { keepOpenUntil_ = instant; }
     /// Hovering must not unfold the panel before this time.
     Instant suppressExpandUntil() const { return suppressExpandUntil_; }
+    void setSuppressExpandUntil(Instant instant) { suppressExpandUntil_ = instant; }
 
     /// The measured height (points) of the briefing column's content; 0 until it was measured.
     double briefContentHeight() const { return briefContentHeight_; }

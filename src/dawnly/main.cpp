@@ -1,6 +1,7 @@
 #include <QCommandLineParser>
 #include <QGuiApplication>
 #include <QQuickWindow>
+#include <iostream>
 
 #include "app/NotchViewModel.h"
 #include "app/NotificationResponses.h"
@@ -31,6 +32,7 @@
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
 #include "notch/NotchController.h"
+#include "notch/PinnedSpace.h"
 #include "nowplaying/NowPlaying.h"
 #include "reminders/PendingNotifications.h"
 #include "reminders/ReminderScheduler.h"
@@ -100,7 +102,9 @@ private:
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::PanelAssembly windows_{
         {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
-    sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, distributed_, viewModel_,
+    sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
+    sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, workspace_, nullptr,
+                                          pinnedSpace_, distributed_, notifications_, viewModel_,
                                           [this] { return theme_.themeName(); },
                                           [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
     sunpane::Subscription expandRequests_;

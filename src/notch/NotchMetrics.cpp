@@ -1,6 +1,7 @@
 #include "notch/NotchMetrics.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace sunpane {
 namespace {
@@ -38,6 +39,12 @@ Rect NotchMetrics::hotZone() const {
     const double width = std::max(notchSize.width - 60, 60.0);
     const double height = std::max(notchSize.height - 6, 10.0);
     return {screenFrame.midX() - width / 2, screenFrame.maxY() - height, width, height + reachAbove};
+}
+
+bool NotchMetrics::isNearNotch(Point pointer) const {
+    constexpr double below = 120;
+    constexpr double beside = 400;
+    return pointer.y > screenFrame.maxY() - below && std::abs(pointer.x - screenFrame.midX()) < beside;
 }
 
 }  // namespace sunpane

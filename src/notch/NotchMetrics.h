@@ -22,6 +22,9 @@ struct NotchMetrics {
     /// The band around the notch that unfolds the panel. It reaches above the screen's top edge, where a pointer that
     /// is thrown at the edge may be on a screen above.
     Rect hotZone() const;
+
+    /// Whether the pointer is so near the notch that the user may be about to use the panel.
+    bool isNearNotch(Point pointer) const;
 };
 
 }  // namespace sunpane

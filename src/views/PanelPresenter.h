@@ -145,8 +145,8 @@ private:
     QString title_;
     QString subtitle_;
     QString icon_;
-    SpringCurve unfoldSpring_{Spring{0.38, 0.82}};
-    SpringCurve foldSpring_{Spring{0.3, 0.95}};
+    SpringCurve unfoldSpring_{NotchViewModel::unfolding};
+    SpringCurve foldSpring_{NotchViewModel::folding};
     SpringCurve accordionSpring_{Spring{0.35, 0.78}};
     SpringCurve scheduleSpring_{MeetingWatcher::animation};
     std::optional<Meeting> meeting_;

@@ -26,6 +26,8 @@ struct NotchControllerTest : ::testing::Test {
     testing::SimulatedScreens screens;
     testing::SimulatedPointer pointer;
     testing::SimulatedPanelWindows windows;
+    testing::SimulatedWorkspace workspace;
+    testing::SimulatedSpaces spaces;
     testing::SimulatedBroadcasts broadcasts;
     testing::SimulatedFolderEvents folderEvents;
     testing::SimulatedCloudFiles cloudFiles;
@@ -34,6 +36,7 @@ struct NotchControllerTest : ::testing::Test {
     testing::SimulatedFileSystem files{platform.clock};
     StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
                           "/state"};
+    PinnedSpace pinned{&spaces, defaults, [](const std::string&) {}};
     LocalNotifications notifications;
     testing::SimulatedAgenda agenda{platform, defaults};
     testing::SimulatedPlayers players{platform};
@@ -53,7 +56,8 @@ struct NotchControllerTest : ::testing::Test {
                                                     agenda.meetings,
                                                     players.nowPlaying});
         controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
-                                                          broadcasts, *model, [] { return std::string("glass"); },
+                                                          workspace, &spaces, pinned, broadcasts, notifications, *model,
+                                                          [] { return std::string("glass"); },
                                                           [this](const std::string& json) { report = json; }});
     }
 
@@ -188,7 +192,7 @@ TEST_F(NotchControllerTest, ReportsItsState) {
     const auto json = askForReport();
     EXPECT_EQ(json.dump(), R"({"briefings":1,"expanded":true,"inZone":true,"panelFrame":"{{330, 79}, {780, 821}}",)"
                            R"("panelOnScreen":true,"panelVisible":true,"pointer":"{720, 885.5}",)"
-                           R"("screenFrame":"{{0, 0}, {1440, 900}}","spaceID":0,"spaceType":0,"suppressed":false,)"
+                           R"("screenFrame":"{{0, 0}, {1440, 900}}","spaceID":1,"spaceType":0,"suppressed":false,)"
                            R"("theme":"glass"})");
 }
 

@@ -10,8 +10,10 @@
 #include "base/HandlerList.h"
 #include "platform/DistributedNotifications.h"
 #include "platform/EventMonitors.h"
+#include "platform/Hotkeys.h"
 #include "platform/PanelWindow.h"
 #include "platform/Screens.h"
+#include "platform/WindowSpaces.h"
 #include "platform/Workspace.h"
 
 namespace sunpane::testing {
@@ -62,8 +64,8 @@ private:
 class SimulatedPanelWindows : public PanelWindows {
 public:
     struct Window : PanelWindow {
-        explicit Window(const Rect& rect) : rectangle(rect) {}
-        std::uint64_t number() const override { return 7; }
+        Window(const Rect& rect, std::uint64_t id) : rectangle(rect), id(id) {}
+        std::uint64_t number() const override { return id; }
         Rect frame() const override { return rectangle; }
         bool isVisible() const override { return visible; }
         bool isOnScreen() const override { return visible; }
@@ -72,15 +74,15 @@ public:
         void makeKey() override { key = true; }
         void resignKey() override { key = false; }
         Rect rectangle;
+        std::uint64_t id;
         bool visible = false;
         bool key = false;
     };
 
     std::unique_ptr<PanelWindow> make(const Rect& frame, const Size& notchSize, double /*cardWidth*/,
                                       double /*maxCardHeight*/) override {
-        ++made;
         lastNotch = notchSize;
-        auto window = std::make_unique<Window>(frame);
+        auto window = std::make_unique<Window>(frame, static_cast<std::uint64_t>(++made));
         last = window.get();
         return window;
     }
@@ -109,6 +111,61 @@ public:
 private:
     HandlerList<> wakes_;
     HandlerList<> activations_;
+};
+
+/// A desktop with spaces, and private ones above them, between which a test switches.
+class SimulatedSpaces : public WindowSpaces {
+public:
+    SpaceID activeSpace() const override { return active; }
+    std::optional<std::int32_t> type(SpaceID /*space*/) const override { return activeType; }
+    Subscription onActiveSpaceChanged(std::function<void()> handler) override {
+        return switches_.add(std::move(handler));
+    }
+    SpaceID createPrivate(std::int32_t level) override {
+        if (!hasPrivate) return 0;
+        levels[++lastPrivate] = level;
+        return lastPrivate;
+    }
+    void show(SpaceID space) override { shown = space; }
+    void moveWindow(std::uint64_t windowNumber, SpaceID space) override { windows[windowNumber] = space; }
+    void destroy(SpaceID space) override { levels.erase(space); }
+
+    /// Comes on screen; with `announced` false only a look at `activeSpace` tells.
+    void switchTo(SpaceID space, bool announced = true) {
+        active = space;
+        if (announced) switches_.call();
+    }
+
+    SpaceID active = 1;
+    std::optional<std::int32_t> activeType = ordinary;
+    bool hasPrivate = true;
+    SpaceID lastPrivate = 100;
+    SpaceID shown = 0;
+    std::map<SpaceID, std::int32_t> levels;    // of the private spaces that exist
+    std::map<std::uint64_t, SpaceID> windows;  // the space that each window was moved to last
+
+private:
+    HandlerList<> switches_;
+};
+
+/// A keyboard whose Control+Space may belong to this program, to another one, or to nobody.
+class SimulatedHotkeys : public Hotkeys {
+public:
+    Subscription registerControlSpace(std::function<void()> handler) override {
+        if (ownedByAnother || registrations > 0) return {};
+        ++registrations;
+        return Subscription([this, registration = std::make_shared<Subscription>(pressed_.add(std::move(handler)))] {
+            --registrations;
+            registration->cancel();
+        });
+    }
+    void press() { pressed_.call(); }
+
+    bool ownedByAnother = false;
+    int registrations = 0;
+
+private:
+    HandlerList<> pressed_;
 };
 
 class SimulatedBroadcasts : public DistributedNotifications {
