@@ -31,6 +31,7 @@
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
+#include "notch/HotkeyManager.h"
 #include "notch/NotchController.h"
 #include "notch/PinnedSpace.h"
 #include "nowplaying/NowPlaying.h"
@@ -49,6 +50,7 @@ public:
     Program() {
         expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand",
                                                [this] { notifications_.post(sunpane::notification::revealTodo); });
+        hotkey_.registerAnew();
         controller_.show();
         wakes_ = workspace_.observeWake([this] {
             notificationCenter_.wallClockChanged();
@@ -102,6 +104,8 @@ private:
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::PanelAssembly windows_{
         {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
+    // Control+Space is nobody's until the desktop's adapter comes.
+    sunpane::HotkeyManager hotkey_{nullptr, defaults_, notifications_};
     sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
     sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, workspace_, nullptr,
                                           pinnedSpace_, distributed_, notifications_, viewModel_,

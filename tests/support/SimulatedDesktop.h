@@ -64,7 +64,7 @@ private:
 class SimulatedPanelWindows : public PanelWindows {
 public:
     struct Window : PanelWindow {
-        Window(const Rect& rect, std::uint64_t id) : rectangle(rect), id(id) {}
+        Window(const Rect& rect, std::uint64_t itsNumber) : rectangle(rect), id(itsNumber) {}
         std::uint64_t number() const override { return id; }
         Rect frame() const override { return rectangle; }
         bool isVisible() const override { return visible; }
