@@ -13,6 +13,7 @@
 #include "dawnly/TerminationSignals.h"
 #include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/calendar/eds/EdsModule.h"
+#include "linux/desktop/BusName.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/DesktopNotificationService.h"
 #include "linux/desktop/QtArtworkLoader.h"
@@ -34,6 +35,7 @@
 #include "notch/HotkeyManager.h"
 #include "notch/NotchController.h"
 #include "notch/PinnedSpace.h"
+#include "notch/StateReport.h"
 #include "nowplaying/NowPlaying.h"
 #include "reminders/PendingNotifications.h"
 #include "reminders/ReminderScheduler.h"
@@ -41,8 +43,6 @@
 #include "views/ThemeStore.h"
 
 namespace {
-
-constexpr const char* reportPath = "/tmp/dawnly-state.json";
 
 /// The parts of the running program, in the order in which they need each other.
 class Program {
@@ -56,6 +56,8 @@ public:
             notificationCenter_.wallClockChanged();
             meetings_.refresh(false);
         });
+        // Last, when everything that can be asked for is listened for.
+        sunpane::claimBusName();
     }
 
 private:
@@ -107,10 +109,10 @@ private:
     // Control+Space is nobody's until the desktop's adapter comes.
     sunpane::HotkeyManager hotkey_{nullptr, defaults_, notifications_};
     sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
-    sunpane::NotchController controller_{{clock_, runLoop_, screens_, monitors_, windows_, workspace_, nullptr,
-                                          pinnedSpace_, distributed_, notifications_, viewModel_,
-                                          [this] { return theme_.themeName(); },
-                                          [](const std::string& json) { sunpane::replaceReport(reportPath, json); }}};
+    sunpane::NotchController controller_{
+        {clock_, runLoop_, screens_, monitors_, windows_, workspace_, nullptr, pinnedSpace_, distributed_,
+         notifications_, viewModel_, [this] { return theme_.themeName(); },
+         [](const std::string& json) { sunpane::replaceReport(sunpane::StateReport::path, json); }}};
     sunpane::Subscription expandRequests_;
     sunpane::Subscription wakes_;
 };

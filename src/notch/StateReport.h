@@ -9,6 +9,9 @@ namespace sunpane {
 
 /// What the program tells of itself when a tool or a script asks.
 struct StateReport {
+    /// Where the running program writes it, replacing the last one as a whole.
+    static constexpr const char* path = "/tmp/dawnly-state.json";
+
     bool expanded = false;
     std::string theme;
     Rect panelFrame;

@@ -21,8 +21,11 @@ public:
 
     /// Absent when the key was never set or holds something that no `Value` can.
     virtual std::optional<Value> value(std::string_view key) const = 0;
-    virtual void set(std::string_view key, Value value) = 0;
-    virtual void remove(std::string_view key) = 0;
+    /// Both tell whether the change is kept across starts.
+    virtual bool set(std::string_view key, Value value) = 0;
+    virtual bool remove(std::string_view key) = 0;
+    /// Every key that was set, in alphabetical order.
+    virtual std::vector<std::string> keys() const = 0;
 
     enum class Presence { absent, mistyped, present };
 

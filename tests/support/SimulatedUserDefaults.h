@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/UserDefaults.h"
 
@@ -18,14 +19,23 @@ public:
         const auto found = values.find(key);
         return found == values.end() ? std::nullopt : std::optional(found->second);
     }
-    void set(std::string_view key, Value value) override {
+    bool set(std::string_view key, Value value) override {
         values.insert_or_assign(std::string(key), std::move(value));
+        return isWritable;
     }
-    void remove(std::string_view key) override {
+    bool remove(std::string_view key) override {
         if (const auto found = values.find(key); found != values.end()) values.erase(found);
+        return isWritable;
+    }
+    std::vector<std::string> keys() const override {
+        std::vector<std::string> all;
+        for (const auto& [key, value] : values)
+            all.push_back(key);
+        return all;
     }
 
     std::map<std::string, Value, std::less<>> values;
+    bool isWritable = true;
     /// How often a value was asked for.
     mutable int reads = 0;
 };

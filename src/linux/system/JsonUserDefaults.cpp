@@ -1,13 +1,17 @@
 #include "linux/system/JsonUserDefaults.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <thread>
 #include <utility>
 
 #include "linux/system/XdgPaths.h"
@@ -48,6 +52,37 @@ bool replaceFile(const std::string& path, const std::string& content) {
     return false;
 }
 
+/// Held while a program of ours reads, changes and replaces a file of a folder. The folder itself is locked, so that no
+/// lock file is left behind.
+class FolderTurn {
+public:
+    /// Waits for whoever has the turn, but not for ever: a stopped process must not stop the panel.
+    explicit FolderTurn(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        const auto end = std::chrono::steady_clock::now() + patience;
+        while (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+               std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(pause);
+        }
+    }
+    ~FolderTurn() {
+        if (folder_ >= 0) close(folder_);
+    }
+    FolderTurn(const FolderTurn&) = delete;
+    FolderTurn& operator=(const FolderTurn&) = delete;
+
+private:
+    static constexpr auto patience = std::chrono::seconds(1);
+    static constexpr auto pause = std::chrono::milliseconds(2);
+    int folder_;
+};
+
+std::string createdFolderOf(const std::string& path) {
+    const auto folder = std::filesystem::path(path).parent_path();
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    return folder.string();
+}
+
 }  // namespace
 
 JsonUserDefaults::JsonUserDefaults(std::string path) : path_(std::move(path)) {}
@@ -64,20 +99,31 @@ std::optional<UserDefaults::Value> JsonUserDefaults::value(std::string_view key)
     return fromJson(Json::parse(found->second, nullptr, false));
 }
 
-void JsonUserDefaults::set(std::string_view key, Value value) {
+bool JsonUserDefaults::set(std::string_view key, Value value) {
     const std::lock_guard lock(mutex_);
+    const FolderTurn turn(createdFolderOf(path_));
     reloadIfChanged();
     members_.insert_or_assign(std::string(key), toJson(value).dump(-1, ' ', false, Json::error_handler_t::replace));
-    save();
+    return save();
 }
 
-void JsonUserDefaults::remove(std::string_view key) {
+bool JsonUserDefaults::remove(std::string_view key) {
     const std::lock_guard lock(mutex_);
+    const FolderTurn turn(createdFolderOf(path_));
     reloadIfChanged();
     const auto found = members_.find(key);
-    if (found == members_.end()) return;
+    if (found == members_.end()) return true;
     members_.erase(found);
-    save();
+    return save();
+}
+
+std::vector<std::string> JsonUserDefaults::keys() const {
+    const std::lock_guard lock(mutex_);
+    reloadIfChanged();
+    std::vector<std::string> all;
+    for (const auto& [key, member] : members_)
+        all.push_back(key);
+    return all;
 }
 
 std::optional<JsonUserDefaults::Version> JsonUserDefaults::fileVersion() const {
@@ -101,17 +147,18 @@ void JsonUserDefaults::reloadIfChanged() const {
         members_.emplace(key, member.dump());
 }
 
-void JsonUserDefaults::save() {
+bool JsonUserDefaults::save() {
     Json json = Json::object();
     for (const auto& [key, member] : members_)
         json[key] = Json::parse(member, nullptr, false);
-    std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), ignored);
     if (unreadable_) {
+        std::error_code ignored;
         std::filesystem::rename(path_, path_ + ".unreadable", ignored);
         unreadable_ = false;
     }
-    if (replaceFile(path_, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) version_ = fileVersion();
+    if (!replaceFile(path_, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) return false;
+    version_ = fileVersion();
+    return true;
 }
 
 }  // namespace sunpane

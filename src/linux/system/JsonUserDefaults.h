@@ -6,14 +6,16 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/UserDefaults.h"
 
 namespace sunpane {
 
 /// Settings in one JSON object, a member for each key, replaced as a whole by every write. Another process's writes
-/// are seen at the next reading. A file that is not such an object counts as empty, and is kept beside the new one
-/// under a name that says so before the first write replaces it.
+/// are seen at the next reading, and processes that write take turns, so that none undoes what another just wrote. A
+/// file that is not such an object counts as empty, and is kept beside the new one under a name that says so before the
+/// first write replaces it.
 class JsonUserDefaults : public UserDefaults {
 public:
     explicit JsonUserDefaults(std::string path);
@@ -22,8 +24,9 @@ public:
     static std::string defaultPath();
 
     std::optional<Value> value(std::string_view key) const override;
-    void set(std::string_view key, Value value) override;
-    void remove(std::string_view key) override;
+    bool set(std::string_view key, Value value) override;
+    bool remove(std::string_view key) override;
+    std::vector<std::string> keys() const override;
 
 private:
     // What tells one version of the file from the next.
@@ -35,7 +38,7 @@ private:
     };
 
     void reloadIfChanged() const;
-    void save();
+    bool save();
     std::optional<Version> fileVersion() const;
 
     std::string path_;

@@ -3,6 +3,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "linux/system/JsonUserDefaults.h"
 #include "support/TemporaryFolder.h"
@@ -59,9 +62,26 @@ TEST_F(UserDefaultsTest, KeepsAnUnreadableFileAside) {
     EXPECT_EQ(JsonUserDefaults(path).read<bool>("fresh").valueOr(false), true);
 }
 
+// Each has an object of its own, as if it were a process of its own.
+TEST_F(UserDefaultsTest, WritersAtTheSameTimeLoseNothing) {
+    constexpr int writers = 4;
+    constexpr int keysEach = 25;
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([this, writer] {
+            JsonUserDefaults own(path);
+            for (int key = 0; key < keysEach; ++key)
+                EXPECT_TRUE(own.set(std::to_string(writer) + "." + std::to_string(key), true));
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(defaults.keys().size(), std::size_t{writers * keysEach});
+}
+
 TEST_F(UserDefaultsTest, RemembersWhatItCannotWrite) {
     std::filesystem::create_directories(path);  // a folder stands where the file belongs
-    defaults.set("kept", true);
+    EXPECT_FALSE(defaults.set("kept", true));
     EXPECT_EQ(defaults.read<bool>("kept").valueOr(false), true);
 }
 
