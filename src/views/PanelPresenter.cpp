@@ -19,6 +19,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
     : with_(collaborators),
       measures_(measures),
       nowPlaying_(collaborators.nowPlaying, collaborators.runLoop),
+      reminders_(collaborators.clock),
       self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
@@ -30,7 +31,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
 
 // A panel that goes with its menu open leaves nothing behind that keeps the next one from folding.
 PanelPresenter::~PanelPresenter() {
-    setMenuOpen(false);
+    with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() - openMenus_);
 }
 
 void PanelPresenter::scheduleRefresh() {
@@ -127,8 +128,10 @@ void PanelPresenter::openBriefingsFolder() {
 }
 
 void PanelPresenter::setMenuOpen(bool open) {
-    if (std::exchange(menuOpen_, open) == open) return;
-    with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() + (open ? 1 : -1));
+    if (!open && openMenus_ == 0) return;
+    const int change = open ? 1 : -1;
+    openMenus_ += change;
+    with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() + change);
 }
 
 void PanelPresenter::showHiddenCards() {

@@ -11,6 +11,7 @@
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
 #include "views/NowPlayingPresenter.h"
+#include "views/ReminderPresenter.h"
 #include "views/SpringCurve.h"
 
 namespace sunpane {
@@ -40,6 +41,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool canJoinMeeting READ canJoinMeeting NOTIFY changed)
     Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
     Q_PROPERTY(sunpane::NowPlayingPresenter* nowPlaying READ nowPlaying CONSTANT)
+    Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
     Q_PROPERTY(qreal notchWidth READ notchWidth CONSTANT)
     Q_PROPERTY(qreal notchHeight READ notchHeight CONSTANT)
     Q_PROPERTY(qreal cardWidth READ cardWidth CONSTANT)
@@ -83,6 +85,7 @@ public:
     int openSection() const { return openSection_.value_or(-1); }
     BriefColumnModel* column() { return &column_; }
     NowPlayingPresenter* nowPlaying() { return &nowPlaying_; }
+    ReminderPresenter* reminders() { return &reminders_; }
     bool hasMeeting() const { return meeting_.has_value(); }
     const QString& meetingTitle() const { return meetingTitle_; }
     const QString& meetingTime() const { return meetingTime_; }
@@ -109,7 +112,7 @@ public:
     /// Opens the link of the meeting that a card, or the strip, is about.
     Q_INVOKABLE void joinCard(int sectionId, int index);
     Q_INVOKABLE void joinMeeting();
-    /// An open menu keeps the panel from folding.
+    /// An open menu or sheet keeps the panel from folding. Each says when it opens, and once when it closes.
     Q_INVOKABLE void setMenuOpen(bool open);
     /// Brings the hidden cards of the briefing on screen back.
     Q_INVOKABLE void showHiddenCards();
@@ -138,6 +141,7 @@ private:
     Measures measures_;
     BriefColumnModel column_;
     NowPlayingPresenter nowPlaying_;
+    ReminderPresenter reminders_;
     std::optional<int> openSection_ = 0;
     std::optional<Briefing> shown_;
     std::vector<BriefingSection> sections_;  // of `shown_`
@@ -160,7 +164,7 @@ private:
     Subscription modelChanges_;
     Subscription flagChanges_;
     bool refreshPosted_ = false;
-    bool menuOpen_ = false;
+    int openMenus_ = 0;
     std::shared_ptr<PanelPresenter*> self_;
 };
 

@@ -7,6 +7,7 @@
 
 #include "views/CoverImage.h"
 #include "views/NotchOutline.h"
+#include "views/ProgressArc.h"
 #include "views/SymbolIcon.h"
 
 // Made by the build from the module's QML files.
@@ -18,6 +19,7 @@ void RootWindow::registerTypes() {
     qml_register_types_Sunpane();
     qmlRegisterType<CoverImage>("Sunpane", 1, 0, "CoverImage");
     qmlRegisterType<NotchOutline>("Sunpane", 1, 0, "NotchOutline");
+    qmlRegisterType<ProgressArc>("Sunpane", 1, 0, "ProgressArc");
     qmlRegisterType<SymbolIcon>("Sunpane", 1, 0, "SymbolIcon");
 }
 

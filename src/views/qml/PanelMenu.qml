@@ -1,47 +1,122 @@
 import QtQuick
 
 // A menu inside the panel. Opens at the pointer, or under the item that has the keyboard, and keeps the panel from
-// folding while it is open.
+// folding while it is open. It may open while the button is still down: whoever has the pointer then hands its way on
+// with `track` and `release`, and letting go over a row chooses it.
 Item {
     id: menu
 
     required property var presenter
     property string name
-    // What can be chosen: objects with a `label` and a function `run`.
+    // Shown above the rows unless it is empty.
+    property string heading
+    // What can be chosen: objects with a `label`, a function `run`, and `keepsOpen` when that shows other entries.
     property var entries: []
     property bool isOpen: false
+    // The row under the pointer or with the keyboard; -1 for none.
+    property int current: -1
     // Where the keyboard goes afterwards: to the item, when the menu was opened from the keyboard.
     property Item returnTo: null
+    // Where the pointer was when its way was first handed on. A trembling hand chooses nothing.
+    property var heldAt: null
 
     anchors.fill: parent
     visible: isOpen
     z: 20
 
     function openAt(item, x, y, title, choices, byKeyboard) {
-        const at = item.mapToItem(menu, x, y);
         name = title;
+        heading = "";
         entries = choices;
         returnTo = byKeyboard ? item : null;
+        heldAt = null;
         isOpen = true;
+        place(item, x, y, y);
+        presenter.setMenuOpen(true);
+        sheet.forceActiveFocus();
+        current = 0;
+    }
+
+    // Opens below the item, or above it where there is no room, with no row chosen unless it was opened from the
+    // keyboard.
+    function openBeside(item, x, title, choices, byKeyboard) {
+        openAt(item, x, item.height + 4, title, choices, byKeyboard);
+        heading = title;
+        place(item, x, item.height + 4, -4 - sheet.height);
+        if (!byKeyboard)
+            current = -1;
+    }
+
+    // Shows other entries in place.
+    function switchTo(title, choices) {
+        const hadRow = current >= 0;
+        current = -1;
+        name = title;
+        heading = title;
+        entries = choices;
+        sheet.y = Math.max(8, Math.min(sheet.y, height - sheet.height - 8));
+        if (hadRow)
+            current = 0;
+    }
+
+    function place(item, x, y, yAbove) {
+        let at = item.mapToItem(menu, x, y);
+        if (at.y + sheet.height > height - 8)
+            at.y = item.mapToItem(menu, x, yAbove).y;
         sheet.x = Math.max(8, Math.min(at.x, width - sheet.width - 8));
         sheet.y = Math.max(8, Math.min(at.y, height - sheet.height - 8));
-        presenter.setMenuOpen(true);
-        rows.itemAt(0).forceActiveFocus();
     }
 
     function close() {
         if (!isOpen)
             return;
         isOpen = false;
+        current = -1;
         presenter.setMenuOpen(false);
         // The item may have gone while the menu was open, when the briefing changed.
         (returnTo ?? parent).forceActiveFocus();
     }
 
     function choose(index) {
-        const run = entries[index].run;
-        close();
-        run();
+        if (index < 0 || index >= entries.length)
+            return;
+        const entry = entries[index];
+        if (!entry.keepsOpen)
+            close();
+        entry.run();
+    }
+
+    // The pointer is at that place of `item` with the button down.
+    function track(item, x, y) {
+        if (!isOpen)
+            return;
+        const at = item.mapToItem(column, x, y);
+        if (!heldAt)
+            heldAt = at;
+        if (Math.abs(at.x - heldAt.x) + Math.abs(at.y - heldAt.y) > 8)
+            current = rowAt(at.x, at.y);
+    }
+    // The button came up.
+    function release(item, x, y) {
+        track(item, x, y);
+        if (isOpen)
+            choose(current);
+    }
+
+    function rowAt(x, y) {
+        if (x < 0 || x >= column.width)
+            return -1;
+        const row = Math.floor((y - rowsTop.height) / rowHeight);
+        return row >= 0 && row < entries.length ? row : -1;
+    }
+    readonly property int rowHeight: 28
+
+    onCurrentChanged: {
+        const row = rows.itemAt(current);
+        if (row)
+            row.forceActiveFocus();
+        else if (isOpen)
+            sheet.forceActiveFocus();
     }
 
     Connections {
@@ -68,23 +143,54 @@ Item {
         onWheel: {}
     }
 
-    Rectangle {
+    FocusScope {
         id: sheet
-        width: 190
+        width: Math.min(menu.width - 16, Math.max(190, headingText.implicitWidth + 28))
         height: column.height + 8
-        radius: 8
-        color: "#2b2729"
-        border.color: Qt.rgba(1, 1, 1, 0.14)
 
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
+        Keys.onReturnPressed: menu.choose(menu.current)
+        Keys.onEnterPressed: menu.choose(menu.current)
+        Keys.onSpacePressed: menu.choose(menu.current)
+        Keys.onEscapePressed: menu.close()
+        Keys.onTabPressed: menu.close()
+        Keys.onLeftPressed: {}
+        Keys.onRightPressed: {}
+        Keys.onDownPressed: menu.current = (menu.current + 1) % menu.entries.length
+        Keys.onUpPressed: menu.current = (Math.max(menu.current, 0) + menu.entries.length - 1) % menu.entries.length
 
+        Rectangle {
+            anchors.fill: parent
+            radius: 8
+            color: "#2b2729"
+            border.color: Qt.rgba(1, 1, 1, 0.14)
+        }
         Column {
             id: column
             x: 4
             y: 4
             width: parent.width - 8
 
+            Item {
+                id: rowsTop
+                width: parent.width
+                height: menu.heading.length > 0 ? 24 : 0
+                Text {
+                    id: headingText
+                    x: 10
+                    width: Math.min(implicitWidth, parent.width - 20)
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: parent.height > 0
+                    text: menu.heading
+                    textFormat: Text.PlainText
+                    elide: Text.ElideRight
+                    color: Style.secondaryText
+                    font.family: Style.family
+                    font.pixelSize: Style.captionSize
+                    Accessible.ignored: true
+                }
+            }
             Repeater {
                 id: rows
                 model: menu.entries
@@ -95,39 +201,35 @@ Item {
                     required property var modelData
 
                     width: column.width
-                    height: 28
+                    height: menu.rowHeight
                     radius: 5
-                    color: activeFocus ? Style.focus : "transparent"
+                    color: index === menu.current ? Style.focus : "transparent"
 
                     Accessible.role: Accessible.MenuItem
                     Accessible.name: modelData.label
+                    Accessible.focusable: true
                     Accessible.onPressAction: menu.choose(index)
-                    Keys.onReturnPressed: menu.choose(index)
-                    Keys.onEnterPressed: menu.choose(index)
-                    Keys.onSpacePressed: menu.choose(index)
-                    Keys.onEscapePressed: menu.close()
-                    Keys.onTabPressed: menu.close()
-                    Keys.onLeftPressed: {}
-                    Keys.onRightPressed: {}
-                    Keys.onDownPressed: rows.itemAt((index + 1) % rows.count).forceActiveFocus()
-                    Keys.onUpPressed: rows.itemAt((index + rows.count - 1) % rows.count).forceActiveFocus()
 
                     Text {
                         anchors.verticalCenter: parent.verticalCenter
                         x: 10
+                        width: parent.width - 20
                         text: row.modelData.label
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
                         color: Style.text
                         font.family: Style.family
                         font.pixelSize: Style.bodySize
                     }
-                    MouseArea {
-                        anchors.fill: parent
-                        hoverEnabled: true
-                        onEntered: row.forceActiveFocus()
-                        onClicked: menu.choose(row.index)
-                    }
                 }
             }
+        }
+        MouseArea {
+            anchors.fill: column
+            hoverEnabled: true
+            onPositionChanged: (mouse) => menu.current = menu.rowAt(mouse.x, mouse.y)
+            onExited: menu.current = -1
+            onClicked: (mouse) => menu.choose(menu.rowAt(mouse.x, mouse.y))
         }
     }
 }

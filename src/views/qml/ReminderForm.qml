@@ -1,0 +1,146 @@
+import QtQuick
+
+// What a reminder sheet shows.
+FocusScope {
+    id: form
+
+    required property var sheet
+    readonly property var reminders: sheet.presenter.reminders
+    property alias time: when.time
+    property int repetition: 0
+    // The controls in the order of the Tab key.
+    readonly property var stops: [...when.stops, repeat, clear, cancel, confirm].filter((item) => item.visible)
+
+    width: 340
+    height: rows.height + 2 * Style.inset
+
+    Accessible.role: Accessible.Dialog
+    Accessible.name: qsTr("Remind me about") + " " + sheet.subject
+
+    function begin() {
+        time = sheet.time;
+        repetition = sheet.repetition;
+        when.first.forceActiveFocus();
+    }
+    function move(forward) {
+        const at = stops.findIndex((item) => item.activeFocus);
+        const next = stops[(at + (forward ? 1 : stops.length - 1)) % stops.length];
+        next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+    }
+
+    Keys.onEscapePressed: sheet.close()
+    Keys.onReturnPressed: sheet.confirm()
+    Keys.onEnterPressed: sheet.confirm()
+    Keys.onTabPressed: move(true)
+    Keys.onBacktabPressed: move(false)
+    Keys.onUpPressed: {}
+    Keys.onDownPressed: {}
+    Keys.onLeftPressed: {}
+    Keys.onRightPressed: {}
+
+    component Label: Text {
+        color: Style.secondaryText
+        font.family: Style.family
+        font.pixelSize: Style.bodySize
+        width: 60
+        anchors.verticalCenter: parent.verticalCenter
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Style.sectionRadius
+        color: "#2b2729"
+        border.color: Qt.rgba(1, 1, 1, 0.14)
+    }
+    // Keeps clicks beside the controls from closing the sheet.
+    MouseArea {
+        anchors.fill: parent
+    }
+
+    Column {
+        id: rows
+        x: Style.inset + 4
+        y: Style.inset
+        width: parent.width - 2 * x
+        spacing: Style.gap + 2
+
+        Column {
+            width: parent.width
+            spacing: 3
+            Text {
+                text: qsTr("Remind me about")
+                color: Style.secondaryText
+                font.family: Style.family
+                font.pixelSize: Style.captionSize
+            }
+            Text {
+                width: parent.width
+                text: form.sheet.subject
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                maximumLineCount: 2
+                elide: Text.ElideRight
+                color: Style.text
+                font.family: Style.family
+                font.pixelSize: Style.bodySize
+                font.weight: Font.DemiBold
+            }
+        }
+        Row {
+            width: parent.width
+            Label {
+                text: qsTr("When")
+            }
+            DateTimePicker {
+                id: when
+                reminders: form.reminders
+                time: 0
+                width: parent.width - 60
+            }
+        }
+        Row {
+            width: parent.width
+            Label {
+                text: qsTr("Repeat")
+            }
+            ChoiceBar {
+                id: repeat
+                label: qsTr("Repeat")
+                choices: form.reminders.repetitions
+                current: form.repetition
+                width: parent.width - 60
+                onChosen: (index) => form.repetition = index
+            }
+        }
+        Item {
+            width: parent.width
+            height: confirm.implicitHeight + 4
+            PromptButton {
+                id: clear
+                y: 4
+                width: 76
+                visible: form.sheet.canClear
+                text: qsTr("Clear")
+                onClicked: form.sheet.clearReminder()
+            }
+            PromptButton {
+                id: cancel
+                y: 4
+                width: 76
+                anchors.right: confirm.left
+                anchors.rightMargin: Style.gap
+                text: qsTr("Cancel")
+                onClicked: form.sheet.close()
+            }
+            PromptButton {
+                id: confirm
+                y: 4
+                width: 128
+                anchors.right: parent.right
+                suggested: true
+                text: qsTr("Set Reminder")
+                onClicked: form.sheet.confirm()
+            }
+        }
+    }
+}
