@@ -23,6 +23,7 @@
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
 #include "support/SimulatedAgenda.h"
+#include "support/SimulatedDesktop.h"
 #include "support/SimulatedPlatform.h"
 #include "support/SimulatedPlayers.h"
 #include "views/RootWindow.h"
@@ -85,12 +86,14 @@ int main(int argc, char* argv[]) {
 
     X11Events events;
     QtWorkspace workspace{events};
+    testing::SimulatedPointer pointer;
+    ScrollSwipeHub scrollSwipes(pointer);
     RootWindow::registerTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
     auto presenter = std::make_unique<PanelPresenter>(
         PanelPresenter::Collaborators{model, agenda.meetings, players.nowPlaying, runLoop, clock, notifications,
-                                      defaults, workspace},
+                                      defaults, workspace, scrollSwipes},
         PanelPresenter::Measures{{200, 32}, 720, 680});
     auto root = std::make_unique<RootWindow>(engine, std::move(presenter));
     RootWindow& window = *root;

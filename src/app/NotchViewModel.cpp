@@ -13,7 +13,8 @@ namespace sunpane {
 NotchViewModel::NotchViewModel(const Collaborators& collaborators)
     : with_(collaborators),
       todoStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
-      flagStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
+      flagStore_(
+          std::make_shared<ItemFlagStore>(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults))),
       flagsSettled_(with_.runLoop, storeDebounce, [this] { recomputeUntouched(); }),
       todosSettled_(with_.runLoop, storeDebounce, [this] { pushReminders(); }),
       self_(std::make_shared<NotchViewModel*>(this)) {}
@@ -50,11 +51,11 @@ void NotchViewModel::start() {
 }
 
 void NotchViewModel::watchStores() {
-    observers_.push_back(flagStore_.onWillChange([this] { flagsSettled_.trigger(); }));
+    observers_.push_back(flagStore_->onWillChange([this] { flagsSettled_.trigger(); }));
     observers_.push_back(todoStore_.onWillChange([this] { todosSettled_.trigger(); }));
     // Keeps a card's flag in step with the star of the todo that was made from it.
     todoStore_.onPrioChanged = [this](const Todo& todo) {
-        if (todo.sourceItemKey) flagStore_.setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
+        if (todo.sourceItemKey) flagStore_->setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
     };
 }
 
@@ -160,7 +161,7 @@ void NotchViewModel::refreshPrioReferences() {
     }
     for (auto& title : with_.calendar.todayEventTitles())
         texts.push_back(std::move(title));
-    flagStore_.refreshPrioReferences(texts);
+    flagStore_->refreshPrioReferences(texts);
 }
 
 void NotchViewModel::recomputeUntouched() {
@@ -173,12 +174,12 @@ void NotchViewModel::recomputeUntouched() {
             for (const auto& item : section.items) {
                 if (untouched.size() == maximumUntouched) break;
                 const std::string key(item.id());
-                if (flagStore_.isPrio(key) || flagStore_.isCleared(key)) continue;
+                if (flagStore_->isPrio(key) || flagStore_->isCleared(key)) continue;
                 untouched.emplace_back(item.markdown());
             }
         }
     }
-    flagStore_.updateUntouched(untouched);
+    flagStore_->updateUntouched(untouched);
 }
 
 void NotchViewModel::pushReminders() {
@@ -190,7 +191,7 @@ void NotchViewModel::pushReminders() {
         if (todo.remindRepeat) line += " (repeats " + *todo.remindRepeat + ")";
         lines.push_back(std::move(line));
     }
-    flagStore_.updateReminders(lines);
+    flagStore_->updateReminders(lines);
 }
 
 void NotchViewModel::updateUnread(const Briefing* newest) {

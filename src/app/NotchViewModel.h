@@ -76,7 +76,9 @@ public:
     void setExpanded(bool expanded);
 
     TodoStore& todoStore() { return todoStore_; }
-    ItemFlagStore& flagStore() { return flagStore_; }
+    ItemFlagStore& flagStore() { return *flagStore_; }
+    /// For what may outlive the view model.
+    std::weak_ptr<ItemFlagStore> weakFlagStore() const { return flagStore_; }
 
     /// The briefings shown, newest first.
     const std::vector<Briefing>& briefings() const { return briefings_; }
@@ -134,7 +136,7 @@ private:
 
     Collaborators with_;
     TodoStore todoStore_;
-    ItemFlagStore flagStore_;
+    std::shared_ptr<ItemFlagStore> flagStore_;
     std::vector<Briefing> briefings_;
     std::size_t currentIndex_ = 0;
     bool expanded_ = false;

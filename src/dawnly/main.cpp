@@ -6,6 +6,7 @@
 #include "app/NotchViewModel.h"
 #include "app/NotificationResponses.h"
 #include "app/TodoReminders.h"
+#include "app/UndoKey.h"
 #include "base/AppIdentity.h"
 #include "calendar/CalendarFallback.h"
 #include "calendar/MeetingWatcher.h"
@@ -35,6 +36,7 @@
 #include "notch/HotkeyManager.h"
 #include "notch/NotchController.h"
 #include "notch/PinnedSpace.h"
+#include "notch/ScrollSwipeHub.h"
 #include "notch/StateReport.h"
 #include "nowplaying/NowPlaying.h"
 #include "reminders/PendingNotifications.h"
@@ -104,8 +106,11 @@ private:
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
     sunpane::QtWorkspace workspace_{x11Events_};
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
+    sunpane::ScrollSwipeHub scrollSwipes_{monitors_};
+    sunpane::UndoKey undoKey_{monitors_, sunpane::NotchUndo::shared()};
     sunpane::PanelAssembly windows_{
-        {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_}, x11Events_};
+        {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_, scrollSwipes_},
+        x11Events_};
     // Control+Space is nobody's until the desktop's adapter comes.
     sunpane::HotkeyManager hotkey_{nullptr, defaults_, notifications_};
     sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};

@@ -8,6 +8,7 @@
 
 #include "app/NotchViewModel.h"
 #include "calendar/MeetingWatcher.h"
+#include "notch/ScrollSwipeHub.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
 #include "views/NowPlayingPresenter.h"
@@ -60,6 +61,7 @@ public:
         LocalNotifications& notifications;
         const UserDefaults& defaults;
         Workspace& workspace;
+        ScrollSwipeHub& scrollSwipes;
     };
 
     /// The panel's fixed measures, in points.

@@ -5,6 +5,9 @@
 
 #include <vector>
 
+#include "app/UndoKey.h"
+#include "support/SimulatedDesktop.h"
+
 namespace sunpane::testing {
 namespace {
 
@@ -39,6 +42,37 @@ TEST(NotchUndo, RunsActionsInsideTheAnimationAndSurvivesTheirPushing) {
     EXPECT_TRUE(ranInside);
     EXPECT_TRUE(undo.undo());
     EXPECT_FALSE(undo.undo());
+}
+
+TEST(UndoKey, TakesControlAndCommandZWhenThereIsSomethingToTakeBack) {
+    struct Case {
+        const char* what;
+        KeyEvent key;
+        bool taken;
+    };
+    const KeyEvent controlZ{.characters = "z", .control = true};
+    const KeyEvent commandZ{.characters = "z", .command = true};
+    const Case cases[] = {
+        {"Control+Z", controlZ, true},
+        {"Command+Z", commandZ, true},
+        {"Z", {.characters = "z"}, false},
+        {"Control+Y", {.characters = "y", .control = true}, false},
+        {"Shift+Control+Z", {.characters = "z", .control = true, .shift = true}, false},
+        {"Control+Z while typing", {.characters = "z", .control = true, .inTextField = true}, false},
+    };
+    SimulatedPointer keyboard;
+    NotchUndo undo;
+    const UndoKey key(keyboard, undo);
+    int undone = 0;
+    undo.push([&] { ++undone; });
+    for (const auto& [what, event, taken] : cases) {
+        const int before = undone;
+        EXPECT_EQ(keyboard.press(event), taken) << what;
+        EXPECT_EQ(undone - before, taken ? 1 : 0) << what;
+        if (taken) undo.push([&] { ++undone; });
+    }
+    EXPECT_TRUE(keyboard.press(controlZ));
+    EXPECT_FALSE(keyboard.press(controlZ)) << "nothing is left";
 }
 
 }  // namespace

@@ -52,12 +52,41 @@ public:
         moved_.call();
     }
     void pressElsewhere() { mouseDown_.call(); }
+    Subscription onLocalScroll(std::function<bool(const ScrollEvent&)> handler) override {
+        if (refusesScrollMonitors) return {};
+        return scrolled_.add(askUntilSwallowed(std::move(handler)));
+    }
+    Subscription onLocalKeyDown(std::function<bool(const KeyEvent&)> handler) override {
+        return keys_.add(askUntilSwallowed(std::move(handler)));
+    }
+    /// Returns whether a handler swallowed it, as does `press`.
+    bool scroll(const ScrollEvent& event) { return tell(scrolled_, event); }
+    bool press(const KeyEvent& event) { return tell(keys_, event); }
 
     Point location{100, 100};
+    bool refusesScrollMonitors = false;
 
 private:
+    template <class Event>
+    using Handlers = HandlerList<const Event&, bool&>;
+
+    template <class Event>
+    static typename Handlers<Event>::Handler askUntilSwallowed(std::function<bool(const Event&)> handler) {
+        return [handler = std::move(handler)](const Event& event, bool& swallowed) {
+            swallowed = swallowed || handler(event);
+        };
+    }
+    template <class Event>
+    static bool tell(const Handlers<Event>& handlers, const Event& event) {
+        bool swallowed = false;
+        handlers.call(event, swallowed);
+        return swallowed;
+    }
+
     HandlerList<> moved_;
     HandlerList<> mouseDown_;
+    Handlers<ScrollEvent> scrolled_;
+    Handlers<KeyEvent> keys_;
 };
 
 /// Panel windows that only remember.

@@ -3,11 +3,22 @@
 #include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QInputMethodQueryEvent>
 #include <utility>
 
 #include "linux/desktop/ScreenCoordinates.h"
 
 namespace sunpane {
+namespace {
+
+bool isInTextField(QObject* focus) {
+    if (focus == nullptr) return false;
+    QInputMethodQueryEvent query(Qt::ImEnabled);
+    QCoreApplication::sendEvent(focus, &query);
+    return query.value(Qt::ImEnabled).toBool();
+}
+
+}  // namespace
 
 X11EventMonitors::X11EventMonitors(X11Events& events) : events_(events) {
     connect(&events_, &X11Events::pointerMoved, this, [this] { global_.call(); });
@@ -33,7 +44,32 @@ Subscription X11EventMonitors::onGlobalMouseDown(std::function<void()> handler) 
     return mouseDown_.add(std::move(handler));
 }
 
+Subscription X11EventMonitors::onLocalScroll(std::function<bool(const ScrollEvent&)> /*handler*/) {
+    return {};
+}
+
+Subscription X11EventMonitors::onLocalKeyDown(std::function<bool(const KeyEvent&)> handler) {
+    return keys_.add([handler = std::move(handler)](const KeyEvent& event, bool& swallowed) {
+        swallowed = swallowed || handler(event);
+    });
+}
+
+bool X11EventMonitors::swallowsKey(const QKeyEvent& event) const {
+    KeyEvent key;
+    // Not text(), which is a control character while Control is down.
+    if (event.key() < Qt::Key_Escape) key.characters = QString(QChar(event.key())).toLower().toStdString();
+    key.command = event.modifiers().testFlag(Qt::MetaModifier);
+    key.control = event.modifiers().testFlag(Qt::ControlModifier);
+    key.shift = event.modifiers().testFlag(Qt::ShiftModifier);
+    key.inTextField = isInTextField(QGuiApplication::focusObject());
+    bool swallowed = false;
+    keys_.call(key, swallowed);
+    return swallowed;
+}
+
 bool X11EventMonitors::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && watched->isWindowType() && swallowsKey(static_cast<QKeyEvent&>(*event)))
+        return true;
     if (event->type() == QEvent::MouseMove && watched->isWindowType()) local_.call();
     return QObject::eventFilter(watched, event);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QKeyEvent>
 #include <QObject>
 
 #include "base/HandlerList.h"
@@ -20,13 +21,19 @@ public:
     Subscription onLocalPointerMoved(std::function<void()> handler) override;
     Subscription onGlobalMouseDown(std::function<void()> handler) override;
 
+    Subscription onLocalScroll(std::function<bool(const ScrollEvent&)> handler) override;
+    Subscription onLocalKeyDown(std::function<bool(const KeyEvent&)> handler) override;
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool swallowsKey(const QKeyEvent& event) const;
+
     X11Events& events_;
     HandlerList<> global_;
     HandlerList<> local_;
     HandlerList<> mouseDown_;
+    HandlerList<const KeyEvent&, bool&> keys_;
 };
 
 }  // namespace sunpane

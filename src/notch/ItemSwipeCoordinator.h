@@ -1,0 +1,86 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "app/NotchUndo.h"
+#include "base/Observable.h"
+#include "base/Spring.h"
+#include "core/briefing/Briefing.h"
+#include "core/stores/ItemFlagStore.h"
+#include "notch/ScrollSwipeHub.h"
+
+namespace sunpane {
+
+/// Recognises a sideways swipe with two fingers over a briefing card: to the right it flags the card as a priority, to
+/// the left it clears the card, or hides one that is cleared already. What it did can be taken back.
+///
+/// One for each briefing column, owned by what shows the column; main thread only. Announces changes of `hoveredItem`
+/// and `swipeX`.
+class ItemSwipeCoordinator : public Observable {
+public:
+    /// A swipe counts when the card was moved further than this (points) at its end.
+    static constexpr double decisionDistance = 70;
+    /// A gesture is a swipe once it has gone sideways more than `swipeStart` points, and more than `swipeLead` further
+    /// than up or down. It is scrolling once it has gone up or down more than `scrollLead` further than sideways.
+    static constexpr double swipeStart = 4;
+    static constexpr double swipeLead = 3;
+    static constexpr double scrollLead = 10;
+    static constexpr Spring hoverAnimation{0.28, 0.7};
+    static constexpr Spring finishAnimation{0.32, 0.72};
+
+    using Change = std::function<void()>;
+    using Animate = std::function<void(const Spring& spring, const Change& change)>;
+
+    /// Without the store what the user decides is dropped.
+    ItemSwipeCoordinator(ScrollSwipeHub& hub, NotchUndo& undo, std::weak_ptr<ItemFlagStore> flags);
+
+    /// Begins to listen for scrolling, unless it does so already.
+    void install();
+    /// Stops listening, as when the column goes.
+    void uninstall() { registration_.cancel(); }
+
+    /// The pointer came to rest on a card, or left it. One card may be entered before the last one is left.
+    void pointerEntered(const BriefingItem& item);
+    void pointerLeft(const BriefingItem& item);
+
+    /// Takes a scroll event; whether it is consumed.
+    bool handle(const ScrollEvent& event);
+
+    /// Acts on a card that was moved by `swipeX`, and lets go of it.
+    void finish(const BriefingItem& item);
+
+    /// The card under the pointer, on which swipes act.
+    const std::optional<BriefingItem>& hoveredItem() const { return hoveredItem_; }
+    /// How far (points) the hovered card is moved; positive to the right.
+    double swipeX() const { return swipeX_; }
+
+    /// Runs a change so that it shows with the spring; the user interface sets it. Without it changes just happen.
+    Animate animate;
+
+private:
+    bool change(const ScrollEvent& event);
+    void end();
+    // What brings back the flags that the card has now.
+    NotchUndo::Action restoring(const BriefingItem& item, const ItemFlagStore& flags) const;
+    void setSwipeX(double x);
+    void run(const Spring& spring, const Change& change);
+
+    ScrollSwipeHub& hub_;
+    NotchUndo& undo_;
+    std::weak_ptr<ItemFlagStore> flags_;
+    std::optional<BriefingItem> hoveredItem_;
+    double swipeX_ = 0;
+    // What the gesture that goes on was found to be: a swipe, scrolling, or neither yet.
+    bool active_ = false;
+    bool rejected_ = false;
+    // Whether the last gesture was a swipe, whose momentum must not scroll the column.
+    bool coasting_ = false;
+    // How far it went before that was known.
+    double pendX_ = 0;
+    double pendY_ = 0;
+    Subscription registration_;
+};
+
+}  // namespace sunpane
