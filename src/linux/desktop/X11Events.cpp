@@ -3,28 +3,25 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
+#include <QAbstractEventDispatcher>
 #include <QGuiApplication>
 #include <QWindow>
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace sunpane {
 namespace {
 
-template <class T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
+// Deeper than any window manager nests a window in its frames.
+constexpr int deepestFrame = 8;
 
-template <class T>
-Reply<T> own(T* reply) {
-    return {reply, &std::free};
-}
-
-bool isOurs(xcb_window_t window) {
+template <class Test>
+bool anyOfOurs(const Test& test) {
     const auto windows = QGuiApplication::allWindows();
-    return std::any_of(windows.begin(), windows.end(), [window](const QWindow* ours) {
-        return ours->handle() != nullptr && static_cast<xcb_window_t>(ours->winId()) == window;
+    return std::any_of(windows.begin(), windows.end(), [&test](const QWindow* ours) {
+        return ours->handle() != nullptr && test(static_cast<xcb_window_t>(ours->winId()));
     });
 }
 
@@ -42,17 +39,18 @@ X11Events::X11Events() {
         xcb_screen_next(&screens);
     screen_ = screens.data;
 
-    selectRawMotion();
+    selectRawEvents();
     watchCompositor();
-    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-    activeWindowAtom_ = atom("_NET_ACTIVE_WINDOW");
-    xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_EVENT_MASK, &mask);
+    watchRoot();
     xcb_flush(connection_.get());
 
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_.get()), QSocketNotifier::Read);
     connect(notifier_.get(), &QSocketNotifier::activated, this, &X11Events::readEvents);
-    // Replies read above may have brought events along that the socket will not announce again.
-    QMetaObject::invokeMethod(this, &X11Events::readEvents, Qt::QueuedConnection);
+    // Whoever reads a reply may take events off the socket that it will not announce again.
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+        if (auto* waiting = xcb_poll_for_queued_event(connection_.get())) deferred_.push_back(own(waiting));
+        if (!deferred_.empty()) readEvents();
+    });
 }
 
 X11Events::~X11Events() = default;
@@ -64,7 +62,56 @@ xcb_atom_t X11Events::atom(const char* name) const {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-void X11Events::selectRawMotion() {
+std::vector<std::uint32_t> X11Events::readProperty(xcb_window_t window, xcb_atom_t property, std::uint32_t most) const {
+    const auto cookie = xcb_get_property(connection_.get(), 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, most);
+    const auto reply = own(xcb_get_property_reply(connection_.get(), cookie, nullptr));
+    if (!reply || reply->format != 32) return {};
+    const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    const auto bytes = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
+    return {values, values + bytes / sizeof(std::uint32_t)};
+}
+
+std::vector<xcb_window_t> X11Events::childrenOf(xcb_window_t window) const {
+    const auto tree = own(xcb_query_tree_reply(connection_.get(), xcb_query_tree(connection_.get(), window), nullptr));
+    if (!tree) return {};
+    const auto* children = xcb_query_tree_children(tree.get());
+    return {children, children + xcb_query_tree_children_length(tree.get())};
+}
+
+xcb_window_t X11Events::activeWindow() const {
+    const auto windows = readProperty(screen_->root, activeWindowAtom_, 1);
+    return windows.empty() ? XCB_NONE : windows.front();
+}
+
+xcb_timestamp_t X11Events::serverTime() {
+    // The announcement of a change that changes nothing carries the time.
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_APPEND, clockWindow_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
+                        nullptr);
+    xcb_flush(connection_.get());
+    while (auto event = own(xcb_wait_for_event(connection_.get()))) {
+        if ((event->response_type & 0x7F) == XCB_PROPERTY_NOTIFY) {
+            const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
+            if (change.window == clockWindow_) return change.time;
+        }
+        deferred_.push_back(std::move(event));
+    }
+    return XCB_CURRENT_TIME;
+}
+
+bool X11Events::isOurTopLevel(xcb_window_t window) const {
+    if (window == XCB_NONE) return false;
+    return anyOfOurs([this, window](xcb_window_t ours) {
+        for (int depth = 0; depth < deepestFrame && ours != XCB_NONE && ours != screen_->root; ++depth) {
+            if (ours == window) return true;
+            const auto tree =
+                own(xcb_query_tree_reply(connection_.get(), xcb_query_tree(connection_.get(), ours), nullptr));
+            ours = tree ? tree->parent : xcb_window_t{XCB_NONE};
+        }
+        return false;
+    });
+}
+
+void X11Events::selectRawEvents() {
     const auto* extension = xcb_get_extension_data(connection_.get(), &xcb_input_id);
     if (extension == nullptr || extension->present == 0) return;
     const auto version = own(xcb_input_xi_query_version_reply(
@@ -98,9 +145,28 @@ void X11Events::watchCompositor() {
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
 }
 
+void X11Events::watchRoot() {
+    const std::uint32_t rootMask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_EVENT_MASK, &rootMask);
+    activeWindowAtom_ = atom("_NET_ACTIVE_WINDOW");
+    activeWindow_ = activeWindow();
+
+    clockWindow_ = xcb_generate_id(connection_.get());
+    const std::uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};
+    xcb_create_window(connection_.get(), 0, clockWindow_, screen_->root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+}
+
+XcbReply<xcb_generic_event_t> X11Events::nextEvent() {
+    if (deferred_.empty()) return own(xcb_poll_for_event(connection_.get()));
+    auto event = std::move(deferred_.front());
+    deferred_.pop_front();
+    return event;
+}
+
 void X11Events::readEvents() {
     bool moved = false;
-    while (const auto event = own(xcb_poll_for_event(connection_.get())))
+    while (const auto event = nextEvent())
         moved |= handle(*event);
     if (xcb_connection_has_error(connection_.get()) != 0) notifier_->setEnabled(false);
     if (moved) emit pointerMoved();
@@ -120,32 +186,44 @@ bool X11Events::handle(const xcb_generic_event_t& event) {
         const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
         hasCompositor_ = change.owner != XCB_NONE;
         emit compositorChanged();
-    } else if (type == XCB_PROPERTY_NOTIFY) {
-        if (reinterpret_cast<const xcb_property_notify_event_t&>(event).atom == activeWindowAtom_)
-            activeWindowChanged();
-    } else if (type == XCB_CONFIGURE_NOTIFY && watchedWindow_ != XCB_NONE) {
-        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        if (change.above_sibling == watchedWindow_) emit coveredByAnother();
-    } else if (type == XCB_MAP_NOTIFY && watchedWindow_ != XCB_NONE) {
-        const auto& change = reinterpret_cast<const xcb_map_notify_event_t&>(event);
-        if (change.window != watchedWindow_) emit coveredByAnother();
+    } else if (type == XCB_KEY_PRESS) {
+        emit keyPressed(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    } else if (type == XCB_KEY_RELEASE) {
+        emit keyReleased(reinterpret_cast<const xcb_key_release_event_t&>(event));
+    } else if (type == XCB_MAPPING_NOTIFY) {
+        emit keyboardMappingChanged();
+    } else {
+        handleRootEvent(event, type);
     }
     return false;
+}
+
+void X11Events::handleRootEvent(const xcb_generic_event_t& event, std::uint8_t type) {
+    if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (change.window != screen_->root) return;
+        if (change.atom == activeWindowAtom_) activeWindowChanged();
+        emit rootPropertyChanged(change.atom);
+    } else if (type == XCB_CONFIGURE_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        emit windowStacked(change.window, change.above_sibling);
+    } else if (type == XCB_MAP_NOTIFY) {
+        emit windowShown(reinterpret_cast<const xcb_map_notify_event_t&>(event).window);
+    }
 }
 
 void X11Events::pressed(std::uint32_t button) {
     if (button != XCB_BUTTON_INDEX_1 && button != XCB_BUTTON_INDEX_3) return;
     const auto pointer =
         own(xcb_query_pointer_reply(connection_.get(), xcb_query_pointer(connection_.get(), screen_->root), nullptr));
-    if (pointer && !isOurs(pointer->child)) emit mouseDownElsewhere();
+    if (pointer && !isOurTopLevel(pointer->child)) emit mouseDownElsewhere();
 }
 
 void X11Events::activeWindowChanged() {
-    const auto cookie = xcb_get_property(connection_.get(), 0, screen_->root, activeWindowAtom_, XCB_ATOM_WINDOW, 0, 1);
-    const auto reply = own(xcb_get_property_reply(connection_.get(), cookie, nullptr));
-    if (!reply || xcb_get_property_value_length(reply.get()) < static_cast<int>(sizeof(xcb_window_t))) return;
-    const xcb_window_t window = *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
-    if (window != XCB_NONE && !isOurs(window)) emit applicationActivated();
+    // Window managers also write the same window again.
+    const xcb_window_t window = activeWindow();
+    if (std::exchange(activeWindow_, window) == window || window == XCB_NONE) return;
+    if (!anyOfOurs([window](xcb_window_t ours) { return ours == window; })) emit applicationActivated();
 }
 
 }  // namespace sunpane

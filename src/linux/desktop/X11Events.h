@@ -4,13 +4,17 @@
 
 #include <QObject>
 #include <QSocketNotifier>
+#include <deque>
 #include <memory>
+#include <vector>
+
+#include "linux/desktop/XcbReply.h"
 
 namespace sunpane {
 
 /// What the X server tells about the whole screen rather than about our own windows, heard on a connection of its
-/// own: raw pointer motion (XInput 2), a compositor that comes or goes, windows that are put above ours. Without an X
-/// server it stays silent. Main thread only.
+/// own: raw pointer motion (XInput 2), a compositor that comes or goes, windows that are put above others, grabbed
+/// keys, what the window manager writes on the root window. Without an X server it stays silent. Main thread only.
 class X11Events : public QObject {
     Q_OBJECT
 
@@ -20,8 +24,20 @@ public:
 
     bool isConnected() const { return connection_ != nullptr; }
     bool hasCompositor() const { return hasCompositor_; }
-    /// From now on `coveredByAnother` tells of this window.
-    void watchStacking(xcb_window_t window) { watchedWindow_ = window; }
+
+    // For the adapters that ask the server for something themselves; only while connected.
+    xcb_connection_t* connection() const { return connection_.get(); }
+    xcb_window_t root() const { return screen_->root; }
+    xcb_atom_t atom(const char* name) const;
+    /// The whole numbers in a property of at most `most` of them; empty when there is none.
+    std::vector<std::uint32_t> readProperty(xcb_window_t window, xcb_atom_t property, std::uint32_t most) const;
+    std::vector<xcb_window_t> childrenOf(xcb_window_t window) const;
+    /// The window that the window manager calls active; none when there is none or no window manager.
+    xcb_window_t activeWindow() const;
+    /// The server's time now, which orders changes of the focus. Costs a round trip.
+    xcb_timestamp_t serverTime();
+    /// Whether a child of the root window is a window of ours, or the window manager's frame around one.
+    bool isOurTopLevel(xcb_window_t window) const;
 
 signals:
     /// The pointer moved, wherever it is. One signal may stand for several movements.
@@ -31,25 +47,37 @@ signals:
     /// Another program's window became the active one.
     void applicationActivated();
     void compositorChanged();
-    /// Another window was put above the watched one, or newly shown.
-    void coveredByAnother();
+    /// A child of the root window was newly shown.
+    void windowShown(xcb_window_t window);
+    /// A child of the root window was moved in the stack to right above `below`.
+    void windowStacked(xcb_window_t window, xcb_window_t below);
+    void rootPropertyChanged(xcb_atom_t property);
+    /// A key that was grabbed on this connection, or any key while such a grab lasts.
+    void keyPressed(const xcb_key_press_event_t& event);
+    void keyReleased(const xcb_key_release_event_t& event);
+    void keyboardMappingChanged();
 
 private:
-    void selectRawMotion();
+    void selectRawEvents();
     void watchCompositor();
+    void watchRoot();
     void readEvents();
+    XcbReply<xcb_generic_event_t> nextEvent();
     bool handle(const xcb_generic_event_t& event);
+    void handleRootEvent(const xcb_generic_event_t& event, std::uint8_t type);
     void pressed(std::uint32_t button);
     void activeWindowChanged();
-    xcb_atom_t atom(const char* name) const;
 
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    xcb_screen_t* screen_ = nullptr;  // owned by the connection
-    xcb_window_t watchedWindow_ = XCB_NONE;
+    // Came while something else was waited for.
+    std::deque<XcbReply<xcb_generic_event_t>> deferred_;
+    xcb_screen_t* screen_ = nullptr;        // owned by the connection
+    xcb_window_t clockWindow_ = XCB_NONE;   // never shown; changes of it tell the server's time
+    xcb_window_t activeWindow_ = XCB_NONE;  // as last told
     xcb_atom_t activeWindowAtom_ = XCB_ATOM_NONE;
     int screenNumber_ = 0;
     std::uint8_t xinputOpcode_ = 0;

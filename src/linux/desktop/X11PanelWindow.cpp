@@ -7,17 +7,14 @@
 #include <QGuiApplication>
 #include <QRegion>
 #include <QScreen>
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
 #include "linux/desktop/ScreenCoordinates.h"
+#include "linux/desktop/XcbReply.h"
 
 namespace sunpane {
 namespace {
-
-constexpr int mostRaisesInARow = 20;
-constexpr qint64 calmAfterMilliseconds = 2000;
 
 xcb_connection_t* toolkitConnection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
@@ -53,11 +50,9 @@ X11PanelWindow::X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& fram
     window_->create();
     window_->installEventFilter(this);
     connect(&events_, &X11Events::compositorChanged, this, &X11PanelWindow::applyShape);
-    connect(&events_, &X11Events::coveredByAnother, this, &X11PanelWindow::raiseAgain);
 }
 
 X11PanelWindow::~X11PanelWindow() {
-    events_.watchStacking(XCB_NONE);
     window_->removeEventFilter(this);
 }
 
@@ -77,34 +72,50 @@ bool X11PanelWindow::isOnScreen() const {
 void X11PanelWindow::orderFrontRegardless() {
     window_->show();
     window_->raise();
-    events_.watchStacking(static_cast<xcb_window_t>(window_->winId()));
     applyShape();
 }
 
 void X11PanelWindow::orderOut() {
     resignKey();
-    events_.watchStacking(XCB_NONE);
     window_->hide();
 }
 
 void X11PanelWindow::makeKey() {
-    if (window_->isActive()) return;
-    if (xcb_connection_t* connection = toolkitConnection()) {
-        xcb_get_input_focus_reply_t* focus =
-            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr);
-        if (focus != nullptr) previousFocus_ = focus->focus;
-        std::free(focus);
+    xcb_connection_t* connection = toolkitConnection();
+    if (connection == nullptr || !events_.isConnected()) {
+        window_->requestActivate();
+        return;
     }
-    window_->requestActivate();
+    const auto ours = static_cast<xcb_window_t>(window_->winId());
+    const auto focus = own(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    if (!focus || focus->focus == ours) return;
+    previousFocus_ = focus->focus;
+    // Not by way of the toolkit, whose clock knows nothing of a key that was grabbed elsewhere: a request that is older
+    // than the last change of the focus has no effect.
+    keySince_ = events_.serverTime();
+    xcb_set_input_focus(connection, XCB_INPUT_FOCUS_POINTER_ROOT, ours, keySince_);
+    xcb_flush(connection);
 }
 
 void X11PanelWindow::resignKey() {
-    const xcb_window_t previous = std::exchange(previousFocus_, XCB_NONE);
+    const auto previous = std::exchange(previousFocus_, std::nullopt);
+    if (!previous) return;
     xcb_connection_t* connection = toolkitConnection();
-    if (previous == XCB_NONE || connection == nullptr || !window_->isActive()) return;
-    // A window that is gone by now makes this an error that is ignored; the focus then falls to its parent.
-    xcb_set_input_focus(connection, XCB_INPUT_FOCUS_PARENT, previous, XCB_CURRENT_TIME);
+    // With the time at which the panel took the focus this has no effect if anyone has moved the focus since, as the
+    // click that folded the panel may do at this very moment.
+    xcb_set_input_focus(connection, XCB_INPUT_FOCUS_POINTER_ROOT, heir(*previous), keySince_);
     xcb_flush(connection);
+}
+
+xcb_window_t X11PanelWindow::heir(xcb_window_t previous) const {
+    xcb_connection_t* connection = toolkitConnection();
+    for (const xcb_window_t candidate : {previous, events_.activeWindow()}) {
+        if (candidate == XCB_INPUT_FOCUS_POINTER_ROOT) return candidate;
+        const auto attributes =
+            own(xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, candidate), nullptr));
+        if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) return candidate;
+    }
+    return XCB_INPUT_FOCUS_POINTER_ROOT;
 }
 
 void X11PanelWindow::setOutline(const QPolygonF& outline) {
@@ -129,14 +140,6 @@ void X11PanelWindow::applyShape() {
         removeShape(id, XCB_SHAPE_SK_INPUT);
     }
     xcb_flush(toolkitConnection());
-}
-
-void X11PanelWindow::raiseAgain() {
-    if (!window_->isVisible()) return;
-    if (sinceRaised_.isValid() && sinceRaised_.elapsed() > calmAfterMilliseconds) raisesInARow_ = 0;
-    if (++raisesInARow_ > mostRaisesInARow) return;
-    sinceRaised_.start();
-    window_->raise();
 }
 
 bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -1,17 +1,18 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPolygonF>
 #include <QWindow>
 #include <memory>
+#include <optional>
 
 #include "linux/desktop/X11Events.h"
 #include "platform/PanelWindow.h"
 
 namespace sunpane {
 
-/// Turns a window of the toolkit's into the panel: borderless, unmanaged (override-redirect), above everything.
+/// Turns a window of the toolkit's into the panel: borderless and unmanaged (override-redirect). A private space of
+/// WindowSpaces keeps it above everything.
 ///
 /// Clicks beside the visible outline reach what lies below: with a compositor the outline is the window's input
 /// shape and the rest stays transparent; without one it is the window's bounding shape. A click on the panel gives it
@@ -40,15 +41,14 @@ public:
 
 private:
     void applyShape();
-    void raiseAgain();
+    /// Who gets the keyboard after the panel: the window that had it, or else the one that is active.
+    xcb_window_t heir(xcb_window_t previous) const;
 
     std::unique_ptr<QWindow> window_;
     X11Events& events_;
     QPolygonF outline_;
-    xcb_window_t previousFocus_ = XCB_NONE;
-    // Two programs that both insist on the top must not raise in turns without end.
-    QElapsedTimer sinceRaised_;
-    int raisesInARow_ = 0;
+    std::optional<xcb_window_t> previousFocus_;  // since the panel took the keyboard
+    xcb_timestamp_t keySince_ = XCB_CURRENT_TIME;
 };
 
 }  // namespace sunpane
