@@ -1,9 +1,31 @@
 #include "dawnly/PanelAssembly.h"
 
-#include "linux/desktop/X11PanelWindow.h"
-#include "views/RootWindow.h"
+#include <cstdint>
+#include <utility>
 
 namespace sunpane {
+namespace {
+
+/// The panel as one build of it knows it: gone from the screen when it goes, while the window waits for the next.
+class PanelOnScreen : public PanelWindow {
+public:
+    explicit PanelOnScreen(PanelWindow& window) : window_(window) {}
+    ~PanelOnScreen() override { window_.orderOut(); }
+
+    std::uint64_t number() const override { return window_.number(); }
+    Rect frame() const override { return window_.frame(); }
+    bool isVisible() const override { return window_.isVisible(); }
+    bool isOnScreen() const override { return window_.isOnScreen(); }
+    void orderFrontRegardless() override { window_.orderFrontRegardless(); }
+    void orderOut() override { window_.orderOut(); }
+    void makeKey() override { window_.makeKey(); }
+    void resignKey() override { window_.resignKey(); }
+
+private:
+    PanelWindow& window_;
+};
+
+}  // namespace
 
 PanelAssembly::PanelAssembly(PanelPresenter::Collaborators collaborators, X11Events& events)
     : collaborators_(collaborators), events_(events) {
@@ -14,11 +36,16 @@ PanelAssembly::PanelAssembly(PanelPresenter::Collaborators collaborators, X11Eve
 std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& notchSize, double cardWidth,
                                                  double maxCardHeight) {
     const PanelPresenter::Measures measures{notchSize, cardWidth, maxCardHeight};
-    auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures));
-    RootWindow& source = *root;
-    auto panel = std::make_unique<X11PanelWindow>(std::move(root), frame, events_);
-    QObject::connect(&source, &RootWindow::outlineChanged, panel.get(), &X11PanelWindow::setOutline);
-    return panel;
+    if (window_) {
+        root_->presenter().setMeasures(measures);
+        window_->setFrame(frame);
+    } else {
+        auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures));
+        root_ = root.get();
+        window_ = std::make_unique<X11PanelWindow>(std::move(root), frame, events_);
+        QObject::connect(root_, &RootWindow::outlineChanged, window_.get(), &X11PanelWindow::setOutline);
+    }
+    return std::make_unique<PanelOnScreen>(*window_);
 }
 
 }  // namespace sunpane

@@ -1,14 +1,21 @@
 #pragma once
 
 #include <QQmlEngine>
+#include <memory>
 
 #include "linux/desktop/X11Events.h"
+#include "linux/desktop/X11PanelWindow.h"
 #include "platform/PanelWindow.h"
 #include "views/PanelPresenter.h"
+#include "views/RootWindow.h"
 
 namespace sunpane {
 
 /// Puts the root view into a window of the desktop. Main thread only.
+///
+/// There is one window, made at the first call of `make` and placed anew at each later one: a panel that is built again
+/// keeps what the user typed, its open menus and where its lists were scrolled to, and costs next to nothing. At most
+/// one panel exists at a time.
 class PanelAssembly : public PanelWindows {
 public:
     PanelAssembly(PanelPresenter::Collaborators collaborators, X11Events& events);
@@ -20,6 +27,9 @@ private:
     PanelPresenter::Collaborators collaborators_;
     X11Events& events_;
     QQmlEngine engine_;
+    // Both are null until the first panel is made. The presenter and the content are the window's.
+    std::unique_ptr<X11PanelWindow> window_;
+    RootWindow* root_ = nullptr;
 };
 
 }  // namespace sunpane

@@ -34,6 +34,13 @@ PanelPresenter::~PanelPresenter() {
     with_.viewModel.setReminderUIOpen(with_.viewModel.reminderUIOpen() - openMenus_);
 }
 
+void PanelPresenter::setMeasures(const Measures& measures) {
+    if (measures == measures_) return;
+    measures_ = measures;
+    emit measuresChanged();
+    emit changed();
+}
+
 void PanelPresenter::scheduleRefresh() {
     // A change is announced before it takes effect; by the time the posted task runs it is in place.
     if (std::exchange(refreshPosted_, true)) return;

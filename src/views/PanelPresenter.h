@@ -43,9 +43,9 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
     Q_PROPERTY(sunpane::NowPlayingPresenter* nowPlaying READ nowPlaying CONSTANT)
     Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
-    Q_PROPERTY(qreal notchWidth READ notchWidth CONSTANT)
-    Q_PROPERTY(qreal notchHeight READ notchHeight CONSTANT)
-    Q_PROPERTY(qreal cardWidth READ cardWidth CONSTANT)
+    Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
+    Q_PROPERTY(qreal notchHeight READ notchHeight NOTIFY measuresChanged)
+    Q_PROPERTY(qreal cardWidth READ cardWidth NOTIFY measuresChanged)
     Q_PROPERTY(sunpane::SpringCurve unfoldSpring READ unfoldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve foldSpring READ foldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve accordionSpring READ accordionSpring CONSTANT)
@@ -64,15 +64,20 @@ public:
         ScrollSwipeHub& scrollSwipes;
     };
 
-    /// The panel's fixed measures, in points.
+    /// The panel's measures on its screen, in points.
     struct Measures {
         Size notch;
         double cardWidth;
         double maxCardHeight;
+
+        friend bool operator==(const Measures&, const Measures&) = default;
     };
 
     PanelPresenter(const Collaborators& collaborators, const Measures& measures);
     ~PanelPresenter() override;
+
+    /// For a panel that moves to another screen.
+    void setMeasures(const Measures& measures);
 
     bool expanded() const { return with_.viewModel.expanded(); }
     bool hasUnread() const { return with_.viewModel.hasUnread(); }
@@ -126,6 +131,7 @@ public:
 
 signals:
     void changed();
+    void measuresChanged();
     void openSectionChanged();
 
 private:

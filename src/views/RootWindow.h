@@ -19,6 +19,8 @@ public:
     RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter);
     ~RootWindow() override;
 
+    PanelPresenter& presenter() { return *presenter_; }
+
     /// Before the first window: registers the panel's types with QML.
     static void registerTypes();
 

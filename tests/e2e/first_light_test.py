@@ -74,7 +74,8 @@ class FirstLight:
         d.click(WIDTH // 2, 60)
         d.move(*AWAY)
         d.wait_for(lambda: not d.report()["expanded"], "the panel to stay folded")
-        self.open_panel()
+        d.signal("expand")                   # opened so, it stays open for five seconds whatever is clicked
+        self.settle()
         d.click(PANEL_LEFT + 10, 300)        # in the window, left of the card
         d.click(WIDTH // 2, 200)             # on the card
         d.click(WIDTH // 2, 620)             # in the window, below the card
@@ -85,6 +86,18 @@ class FirstLight:
         places = [line.split("root:(")[1].split(")")[0] for line in output.splitlines() if "root:(" in line]
         pressed = places[::2]  # each press is followed by its release
         self.assertEqual(pressed, ["640,60", "%d,300" % (PANEL_LEFT + 10), "640,620"])
+
+    def test_a_click_in_another_program_folds_it(self):
+        d = self.desktop
+        d.write_briefing("2026-11-22.md", MORNING)
+        d.start_program()
+        self.open_panel()
+        d.click(WIDTH // 2, 60)              # on the panel itself
+        self.settle()
+        self.assertTrue(d.report()["expanded"])
+        d.click(WIDTH // 2, 620)             # in the window, below the card
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 1)
+        self.assertTrue(d.report()["suppressed"])
 
     def test_a_flick_across_the_notch_opens_it(self):
         d = self.desktop

@@ -56,6 +56,11 @@ X11PanelWindow::~X11PanelWindow() {
     window_->removeEventFilter(this);
 }
 
+void X11PanelWindow::setFrame(const Rect& frame) {
+    const QRect geometry = coordinates::fromScreenPoints(frame);
+    if (geometry != window_->geometry()) window_->setGeometry(geometry);
+}
+
 Rect X11PanelWindow::frame() const {
     return coordinates::toScreenPoints(window_->geometry());
 }

@@ -34,6 +34,9 @@ public:
     void makeKey() override;
     void resignKey() override;
 
+    /// Moves the window to another place, or another screen.
+    void setFrame(const Rect& frame);
+
     /// The visible outline, in the window's device-independent pixels.
     void setOutline(const QPolygonF& outline);
 
