@@ -42,6 +42,9 @@ public:
     virtual void wait() = 0;
 };
 
+/// How telling the running program went.
+enum class Broadcast { sent, nobodyListens, noSession };
+
 /// The media players of the user's desktop.
 struct PlayerPorts {
     ScriptRunner& scripts;
@@ -78,6 +81,9 @@ struct Environment {
     /// What the user lets the desktop program do with the calendars, which does not bind who starts a command by hand.
     /// Null: what the calendars themselves say.
     std::function<CalendarAccess()> calendarAccess = nullptr;
+
+    /// Sends the broadcast of that name to the running program. Null where there is no session to send it in.
+    std::function<Broadcast(const std::string& name)> broadcast = nullptr;
 };
 
 /// The words behind the command's name.

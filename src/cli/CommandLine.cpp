@@ -6,9 +6,12 @@
 #include "cli/BriefCommand.h"
 #include "cli/CheckCommand.h"
 #include "cli/Command.h"
+#include "cli/DefaultsCommand.h"
 #include "cli/FeedbackCommand.h"
 #include "cli/FlagsCommand.h"
 #include "cli/PlayingCommand.h"
+#include "cli/ProgramCommand.h"
+#include "cli/PromptCommand.h"
 #include "cli/TodoCommand.h"
 #include "cli/WatchCommand.h"
 
@@ -16,12 +19,13 @@ namespace sunpane::cli {
 namespace {
 
 // Every command of the program; a new one is a line here and a pair of files.
-constexpr std::array commands{briefCommand, checkCommand,    watchCommand,   todoCommand,
-                              flagsCommand, feedbackCommand, playingCommand, playPauseCommand,
-                              nextCommand,  previousCommand, muteCommand,    agendaCommand};
+constexpr std::array commands{briefCommand,  checkCommand,    watchCommand,   todoCommand,
+                              flagsCommand,  feedbackCommand, playingCommand, playPauseCommand,
+                              nextCommand,   previousCommand, muteCommand,    agendaCommand,
+                              expandCommand, reportCommand,   promptCommand,  defaultsCommand};
 
 void printHelp(std::ostream& out) {
-    out << "dawnlyctl: briefings, todos, flags, calendars and what is playing from the command line\n\nUsage:\n";
+    out << "dawnlyctl: the briefings, todos, flags, calendars and settings of dawnly, and what is playing\n\nUsage:\n";
     for (const auto& command : commands) {
         out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
     }

@@ -11,6 +11,7 @@
 #include "base/ManualRunLoop.h"
 #include "cli/Command.h"
 #include "cli/ProcessInterrupt.h"
+#include "cli/SessionBroadcast.h"
 #include "linux/calendar/DesktopCalendarStore.h"
 #include "linux/calendar/eds/EdsModule.h"
 #include "linux/players/PlayerAdapters.h"
@@ -76,7 +77,8 @@ int main(int argc, char** argv) {
                                  .wait = sleepFor,
                                  .connectPlayers = connectPlayers,
                                  .openCalendars = openCalendars,
-                                 .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); }};
+                                 .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); },
+                                 .broadcast = cli::broadcastToProgram};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "base/Clock.h"
+#include "cli/Command.h"
+
+namespace sunpane::cli {
+
+/// How long (s) the running program is waited for, and how often it is looked whether it has answered.
+inline constexpr Seconds reportTimeout = 5.0;
+inline constexpr Seconds reportPoll = 0.02;
+
+/// Unfolds the panel of the running program. `negative`, with one line on `err`, when none runs.
+int runExpand(Arguments arguments, Environment& environment);
+
+/// Asks the running program what it shows and prints its answer, one JSON object. `negative`, with one line on `err`,
+/// when none runs or it does not answer in time.
+int runReport(Arguments arguments, Environment& environment);
+
+inline constexpr Command expandCommand{
+    .name = "expand", .usage = "", .summary = "Unfolds the panel of the running program.", .run = runExpand};
+inline constexpr Command reportCommand{
+    .name = "report", .usage = "", .summary = "Prints what the running program shows, as JSON.", .run = runReport};
+
+}  // namespace sunpane::cli
