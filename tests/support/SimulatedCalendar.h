@@ -30,7 +30,7 @@ public:
         });
         return found;
     }
-    std::vector<CalendarInfo> calendars() const override { return {}; }
+    std::vector<CalendarInfo> calendars() const override { return known; }
     void add(const NewEvent& event, std::function<void(std::optional<std::string>)> done) override {
         added.push_back(event);
         done(identifierOfNew);
@@ -42,12 +42,15 @@ public:
         status = granted ? CalendarAccess::full : CalendarAccess::denied;
         std::exchange(question_, nullptr)(granted);
     }
+    /// The desktop loses the question.
+    void swallowQuestion() { std::exchange(question_, nullptr)(false); }
     void change() { observers_.call(); }
 
     CalendarAccess status = CalendarAccess::full;
     bool isLoaded = true;
     bool isComplete = true;
     std::vector<CalendarEvent> all;
+    std::vector<CalendarInfo> known;
     int questions = 0;
     std::vector<NewEvent> added;
     std::optional<std::string> identifierOfNew = "new-event";

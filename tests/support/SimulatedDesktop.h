@@ -124,7 +124,7 @@ public:
 /// A desktop around the program whose events a test brings about, and which remembers what was opened.
 class SimulatedWorkspace : public Workspace {
 public:
-    void revealFolder(const std::string& /*path*/) override {}
+    void revealFolder(const std::string& path) override { revealed.push_back(path); }
     void openUrl(const std::string& url) override { opened.push_back(url); }
     Subscription observeWake(std::function<void()> handler) override { return wakes_.add(std::move(handler)); }
     Subscription onApplicationActivated(std::function<void()> handler) override {
@@ -135,6 +135,7 @@ public:
     void activateAnother() { activations_.call(); }
 
     std::vector<std::string> opened;
+    std::vector<std::string> revealed;
     bool terminated = false;
 
 private:

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "platform/LoginService.h"
+
+namespace sunpane {
+
+/// A desktop entry in the session's autostart folder (Desktop Application Autostart Specification 0.5). Main thread
+/// only.
+class AutostartLoginService : public LoginService {
+public:
+    /// `folder` is the autostart folder, `program` the absolute path of what to start.
+    AutostartLoginService(std::string folder, std::string program);
+
+    /// `$XDG_CONFIG_HOME/autostart`
+    static std::string defaultFolder();
+
+    bool isEnabled() const override;
+    std::optional<std::string> setEnabled(bool enabled) override;
+
+private:
+    std::string folder_;
+    std::string path_;
+    std::string program_;
+};
+
+}  // namespace sunpane

@@ -1,0 +1,73 @@
+#include "linux/system/InstalledBundle.h"
+
+#include <spawn.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "linux/system/OwnBundle.h"
+
+namespace sunpane {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* ending = ".app";
+
+}  // namespace
+
+InstalledBundle::InstalledBundle(std::string program, std::string home)
+    : program_(std::move(program)), home_(std::move(home)), path_(bundlePathOf(program_)) {}
+
+std::string InstalledBundle::runningProgram() {
+    std::error_code error;
+    return fs::read_symlink("/proc/self/exe", error).string();
+}
+
+std::vector<std::string> InstalledBundle::applicationFolders() const {
+    return {"/usr/", "/opt/", home_ + "/.local/"};  // "/usr/local/" is in the first
+}
+
+std::string InstalledBundle::installedPath() const {
+    return home_ + "/.local/lib/Dawnly.app";
+}
+
+bool InstalledBundle::install() {
+    if (!path_.ends_with(ending)) return false;
+    const fs::path target = installedPath();
+    const fs::path fresh = target.string() + ".new";
+    const fs::path old = target.string() + ".old";
+    std::error_code error;
+    fs::create_directories(target.parent_path(), error);
+    fs::remove_all(fresh, error);
+    fs::remove_all(old, error);
+    fs::copy(path_, fresh, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    if (!error) {
+        std::error_code absent;
+        fs::rename(target, old, absent);
+        fs::rename(fresh, target, error);
+        if (error && !absent) fs::rename(old, target, absent);
+    }
+    std::error_code ignored;
+    fs::remove_all(error ? fresh : old, ignored);
+    return !error;
+}
+
+void InstalledBundle::openInstalled() {
+    const auto inBundle = fs::path(program_).lexically_relative(path_);
+    const std::string program = (fs::path(installedPath()) / inBundle).string();
+    // In a session of its own, so that what ends this program's terminal does not end it.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    pid_t started = 0;
+    std::string argument = program;
+    char* arguments[] = {argument.data(), nullptr};
+    posix_spawn(&started, program.c_str(), nullptr, &attributes, arguments, environ);
+    posix_spawnattr_destroy(&attributes);
+}
+
+}  // namespace sunpane

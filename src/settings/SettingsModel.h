@@ -1,0 +1,89 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/LoginItem.h"
+#include "base/LocalNotifications.h"
+#include "base/Observable.h"
+#include "platform/CalendarStore.h"
+#include "platform/FolderPicker.h"
+#include "platform/Pasteboard.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+
+namespace sunpane {
+
+/// What the user chooses in the settings, but for the panel's background. Every choice is kept and takes effect at
+/// once.
+///
+/// One instance, owned by the start-up code; main thread only. Values are read anew at every question, so that what
+/// another program changed shows too.
+class SettingsModel : public Observable {
+public:
+    static constexpr const char* pickerPrompt = "Watch This Folder";
+
+    /// Everything outlives it.
+    struct Collaborators {
+        UserDefaults& defaults;
+        const LocalNotifications& notifications;
+        LoginItem& loginItem;
+        const CalendarStore& calendars;
+        Workspace& workspace;
+        FolderPicker& folderPicker;
+        Pasteboard& pasteboard;
+        /// Takes the quick-capture setting up.
+        std::function<void()> registerHotkeyAnew;
+    };
+
+    explicit SettingsModel(Collaborators collaborators);
+
+    bool canLaunchAtLogin() const { return with_.loginItem.isAvailable(); }
+    /// As the user left the switch, also where the desktop refused.
+    bool launchAtLogin() const { return launchAtLogin_; }
+    void setLaunchAtLogin(bool on);
+    /// Why the last change failed; nothing when it did not.
+    const std::optional<std::string>& loginItemError() const { return loginItemError_; }
+
+    /// Whether Control+Space opens the panel from anywhere.
+    bool quickCapture() const;
+    void setQuickCapture(bool on);
+
+    /// Whether events that are really tasks become todos.
+    bool calendarTodos() const;
+    void setCalendarTodos(bool on);
+
+    /// All calendars by title.
+    std::vector<CalendarInfo> calendars() const;
+    /// Whether everything on the calendar becomes a todo.
+    bool isTodoCalendar(const std::string& identifier) const;
+    void setTodoCalendar(const std::string& identifier, bool on);
+
+    /// The folder of briefings now.
+    std::string watchedFolder() const;
+    bool usesDefaultFolder() const;
+    /// Without a folder, the default one.
+    void setFolder(const std::optional<std::string>& folder);
+    void pickFolder();
+    void openFolder();
+
+    enum class Task { delivery, morning, evening };
+    /// The text for an assistant, around the folder of now.
+    std::string task(Task task) const;
+    void copy(Task task);
+
+private:
+    std::vector<std::string> todoCalendars() const;
+    void setBool(std::string_view key, bool on);
+
+    Collaborators with_;
+    bool launchAtLogin_;
+    std::optional<std::string> loginItemError_;
+    std::shared_ptr<SettingsModel*> self_;
+};
+
+}  // namespace sunpane

@@ -1,0 +1,105 @@
+#include "settings/SettingsModel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/NotificationNames.h"
+#include "core/briefing/FolderBriefingProvider.h"
+#include "support/SimulatedApplication.h"
+#include "support/SimulatedCalendar.h"
+#include "support/SimulatedDesktop.h"
+#include "support/SimulatedUserDefaults.h"
+
+namespace sunpane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Strings = std::vector<std::string>;
+
+class Settings : public ::testing::Test {
+protected:
+    Strings todoCalendars() const { return defaults.read<Strings>("todoCalendarIDs").valueOr({"unset"}); }
+
+    testing::SimulatedUserDefaults defaults;
+    LocalNotifications notifications;
+    testing::SimulatedBundle bundle;
+    testing::SimulatedLoginService service;
+    LoginItem loginItem{bundle, service, defaults};
+    testing::SimulatedCalendar calendars;
+    testing::SimulatedWorkspace workspace;
+    testing::SimulatedFolderPicker picker;
+    testing::SimulatedPasteboard pasteboard;
+    Strings registrations;
+    SettingsModel settings{{defaults, notifications, loginItem, calendars, workspace, picker, pasteboard, [this] {
+                                const bool on = defaults.read<bool>("quickCaptureEnabled").valueOr(true);
+                                registrations.emplace_back(on ? "on" : "off");
+                            }}};
+};
+
+TEST_F(Settings, RegisterTheHotkeyAnewOnceTheNewChoiceIsKept) {
+    EXPECT_TRUE(settings.quickCapture());
+    settings.setQuickCapture(false);
+    settings.setQuickCapture(true);
+    EXPECT_THAT(registrations, ElementsAre("off", "on"));
+}
+
+TEST_F(Settings, KeepTheSwitchWhereTheUserPutItWhenTheDesktopRefuses) {
+    service.error = "No room.";
+    settings.setLaunchAtLogin(true);
+    EXPECT_TRUE(settings.launchAtLogin());
+    EXPECT_EQ(settings.loginItemError(), "No room.");
+    service.error.reset();
+    settings.setLaunchAtLogin(true);
+    EXPECT_TRUE(service.enabled);
+    EXPECT_FALSE(settings.loginItemError());
+}
+
+TEST_F(Settings, KeepAnEmptyListWhenTheLastCalendarIsUnchecked) {
+    settings.setTodoCalendar("b", true);
+    settings.setTodoCalendar("a", true);
+    settings.setTodoCalendar("b", true);
+    EXPECT_THAT(todoCalendars(), ::testing::UnorderedElementsAre("a", "b"));
+    EXPECT_TRUE(settings.isTodoCalendar("a"));
+    settings.setTodoCalendar("a", false);
+    settings.setTodoCalendar("b", false);
+    EXPECT_THAT(todoCalendars(), IsEmpty());
+}
+
+TEST_F(Settings, ListCalendarsByTitleWhateverTheCase) {
+    calendars.known = {{"3", "work"}, {"1", "Zoo"}, {"2", "Home"}, {"0", "work"}};
+    Strings identifiers;
+    for (const auto& each : settings.calendars())
+        identifiers.push_back(each.identifier);
+    EXPECT_THAT(identifiers, ElementsAre("2", "0", "3", "1"));
+}
+
+TEST_F(Settings, MoveToAnotherFolderAndBack) {
+    Strings folders;
+    const auto heard = notifications.observe(notification::briefingsFolderChanged,
+                                             [&](const auto&) { folders.push_back(settings.watchedFolder()); });
+    const std::string original = settings.watchedFolder();
+    EXPECT_TRUE(settings.usesDefaultFolder());
+    settings.pickFolder();
+    EXPECT_EQ(picker.startedIn, original);
+    EXPECT_EQ(picker.button, "Watch This Folder");
+    picker.answer(std::nullopt);
+    EXPECT_THAT(folders, IsEmpty());
+
+    settings.pickFolder();
+    picker.answer("/home/ada/Notes");
+    EXPECT_FALSE(settings.usesDefaultFolder());
+    // Whatever is copied from now on names the new folder.
+    settings.copy(SettingsModel::Task::morning);
+    EXPECT_THAT(pasteboard.content, HasSubstr("\n/home/ada/Notes/\n"));
+    settings.openFolder();
+    EXPECT_THAT(workspace.revealed, ElementsAre("/home/ada/Notes"));
+
+    settings.setFolder(std::nullopt);
+    EXPECT_THAT(folders, ElementsAre("/home/ada/Notes", original));
+    EXPECT_FALSE(defaults.value(FolderBriefingProvider::folderDefaultsKey));
+}
+
+}  // namespace
+}  // namespace sunpane
