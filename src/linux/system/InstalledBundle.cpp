@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -24,7 +25,11 @@ InstalledBundle::InstalledBundle(std::string program, std::string home)
 
 std::string InstalledBundle::runningProgram() {
     std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).string();
+    std::string program = fs::read_symlink("/proc/self/exe", error).string();
+    // An upgrade put another file in its place.
+    constexpr std::string_view mark = " (deleted)";
+    if (program.ends_with(mark)) program.resize(program.size() - mark.size());
+    return program;
 }
 
 std::vector<std::string> InstalledBundle::applicationFolders() const {
