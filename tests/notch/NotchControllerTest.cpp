@@ -1,80 +1,9 @@
-#include "notch/NotchController.h"
-
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
+#include "NotchControllerFixture.h"
 
 namespace sunpane {
 namespace {
-
-// A 1440 x 900 screen without a camera housing: the hot zone spans x 650 to 790 and y 874 to 990, the panel's window
-// x 330 to 1110 and y 79 to 900.
-constexpr Point atNotch{720, 890};
-constexpr Point farAway{100, 100};
-
-struct NotchControllerTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedScreens screens;
-    testing::SimulatedPointer pointer;
-    testing::SimulatedPanelWindows windows;
-    testing::SimulatedWorkspace workspace;
-    testing::SimulatedSpaces spaces;
-    testing::SimulatedBroadcasts broadcasts;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
-    PinnedSpace pinned{&spaces, defaults, [](const std::string&) {}};
-    LocalNotifications notifications;
-    testing::SimulatedAgenda agenda{platform, defaults};
-    testing::SimulatedPlayers players{platform};
-    std::optional<NotchViewModel> model;
-    std::optional<NotchController> controller;
-    std::string report;
-
-    void SetUp() override {
-        defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock,
-                                                    platform.runLoop,
-                                                    notifications,
-                                                    defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles,
-                                                    agenda.fallback,
-                                                    agenda.meetings,
-                                                    players.nowPlaying});
-        controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
-                                                          workspace, &spaces, pinned, broadcasts, notifications, *model,
-                                                          [] { return std::string("glass"); },
-                                                          [this](const std::string& json) { report = json; }});
-    }
-
-    void show() {
-        controller->show();
-        platform.time.advance(0.1);
-    }
-    void moveTo(Point point) {
-        pointer.moveTo(point);
-        platform.time.runPending();
-    }
-    nlohmann::json askForReport() {
-        broadcasts.broadcast("app.dawnly.Dawnly.report");
-        platform.time.runPending();
-        return nlohmann::json::parse(report);
-    }
-};
 
 TEST_F(NotchControllerTest, UnfoldsAtTheNotchAndFoldsWellOutsideThePanel) {
     show();
