@@ -1,6 +1,36 @@
 #include "app/TodoActions.h"
 
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
 namespace sunpane::todo_actions {
+namespace {
+
+// A card that is dragged is far smaller; anything larger is somebody's text.
+constexpr std::size_t longestPayload = 65536;
+
+struct Card {
+    std::string text;
+    std::optional<std::string> key;
+    bool prio = false;
+};
+
+std::optional<Card> readCard(std::string_view dropped) {
+    if (dropped.size() > longestPayload) return std::nullopt;
+    // Deep nesting costs the parser no stack: it keeps its own.
+    const auto payload = nlohmann::json::parse(dropped, nullptr, false);
+    if (!payload.is_object()) return std::nullopt;
+    const auto mark = payload.find("dawnly");
+    const auto text = payload.find("text");
+    if (mark == payload.end() || *mark != true || text == payload.end() || !text->is_string()) return std::nullopt;
+    Card card{text->get<std::string>(), std::nullopt, false};
+    if (const auto key = payload.find("key"); key != payload.end() && key->is_string()) card.key = *key;
+    if (const auto prio = payload.find("prio"); prio != payload.end()) card.prio = *prio == true;
+    return card;
+}
+
+}  // namespace
 
 void toggle(TodoStore& todos, const Uuid& id) {
     const auto index = todos.indexOf(id);
@@ -15,6 +45,24 @@ void removeWithUndo(TodoStore& todos, const Uuid& id, NotchUndo& undo) {
     if (!index) return;
     undo.push([&todos, todo = todos.todos()[*index], place = *index] { todos.restore(todo, place); });
     todos.remove(id);
+}
+
+void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, NotchUndo& undo) {
+    const auto textOf = [&todos](const Uuid& todo) -> std::optional<std::string> {
+        const auto index = todos.indexOf(todo);
+        return index ? std::optional(todos.todos()[*index].text) : std::nullopt;
+    };
+    const auto before = textOf(id);
+    todos.rename(id, text);
+    if (before && textOf(id) != before) undo.push([&todos, id, text = *before] { todos.rename(id, text); });
+}
+
+void addDropped(TodoStore& todos, std::string_view dropped) {
+    if (const auto card = readCard(dropped)) {
+        todos.addLinked(card->text, card->key, card->prio);
+    } else {
+        todos.addLinked(dropped, std::nullopt, false);
+    }
 }
 
 }  // namespace sunpane::todo_actions

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "app/NotchUndo.h"
 #include "base/Uuid.h"
 #include "core/stores/TodoStore.h"
@@ -12,5 +14,12 @@ void toggle(TodoStore& todos, const Uuid& id);
 
 /// Deletes, and lets `undo` bring the todo back to where it was, reminder and all. `todos` outlives what is on `undo`.
 void removeWithUndo(TodoStore& todos, const Uuid& id, NotchUndo& undo);
+
+/// Renames, and lets `undo` bring the old text back. A text that is blank or the same changes nothing.
+void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, NotchUndo& undo);
+
+/// Adds what was dropped on the list: a briefing card, as a JSON object that says so
+/// (`{"dawnly": true, "text": "...", "key": "...", "prio": false}`), or else the text as it is.
+void addDropped(TodoStore& todos, std::string_view dropped);
 
 }  // namespace sunpane::todo_actions

@@ -279,6 +279,15 @@ std::string LocalCalendar::format(Instant instant, std::string_view pattern,
     return toUtf8(zone_->formatter->format(toUDate(instant), result));
 }
 
+std::string LocalCalendar::dateAndTime(Instant instant) const {
+    const std::unique_ptr<icu::DateFormat> formatter(
+        icu::DateFormat::createDateTimeInstance(icu::DateFormat::kMedium, icu::DateFormat::kShort, toLocale(locale_)));
+    if (!formatter) return {};
+    formatter->setTimeZone(*zone_->timeZone);
+    icu::UnicodeString result;
+    return toUtf8(formatter->format(toUDate(instant), result));
+}
+
 std::string LocalCalendar::dayString(Instant instant) const {
     const CivilDay civil = day(instant);
     std::array<char, 48> buffer{};

@@ -73,6 +73,9 @@ public:
     std::string format(Instant instant, std::string_view pattern,
                        std::optional<std::string_view> locale = std::nullopt) const;
 
+    /// Date and time in the user's way of writing, such as "22 Nov 2026, 15:00".
+    std::string dateAndTime(Instant instant) const;
+
     /// "2026-11-22": the day in the Gregorian calendar with ASCII digits, whatever the user's locale.
     std::string dayString(Instant instant) const;
 

@@ -108,9 +108,9 @@ private:
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::ScrollSwipeHub scrollSwipes_{monitors_};
     sunpane::UndoKey undoKey_{monitors_, sunpane::NotchUndo::shared()};
-    sunpane::PanelAssembly windows_{
-        {viewModel_, meetings_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_, scrollSwipes_},
-        x11Events_};
+    sunpane::PanelAssembly windows_{{viewModel_, meetings_, calendar_, nowPlaying_, runLoop_, clock_, notifications_,
+                                     defaults_, workspace_, scrollSwipes_},
+                                    x11Events_};
     // Control+Space is nobody's until the desktop's adapter comes.
     sunpane::HotkeyManager hotkey_{nullptr, defaults_, notifications_};
     sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};

@@ -20,12 +20,15 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
       measures_(measures),
       nowPlaying_(collaborators.nowPlaying, collaborators.runLoop),
       reminders_(collaborators.clock),
+      todos_({collaborators.viewModel, collaborators.calendar, NotchUndo::shared(), collaborators.runLoop,
+              collaborators.clock, collaborators.notifications}),
       self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
     meetingChanges_ = with_.meetings.onWillChange([this] { scheduleRefresh(); });
-    // The strip of what plays makes the panel higher.
+    // The strip of what plays and the todos make the panel higher.
     connect(&nowPlaying_, &NowPlayingPresenter::changed, this, &PanelPresenter::changed);
+    connect(todos_.list(), &TodoListModel::countChanged, this, &PanelPresenter::changed);
     refresh();
 }
 
@@ -151,6 +154,7 @@ qreal PanelPresenter::expandedHeight() const {
     panel_layout::Content content;
     content.notchHeight = measures_.notch.height;
     content.maxCardHeight = measures_.maxCardHeight;
+    content.todos = with_.viewModel.todoStore().todos().size();
     content.hasTrack = nowPlaying_.hasTrack();
     content.hasNextMeeting = meeting_.has_value();
     content.hasSections = !sections_.empty();

@@ -14,6 +14,7 @@
 #include "views/NowPlayingPresenter.h"
 #include "views/ReminderPresenter.h"
 #include "views/SpringCurve.h"
+#include "views/TodoColumnPresenter.h"
 
 namespace sunpane {
 
@@ -43,6 +44,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
     Q_PROPERTY(sunpane::NowPlayingPresenter* nowPlaying READ nowPlaying CONSTANT)
     Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
+    Q_PROPERTY(sunpane::TodoColumnPresenter* todos READ todos CONSTANT)
     Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
     Q_PROPERTY(qreal notchHeight READ notchHeight NOTIFY measuresChanged)
     Q_PROPERTY(qreal cardWidth READ cardWidth NOTIFY measuresChanged)
@@ -55,6 +57,7 @@ public:
     struct Collaborators {
         NotchViewModel& viewModel;
         MeetingWatcher& meetings;
+        CalendarFallback& calendar;
         NowPlaying& nowPlaying;
         RunLoop& runLoop;
         Clock& clock;
@@ -93,6 +96,7 @@ public:
     BriefColumnModel* column() { return &column_; }
     NowPlayingPresenter* nowPlaying() { return &nowPlaying_; }
     ReminderPresenter* reminders() { return &reminders_; }
+    TodoColumnPresenter* todos() { return &todos_; }
     bool hasMeeting() const { return meeting_.has_value(); }
     const QString& meetingTitle() const { return meetingTitle_; }
     const QString& meetingTime() const { return meetingTime_; }
@@ -150,6 +154,7 @@ private:
     BriefColumnModel column_;
     NowPlayingPresenter nowPlaying_;
     ReminderPresenter reminders_;
+    TodoColumnPresenter todos_;
     std::optional<int> openSection_ = 0;
     std::optional<Briefing> shown_;
     std::vector<BriefingSection> sections_;  // of `shown_`

@@ -132,6 +132,12 @@ void drawNote(QPainter& painter, const QColor& color) {
     painter.drawPolyline(QPolygonF{QPointF(-2.4, 6), QPointF(-2.4, -6.5), QPointF(8, -8.6), QPointF(8, 4.2)});
 }
 
+void drawCheckmark(QPainter& painter, const QColor& color) {
+    painter.setPen(QPen(color, 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(QPolygonF{QPointF(-8, 0.5), QPointF(-2.5, 6.5), QPointF(8.5, -6.5)});
+}
+
 struct Symbol {
     const char* name;
     void (*draw)(QPainter&, const QColor&);
@@ -141,6 +147,7 @@ constexpr std::array symbols = {
     Symbol{"chevron.right", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 0); }},
     Symbol{"chevron.left", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 180); }},
     Symbol{"chevron.down", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 90); }},
+    Symbol{"checkmark", drawCheckmark},
     Symbol{"sun.max.fill", drawSun},
     Symbol{"moon.stars.fill", drawMoon},
     Symbol{"video.fill", drawVideo},

@@ -6,11 +6,11 @@ import os
 import time
 import unittest
 
-from desktop import NOTCH, PANEL_RIGHT, Desktop
+from desktop import BRIEF_RIGHT, NOTCH, Desktop
 
 LINK = "https://acme.zoom.us/j/123?pwd=x"
 STRIP_Y = 107
-JOIN_X = PANEL_RIGHT - 30 - 20 - 6 - 25
+JOIN_X = BRIEF_RIGHT - 6 - 25
 # What tells a meeting from a task: somebody was invited.
 INVITED = ("ORGANIZER:mailto:a@example.org", "ATTENDEE:mailto:b@example.org")
 
@@ -35,7 +35,7 @@ class Calendar(unittest.TestCase):
 
     def has_strip(self):
         """Whether the strip of the next meeting is drawn: it is greener than anything else there."""
-        red, green, blue = self.desktop.screenshot().at(PANEL_RIGHT - 30 - 20 - 3, STRIP_Y)
+        red, green, blue = self.desktop.screenshot().at(BRIEF_RIGHT - 3, STRIP_Y)
         return green - red > 8 and green - blue > 6
 
     def remembered_access(self):

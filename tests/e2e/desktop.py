@@ -13,6 +13,10 @@ import time
 REPORT = "/tmp/dawnly-state.json"
 WIDTH, HEIGHT = 1280, 800
 PANEL_LEFT, PANEL_RIGHT = (WIDTH - 780) // 2, (WIDTH + 780) // 2
+CARD_RIGHT = PANEL_RIGHT - 30  # within the window's margin
+# The columns: the briefing's left and the todos' right one.
+BRIEF_LEFT, BRIEF_RIGHT = PANEL_LEFT + 30 + 20, PANEL_LEFT + 30 + 20 + 412
+TODO_LEFT, TODO_RIGHT = CARD_RIGHT - 20 - 254, CARD_RIGHT - 20
 NOTCH = (WIDTH // 2, 10)
 AWAY = (100, 700)
 
@@ -46,8 +50,7 @@ class Screenshot:
 
     def card_count(self):
         """How many cards the open section shows, counted by their surfaces in a column that no text reaches."""
-        section_right = PANEL_RIGHT - 30 - 20  # the window's margin and the panel's
-        x, beside = section_right - 12 - 5, section_right - 6  # inside the cards, and right of them
+        x, beside = BRIEF_RIGHT - 12 - 5, BRIEF_RIGHT - 6  # inside the cards, and right of them
         cards, run = 0, 0
         for y in range(90, self.lowest_panel_row() - 20):
             lighter = sum(self.at(x, y)) - sum(self.at(beside, y)) >= 12

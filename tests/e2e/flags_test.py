@@ -5,7 +5,7 @@ import os
 import time
 import unittest
 
-from desktop import NOTCH, WIDTH, Desktop
+from desktop import BRIEF_RIGHT, NOTCH, WIDTH, Desktop
 
 MORNING = "# Morning\n### Schedule\n- **Alpha** report\n- **Beta** call\n- **Gamma** lunch\n- [ ] 💼 Send the deck\n"
 CARD_Y = (146, 187, 228)
@@ -44,7 +44,7 @@ class Flags(unittest.TestCase):
 
     def is_priority(self, card):
         """Whether the card is drawn in the colour of priorities."""
-        red, _, blue = self.desktop.screenshot().at(WIDTH // 2 + 200, CARD_Y[card])
+        red, _, blue = self.desktop.screenshot().at(BRIEF_RIGHT - 20, CARD_Y[card])
         return red - blue > 20
 
     def test_flags_reach_the_agent_and_survive_a_restart(self):

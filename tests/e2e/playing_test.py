@@ -8,7 +8,7 @@ import time
 import unittest
 import urllib.request
 
-from desktop import NOTCH, PANEL_LEFT, PANEL_RIGHT, Desktop
+from desktop import BRIEF_LEFT, BRIEF_RIGHT, NOTCH, Desktop
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 import media  # noqa: E402
@@ -16,8 +16,8 @@ import media  # noqa: E402
 BRIEFING = "# Morning\n### Schedule\n- **Alpha** report\n"
 # The strip below one section with one card, and on it the cover and the buttons, counted from the right.
 STRIP_Y = 206
-COVER_X = PANEL_LEFT + 30 + 20 + 8 + 15
-BUTTON_X = [PANEL_RIGHT - 30 - 20 - 8 - 11 - 26 * i for i in range(4)]
+COVER_X = BRIEF_LEFT + 8 + 15
+BUTTON_X = [BRIEF_RIGHT - 8 - 11 - 26 * i for i in range(4)]
 MUTE, NEXT, PLAY, PREVIOUS = BUTTON_X
 
 

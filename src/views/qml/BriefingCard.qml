@@ -1,11 +1,14 @@
 import QtQuick
 import Sunpane
 
-// Everything inside the open panel: the header with the way from day to day, and the column.
+// Everything inside the open panel: the header with the way from day to day, and below it the briefing and the todos.
 Item {
     id: card
 
     required property var presenter
+    readonly property real todoWidth: 254
+    readonly property real columnGap: 14
+    readonly property real briefWidth: width - 2 * Style.margin - columnGap - todoWidth
 
     // Wherever no card has a menu of its own.
     MouseArea {
@@ -103,7 +106,7 @@ Item {
         x: Style.margin
         anchors.top: header.bottom
         anchors.topMargin: 14
-        width: parent.width - 2 * Style.margin
+        width: card.briefWidth
         height: (strip.implicitHeight + Style.gap) * shownPart
         visible: shownPart > 0
         clip: shownPart < 1
@@ -133,7 +136,7 @@ Item {
         // As high as its content, so that what plays stands right below it.
         height: playing.shown && card.presenter.hasBriefing ? Math.min(contentHeight, room) : room
         readonly property real room: parent.height - y - Style.margin - 8 - playing.height
-        width: parent.width - 2 * Style.margin
+        width: card.briefWidth
         onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => {
             menu.openAt(item, x, y, qsTr("Card"), card.cardChoices(item, sectionId, index), byKeyboard);
         }
@@ -145,7 +148,7 @@ Item {
         property real shownPart: shown ? 1 : 0
         x: Style.margin
         y: column.y + column.height
-        width: parent.width - 2 * Style.margin
+        width: card.briefWidth
         height: (playingStrip.implicitHeight + Style.gap) * shownPart
         visible: shownPart > 0
         opacity: shownPart
@@ -164,6 +167,16 @@ Item {
             y: Style.gap
             height: implicitHeight
         }
+    }
+
+    TodoColumn {
+        presenter: card.presenter.todos
+        anchors.top: header.bottom
+        anchors.topMargin: 14
+        anchors.right: parent.right
+        anchors.rightMargin: Style.margin
+        width: card.todoWidth
+        height: parent.height - y - Style.margin - 8
     }
 
     PanelMenu {

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <memory>
+
+#include "app/NotchUndo.h"
+#include "app/NotchViewModel.h"
+#include "base/RunLoop.h"
+#include "base/Subscription.h"
+#include "calendar/CalendarFallback.h"
+#include "views/SpringCurve.h"
+#include "views/TodoListModel.h"
+
+namespace sunpane {
+
+/// Carries the todo list to the panel's todo column and what the user does there back. Holds no rules. Part of the
+/// PanelPresenter; main thread only. An id that is not in the list any more does nothing.
+class TodoColumnPresenter : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(sunpane::TodoListModel* list READ list CONSTANT)
+    Q_PROPERTY(int doneCount READ doneCount NOTIFY changed)
+    /// The id of the todo that was revealed a moment ago; empty when there is none.
+    Q_PROPERTY(QString highlighted READ highlighted NOTIFY changed)
+    /// How the rows move that the latest change concerns.
+    Q_PROPERTY(sunpane::SpringCurve motion READ motion NOTIFY motionChanged)
+    /// How a row leaves the list's grid under the pointer, and how one springs back that was let go too early.
+    Q_PROPERTY(sunpane::SpringCurve liftSpring READ liftSpring CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve returnSpring READ returnSpring CONSTANT)
+    /// How far a row must be swiped.
+    Q_PROPERTY(qreal swipeThreshold READ swipeThreshold CONSTANT)
+    Q_PROPERTY(qreal rowHeight READ rowHeight CONSTANT)
+
+public:
+    struct Collaborators {
+        NotchViewModel& viewModel;
+        CalendarFallback& calendar;
+        NotchUndo& undo;
+        RunLoop& runLoop;
+        Clock& clock;
+        LocalNotifications& notifications;
+    };
+
+    /// The panel takes the keyboard that long (s) after it was opened to write down a todo.
+    static constexpr Seconds captureDelay = 0.25;
+
+    explicit TodoColumnPresenter(const Collaborators& collaborators);
+
+    TodoListModel* list() { return &list_; }
+    int doneCount() const { return doneCount_; }
+    const QString& highlighted() const { return highlighted_; }
+    const SpringCurve& motion() const { return motion_; }
+    SpringCurve liftSpring() const { return liftSpring_; }
+    SpringCurve returnSpring() const { return returnSpring_; }
+    static qreal swipeThreshold();
+    static qreal rowHeight();
+
+    /// Whether the panel is open only to write down one todo.
+    bool isCapturing() const { return capturing_; }
+
+    /// Adds what was typed; that ends a capture and folds the panel.
+    Q_INVOKABLE void submit(const QString& text);
+    /// Folds the panel at the user's wish.
+    Q_INVOKABLE void collapse();
+
+    Q_INVOKABLE void toggle(const QString& id);
+    Q_INVOKABLE void togglePriority(const QString& id);
+    Q_INVOKABLE void remove(const QString& id);
+    /// The panel gets the keyboard for the text that is about to be edited.
+    Q_INVOKABLE void editBegins();
+    Q_INVOKABLE void rename(const QString& id, const QString& text);
+    /// Ends a swipe of `dx`; false when it did not go far enough.
+    Q_INVOKABLE bool swipe(const QString& id, qreal dx);
+    Q_INVOKABLE bool isVerticalDrag(qreal dx, qreal dy) const;
+    /// The row on which a row that was dragged down by `dy` would land.
+    Q_INVOKABLE int dropRow(int startRow, qreal dy) const;
+    Q_INVOKABLE void moveTo(const QString& id, int row);
+    Q_INVOKABLE void addDropped(const QString& text);
+
+signals:
+    void changed();
+    void motionChanged();
+    /// The capture field is to take the keyboard.
+    void captureFocusRequested();
+    /// What was done without words on the screen, for those who hear the program.
+    void announced(const QString& text);
+
+private:
+    TodoStore& todos() { return with_.viewModel.todoStore(); }
+    void scheduleRefresh();
+    void refresh();
+    void beginCapture();
+    // What follows moves with this spring.
+    void moveWith(const Spring& spring);
+    std::optional<Todo> find(const QString& id);
+
+    Collaborators with_;
+    TodoListModel list_;
+    int doneCount_ = 0;
+    QString highlighted_;
+    SpringCurve motion_;
+    SpringCurve liftSpring_{Spring{0.2, 1.0}};
+    SpringCurve returnSpring_{Spring{0.3, 0.7}};
+    bool capturing_ = false;
+    Subscription captureFocus_;
+    Subscription captureRequests_;
+    Subscription collapses_;
+    Subscription storeChanges_;
+    Subscription modelChanges_;
+    bool refreshPosted_ = false;
+    // Posted tasks hold this weakly.
+    std::shared_ptr<TodoColumnPresenter*> self_;
+};
+
+}  // namespace sunpane

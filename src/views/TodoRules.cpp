@@ -1,0 +1,36 @@
+#include "views/TodoRules.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Dates.h"
+
+namespace sunpane::todo_rules {
+
+Axis dragAxis(double dx, double dy) {
+    return std::abs(dy) >= std::abs(dx) ? Axis::vertical : Axis::horizontal;
+}
+
+std::size_t dropIndex(std::size_t startIndex, double dy, std::size_t count) {
+    const double target = static_cast<double>(startIndex) + std::round(dy / rowHeight);
+    return static_cast<std::size_t>(std::clamp(target, 0.0, static_cast<double>(count - 1)));
+}
+
+Swipe swipeOutcome(double dx) {
+    if (dx > swipeThreshold) return Swipe::togglePriority;
+    if (dx < -swipeThreshold) return Swipe::remove;
+    return Swipe::none;
+}
+
+std::string reminderTooltip(const Todo& todo, const Clock& clock) {
+    if (!todo.remindAt) return {};
+    std::string text = "Reminder: " + LocalCalendar(clock).dateAndTime(*todo.remindAt);
+    if (todo.remindRepeat) text += " · repeats " + *todo.remindRepeat;
+    return text;
+}
+
+std::string addToCalendarHelp(Instant date, const Clock& clock) {
+    return "Add to Calendar — " + LocalCalendar(clock).format(date, "EEE d MMM, HH:mm");
+}
+
+}  // namespace sunpane::todo_rules
