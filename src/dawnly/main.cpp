@@ -24,6 +24,8 @@
 #include "linux/desktop/ToolkitChoice.h"
 #include "linux/desktop/X11EventMonitors.h"
 #include "linux/desktop/X11Events.h"
+#include "linux/desktop/X11Hotkeys.h"
+#include "linux/desktop/X11WindowSpaces.h"
 #include "linux/players/PlayerAdapters.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
@@ -111,11 +113,12 @@ private:
     sunpane::PanelAssembly windows_{{viewModel_, meetings_, calendar_, nowPlaying_, runLoop_, clock_, notifications_,
                                      defaults_, workspace_, scrollSwipes_},
                                     x11Events_};
-    // Control+Space is nobody's until the desktop's adapter comes.
-    sunpane::HotkeyManager hotkey_{nullptr, defaults_, notifications_};
-    sunpane::PinnedSpace pinnedSpace_{nullptr, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
+    sunpane::X11Hotkeys hotkeys_{x11Events_};
+    sunpane::HotkeyManager hotkey_{&hotkeys_, defaults_, notifications_};
+    sunpane::X11WindowSpaces spaces_{x11Events_};
+    sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
     sunpane::NotchController controller_{
-        {clock_, runLoop_, screens_, monitors_, windows_, workspace_, nullptr, pinnedSpace_, distributed_,
+        {clock_, runLoop_, screens_, monitors_, windows_, workspace_, &spaces_, pinnedSpace_, distributed_,
          notifications_, viewModel_, [this] { return theme_.themeName(); },
          [](const std::string& json) { sunpane::replaceReport(sunpane::StateReport::path, json); }}};
     sunpane::Subscription expandRequests_;

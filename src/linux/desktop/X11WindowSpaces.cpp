@@ -46,13 +46,14 @@ WindowSpaces::SpaceID X11WindowSpaces::activeSpace() const {
 std::optional<std::int32_t> X11WindowSpaces::type(SpaceID space) const {
     if (space == 0 || space != activeSpace()) return std::nullopt;
     const xcb_window_t active = events_.activeWindow();
-    if (active == XCB_NONE) return ordinaryType;
+    if (active == XCB_NONE) return ordinary;
     const auto states = events_.readProperty(active, stateAtom_, mostStates);
     const bool isFullScreen = std::find(states.begin(), states.end(), fullScreenAtom_) != states.end();
-    return isFullScreen ? fullScreenType : ordinaryType;
+    return isFullScreen ? fullScreen : ordinary;
 }
 
 Subscription X11WindowSpaces::onActiveSpaceChanged(std::function<void()> handler) {
+    if (!events_.isConnected()) return {};
     return handlers_.add(std::move(handler));
 }
 

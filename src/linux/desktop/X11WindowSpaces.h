@@ -36,8 +36,6 @@ public:
     void destroy(SpaceID space) override;
 
 private:
-    static constexpr std::int32_t ordinaryType = 0;
-    static constexpr std::int32_t fullScreenType = 4;
     /// Two programs that both insist on the top must not raise in turns without end: after this many raises in a row
     /// there is a rest of so many milliseconds.
     static constexpr int mostRaisesInARow = 20;
