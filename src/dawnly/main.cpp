@@ -1,6 +1,7 @@
-#include <QCommandLineParser>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QQuickWindow>
+#include <cstdlib>
 #include <iostream>
 
 #include "app/NotchViewModel.h"
@@ -10,6 +11,8 @@
 #include "base/AppIdentity.h"
 #include "calendar/CalendarFallback.h"
 #include "calendar/MeetingWatcher.h"
+#include "core/briefing/FolderBriefingProvider.h"
+#include "dawnly/CommandLine.h"
 #include "dawnly/PanelAssembly.h"
 #include "dawnly/TerminationSignals.h"
 #include "linux/calendar/DesktopCalendarStore.h"
@@ -30,6 +33,7 @@
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
+#include "linux/system/OwnBundle.h"
 #include "linux/system/PosixFileSystem.h"
 #include "linux/system/ReportFile.h"
 #include "linux/system/SystemClock.h"
@@ -48,20 +52,27 @@
 
 namespace {
 
+Q_LOGGING_CATEGORY(programLog, "dawnly.program")
+
 /// The parts of the running program, in the order in which they need each other.
 class Program {
 public:
     Program() {
-        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand",
-                                               [this] { notifications_.post(sunpane::notification::revealTodo); });
+        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand", [this] {
+            qCInfo(programLog) << "asked to unfold";
+            notifications_.post(sunpane::notification::revealTodo);
+        });
         hotkey_.registerAnew();
         controller_.show();
         wakes_ = workspace_.observeWake([this] {
+            qCInfo(programLog) << "the machine woke up";
             notificationCenter_.wallClockChanged();
             meetings_.refresh(false);
         });
         // Last, when everything that can be asked for is listened for.
         sunpane::claimBusName();
+        qCInfo(programLog) << "settings in" << sunpane::JsonUserDefaults::defaultPath().c_str() << "and briefings in"
+                           << sunpane::FolderBriefingProvider::currentDirectory(defaults_).c_str();
     }
 
 private:
@@ -128,6 +139,9 @@ private:
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    const sunpane::CommandLine commandLine = sunpane::readCommandLine(argc, argv);
+    if (commandLine.exitCode) return *commandLine.exitCode;
+    sunpane::chooseLogging(commandLine.isVerbose);
     sunpane::choosePlatform();
     sunpane::chooseRenderer();
     QCoreApplication::setApplicationName(QStringLiteral("dawnly"));
@@ -137,11 +151,10 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     const QGuiApplication application(argc, argv);
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Shows the day's briefing in a panel under the notch."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.process(application);
+    if (!sunpane::areUnderstood(QCoreApplication::arguments().mid(1))) return EXIT_FAILURE;
+    qCInfo(programLog) << "version" << SUNPANE_VERSION << "in" << sunpane::ownBundlePath().c_str() << "on"
+                       << QGuiApplication::platformName() << "with renderer"
+                       << qEnvironmentVariable("QT_QUICK_BACKEND", QStringLiteral("rhi"));
 
     sunpane::quitOnTerminationSignals();
     const Program program;

@@ -1,0 +1,54 @@
+#include "dawnly/CommandLine.h"
+
+#include <QLoggingCategory>
+#include <iostream>
+#include <string_view>
+
+namespace sunpane {
+namespace {
+
+constexpr std::string_view verboseOption = "--verbose";
+
+constexpr std::string_view help =
+    "Usage: dawnly [OPTION]\n"
+    "Shows the day's briefing in a panel under the notch. A copy that runs already is replaced.\n"
+    "\n"
+    "  --verbose      tell on standard error what happens\n"
+    "  -h, --help     print this text\n"
+    "  -v, --version  print the version\n"
+    "\n"
+    "Options of the Qt toolkit, such as -platform, are understood too. dawnlyctl speaks to the running program.\n";
+
+}  // namespace
+
+CommandLine readCommandLine(int argc, const char* const* argv) {
+    CommandLine commandLine;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == verboseOption) commandLine.isVerbose = true;
+        const bool asksForHelp = argument == "--help" || argument == "-h";
+        const bool asksForVersion = argument == "--version" || argument == "-v";
+        if (!asksForHelp && !asksForVersion) continue;
+        std::cout << (asksForHelp ? help : "dawnly " SUNPANE_VERSION "\n") << std::flush;
+        commandLine.exitCode = std::cout ? 0 : 1;
+        break;
+    }
+    return commandLine;
+}
+
+bool areUnderstood(const QStringList& arguments) {
+    for (const QString& argument : arguments) {
+        if (argument == QLatin1String(verboseOption.data())) continue;
+        std::cerr << "dawnly: there is no option " << argument.toStdString() << "; see dawnly --help\n";
+        return false;
+    }
+    return true;
+}
+
+void chooseLogging(bool isVerbose) {
+    qSetMessagePattern(QStringLiteral("dawnly: %{message}"));
+    QLoggingCategory::setFilterRules(isVerbose ? QStringLiteral("*.debug=false\ndawnly.*=true")
+                                               : QStringLiteral("*.debug=false\n*.info=false"));
+}
+
+}  // namespace sunpane
