@@ -5,6 +5,7 @@ namespace sunpane::notification {
 
 inline constexpr const char* briefingsFolderChanged = "briefingsFolderChanged";
 inline constexpr const char* collapseNotch = "collapseNotch";
+inline constexpr const char* showSettings = "showSettings";
 /// With a todo's UUID as its object, or with none.
 inline constexpr const char* revealTodo = "revealTodo";
 /// The user pressed the hotkey: opens the panel to write a todo down, or folds it when it is open.

@@ -19,6 +19,10 @@ public:
     /// browser nothing happens.
     virtual void openUrl(const std::string& url) = 0;
 
+    /// Opens the desktop's settings of online accounts, such as of a calendar on the web. Returns at once; nothing
+    /// happens where the desktop has none.
+    virtual void openAccountSettings() = 0;
+
     /// Calls `handler` after the machine woke from sleep.
     [[nodiscard]] virtual Subscription observeWake(std::function<void()> handler) = 0;
 

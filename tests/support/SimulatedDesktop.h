@@ -126,6 +126,7 @@ class SimulatedWorkspace : public Workspace {
 public:
     void revealFolder(const std::string& path) override { revealed.push_back(path); }
     void openUrl(const std::string& url) override { opened.push_back(url); }
+    void openAccountSettings() override {}
     Subscription observeWake(std::function<void()> handler) override { return wakes_.add(std::move(handler)); }
     Subscription onApplicationActivated(std::function<void()> handler) override {
         return activations_.add(std::move(handler));

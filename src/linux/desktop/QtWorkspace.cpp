@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
+#include <QProcess>
+#include <QStringList>
 #include <QUrl>
 #include <utility>
 
@@ -26,6 +28,20 @@ void QtWorkspace::openUrl(const std::string& url) {
     // The address may come from anyone who sends an invitation.
     const bool isWeb = parsed.scheme() == QLatin1String("http") || parsed.scheme() == QLatin1String("https");
     if (isWeb && !parsed.host().isEmpty()) QDesktopServices::openUrl(parsed);
+}
+
+void QtWorkspace::openAccountSettings() {
+    // GNOME's, Plasma's of two generations, and where calendars on the web can be added without either.
+    struct Command {
+        const char* program;
+        QStringList arguments;
+    };
+    for (const auto& [program, arguments] : {Command{"gnome-control-center", {QStringLiteral("online-accounts")}},
+                                             Command{"systemsettings", {QStringLiteral("kcm_kaccounts")}},
+                                             Command{"systemsettings5", {QStringLiteral("kcm_kaccounts")}},
+                                             Command{"gnome-calendar", {}}, Command{"evolution", {}}}) {
+        if (QProcess::startDetached(QString::fromLatin1(program), arguments)) return;
+    }
 }
 
 Subscription QtWorkspace::observeWake(std::function<void()> handler) {

@@ -18,6 +18,7 @@ public:
 
     void revealFolder(const std::string& path) override;
     void openUrl(const std::string& url) override;
+    void openAccountSettings() override;
     Subscription observeWake(std::function<void()> handler) override;
     Subscription onApplicationActivated(std::function<void()> handler) override;
     void terminate() override;
