@@ -88,7 +88,7 @@ private:
                                     sunpane::xdg::stateFolder()};
     sunpane::X11Events x11Events_;
     sunpane::QtScreens screens_{defaults_};
-    sunpane::X11EventMonitors monitors_{x11Events_};
+    sunpane::X11EventMonitors monitors_{x11Events_, runLoop_};
     sunpane::DBusDistributedNotifications distributed_;
     sunpane::ThemeStore theme_{defaults_};
     sunpane::CalendarPrompt calendarPrompt_;

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QInputMethodQueryEvent>
+#include <QWheelEvent>
 #include <utility>
 
 #include "linux/desktop/ScreenCoordinates.h"
@@ -20,9 +21,11 @@ bool isInTextField(QObject* focus) {
 
 }  // namespace
 
-X11EventMonitors::X11EventMonitors(X11Events& events) : events_(events) {
+X11EventMonitors::X11EventMonitors(X11Events& events, RunLoop& runLoop)
+    : events_(events), gestures_(runLoop, [this](const ScrollEvent& event) { return tellScroll(event); }) {
     connect(&events_, &X11Events::pointerMoved, this, [this] { global_.call(); });
     connect(&events_, &X11Events::mouseDownElsewhere, this, [this] { mouseDown_.call(); });
+    connect(&events_, &X11Events::scrolled, this, [this](const ScrollStep& step) { gestures_.take(step); });
     qGuiApp->installEventFilter(this);
 }
 
@@ -44,8 +47,19 @@ Subscription X11EventMonitors::onGlobalMouseDown(std::function<void()> handler) 
     return mouseDown_.add(std::move(handler));
 }
 
-Subscription X11EventMonitors::onLocalScroll(std::function<bool(const ScrollEvent&)> /*handler*/) {
-    return {};
+Subscription X11EventMonitors::onLocalScroll(std::function<bool(const ScrollEvent&)> handler) {
+    if (!events_.isConnected()) return {};
+    return scrolled_.add([handler = std::move(handler)](const ScrollEvent& event, bool& swallowed) {
+        swallowed = swallowed || handler(event);
+    });
+}
+
+bool X11EventMonitors::tellScroll(const ScrollEvent& event) {
+    // The server tells of scrolling over other programs' windows too. The pointer rests while fingers scroll.
+    if (event.phase == ScrollPhase::began) gestureIsOverUs_ = events_.isPointerOverUs();
+    bool swallowed = false;
+    if (gestureIsOverUs_) scrolled_.call(event, swallowed);
+    return swallowed;
 }
 
 Subscription X11EventMonitors::onLocalKeyDown(std::function<bool(const KeyEvent&)> handler) {
@@ -70,6 +84,11 @@ bool X11EventMonitors::swallowsKey(const QKeyEvent& event) const {
 bool X11EventMonitors::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress && watched->isWindowType() && swallowsKey(static_cast<QKeyEvent&>(*event)))
         return true;
+    if (event->type() == QEvent::Wheel && watched->isWindowType()) {
+        // The two connections to the server do not run in step.
+        events_.readEvents();
+        if (gestures_.swallowed(static_cast<const QWheelEvent*>(event)->timestamp())) return true;
+    }
     if (event->type() == QEvent::MouseMove && watched->isWindowType()) local_.call();
     return QObject::eventFilter(watched, event);
 }

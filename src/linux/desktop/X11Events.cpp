@@ -118,11 +118,18 @@ void X11Events::selectRawEvents() {
         connection_.get(), xcb_input_xi_query_version(connection_.get(), 2, 2), nullptr));
     if (!version || version->major_version < 2) return;
     xinputOpcode_ = extension->major_opcode;
+    selectInput(XCB_INPUT_DEVICE_ALL_MASTER,
+                XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
+    // Devices come and go, and are set up anew in the desktop's settings.
+    selectInput(XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY | XCB_INPUT_XI_EVENT_MASK_PROPERTY);
+    scrollDevices_.emplace(connection_.get());
+}
+
+void X11Events::selectInput(xcb_input_device_id_t device, std::uint32_t mask) {
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
-    } const selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-                      XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS};
+    } const selection{{device, 1}, mask};
     xcb_input_xi_select_events(connection_.get(), screen_->root, 1, &selection.head);
 }
 
@@ -177,10 +184,7 @@ bool X11Events::handle(const xcb_generic_event_t& event) {
     const std::uint8_t type = event.response_type & 0x7F;
     if (type == XCB_GE_GENERIC) {
         const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-        if (generic.extension != xinputOpcode_) return false;
-        if (generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS)
-            pressed(reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event).detail);
-        return generic.event_type == XCB_INPUT_RAW_MOTION;
+        return generic.extension == xinputOpcode_ && handleInput(generic);
     }
     if (xfixesFirstEvent_ != 0 && type == xfixesFirstEvent_ + XCB_XFIXES_SELECTION_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
@@ -198,6 +202,24 @@ bool X11Events::handle(const xcb_generic_event_t& event) {
     return false;
 }
 
+bool X11Events::handleInput(const xcb_ge_generic_event_t& event) {
+    switch (event.event_type) {
+        case XCB_INPUT_RAW_BUTTON_PRESS:
+            pressed(reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event).detail);
+            return false;
+        case XCB_INPUT_RAW_MOTION:
+            if (const auto step = scrollDevices_->read(reinterpret_cast<const xcb_input_raw_motion_event_t&>(event)))
+                emit scrolled(*step);
+            return true;
+        case XCB_INPUT_HIERARCHY:
+        case XCB_INPUT_PROPERTY:
+            scrollDevices_->forget();
+            return false;
+        default:
+            return false;
+    }
+}
+
 void X11Events::handleRootEvent(const xcb_generic_event_t& event, std::uint8_t type) {
     if (type == XCB_PROPERTY_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
@@ -212,11 +234,15 @@ void X11Events::handleRootEvent(const xcb_generic_event_t& event, std::uint8_t t
     }
 }
 
-void X11Events::pressed(std::uint32_t button) {
-    if (button != XCB_BUTTON_INDEX_1 && button != XCB_BUTTON_INDEX_3) return;
+bool X11Events::isPointerOverUs() const {
     const auto pointer =
         own(xcb_query_pointer_reply(connection_.get(), xcb_query_pointer(connection_.get(), screen_->root), nullptr));
-    if (pointer && !isOurTopLevel(pointer->child)) emit mouseDownElsewhere();
+    return pointer && isOurTopLevel(pointer->child);
+}
+
+void X11Events::pressed(std::uint32_t button) {
+    if (button != XCB_BUTTON_INDEX_1 && button != XCB_BUTTON_INDEX_3) return;
+    if (!isPointerOverUs()) emit mouseDownElsewhere();
 }
 
 void X11Events::activeWindowChanged() {

@@ -6,15 +6,18 @@
 #include <QSocketNotifier>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "linux/desktop/X11ScrollDevices.h"
 #include "linux/desktop/XcbReply.h"
 
 namespace sunpane {
 
 /// What the X server tells about the whole screen rather than about our own windows, heard on a connection of its
-/// own: raw pointer motion (XInput 2), a compositor that comes or goes, windows that are put above others, grabbed
-/// keys, what the window manager writes on the root window. Without an X server it stays silent. Main thread only.
+/// own: raw pointer motion and scrolling (XInput 2), a compositor that comes or goes, windows that are put above
+/// others, grabbed keys, what the window manager writes on the root window. Without an X server it stays silent. Main
+/// thread only.
 class X11Events : public QObject {
     Q_OBJECT
 
@@ -36,12 +39,18 @@ public:
     xcb_window_t activeWindow() const;
     /// The server's time now, which orders changes of the focus. Costs a round trip.
     xcb_timestamp_t serverTime();
+    /// Whether the pointer is over a window of ours that takes it. Costs a round trip.
+    bool isPointerOverUs() const;
+    /// Tells what has come in by now, before the event loop would.
+    void readEvents();
     /// Whether a child of the root window is a window of ours, or the window manager's frame around one.
     bool isOurTopLevel(xcb_window_t window) const;
 
 signals:
     /// The pointer moved, wherever it is. One signal may stand for several movements.
     void pointerMoved();
+    /// A scroll axis moved, wherever the pointer is.
+    void scrolled(const sunpane::ScrollStep& step);
     /// The left or the right button went down over a window of another program.
     void mouseDownElsewhere();
     /// Another program's window became the active one.
@@ -59,11 +68,12 @@ signals:
 
 private:
     void selectRawEvents();
+    void selectInput(xcb_input_device_id_t device, std::uint32_t mask);
     void watchCompositor();
     void watchRoot();
-    void readEvents();
     XcbReply<xcb_generic_event_t> nextEvent();
     bool handle(const xcb_generic_event_t& event);
+    bool handleInput(const xcb_ge_generic_event_t& event);
     void handleRootEvent(const xcb_generic_event_t& event, std::uint8_t type);
     void pressed(std::uint32_t button);
     void activeWindowChanged();
@@ -73,6 +83,7 @@ private:
     };
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
     std::unique_ptr<QSocketNotifier> notifier_;
+    std::optional<X11ScrollDevices> scrollDevices_;  // while there is XInput 2
     // Came while something else was waited for.
     std::deque<XcbReply<xcb_generic_event_t>> deferred_;
     xcb_screen_t* screen_ = nullptr;        // owned by the connection
