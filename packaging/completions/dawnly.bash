@@ -1,0 +1,2 @@
+# Completion of dawnly for bash.
+complete -W "--verbose --help --version" dawnly
