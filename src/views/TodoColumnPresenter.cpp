@@ -59,6 +59,8 @@ void TodoColumnPresenter::refresh() {
 
 void TodoColumnPresenter::beginCapture() {
     capturing_ = true;
+    // At once, so that a quick typist loses no letter, and again when the panel's content surely exists.
+    emit captureFocusRequested();
     captureFocus_ = with_.runLoop.after(captureDelay, [this] { emit captureFocusRequested(); });
 }
 
