@@ -13,6 +13,7 @@
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/ToolkitChoice.h"
+#include "linux/desktop/X11Backdrop.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
 #include "linux/system/InotifyFolderEvents.h"
@@ -88,14 +89,18 @@ int main(int argc, char* argv[]) {
     QtWorkspace workspace{events};
     testing::SimulatedPointer pointer;
     ScrollSwipeHub scrollSwipes(pointer);
+    X11Backdrop backdrop{events};
+    ThemeStore theme{defaults};
     RootWindow::registerTypes();
     QQmlEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/"));
     auto presenter = std::make_unique<PanelPresenter>(
-        PanelPresenter::Collaborators{model, agenda.meetings, players.nowPlaying, runLoop, clock, notifications,
-                                      defaults, workspace, scrollSwipes},
+        PanelPresenter::Collaborators{model, agenda.meetings, agenda.fallback, players.nowPlaying, runLoop, clock,
+                                      notifications, defaults, workspace, scrollSwipes},
         PanelPresenter::Measures{{200, 32}, 720, 680});
-    auto root = std::make_unique<RootWindow>(engine, std::move(presenter));
+    auto root = std::make_unique<RootWindow>(
+        engine, std::move(presenter),
+        PanelBackground::Collaborators{theme, backdrop, runLoop, queues, [] { return 0; }});
     RootWindow& window = *root;
     X11PanelWindow panel(std::move(root), {250, 64, 780, 736}, events);
     QObject::connect(&window, &RootWindow::outlineChanged, &panel, &X11PanelWindow::setOutline);

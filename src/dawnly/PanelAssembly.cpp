@@ -27,8 +27,9 @@ private:
 
 }  // namespace
 
-PanelAssembly::PanelAssembly(PanelPresenter::Collaborators collaborators, X11Events& events)
-    : collaborators_(collaborators), events_(events) {
+PanelAssembly::PanelAssembly(PanelPresenter::Collaborators collaborators, PanelBackground::Collaborators background,
+                             X11Events& events)
+    : collaborators_(collaborators), background_(std::move(background)), events_(events) {
     RootWindow::registerTypes();
     engine_.addImportPath(QStringLiteral("qrc:/"));
 }
@@ -40,7 +41,8 @@ std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& 
         root_->presenter().setMeasures(measures);
         window_->setFrame(frame);
     } else {
-        auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures));
+        auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures),
+                                                 background_);
         root_ = root.get();
         window_ = std::make_unique<X11PanelWindow>(std::move(root), frame, events_);
         QObject::connect(root_, &RootWindow::outlineChanged, window_.get(), &X11PanelWindow::setOutline);

@@ -6,6 +6,7 @@
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
 #include "platform/PanelWindow.h"
+#include "views/PanelBackground.h"
 #include "views/PanelPresenter.h"
 #include "views/RootWindow.h"
 
@@ -18,13 +19,15 @@ namespace sunpane {
 /// one panel exists at a time.
 class PanelAssembly : public PanelWindows {
 public:
-    PanelAssembly(PanelPresenter::Collaborators collaborators, X11Events& events);
+    PanelAssembly(PanelPresenter::Collaborators collaborators, PanelBackground::Collaborators background,
+                  X11Events& events);
 
     std::unique_ptr<PanelWindow> make(const Rect& frame, const Size& notchSize, double cardWidth,
                                       double maxCardHeight) override;
 
 private:
     PanelPresenter::Collaborators collaborators_;
+    PanelBackground::Collaborators background_;
     X11Events& events_;
     QQmlEngine engine_;
     // Both are null until the first panel is made. The presenter and the content are the window's.

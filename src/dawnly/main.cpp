@@ -25,6 +25,7 @@
 #include "linux/desktop/QtScreens.h"
 #include "linux/desktop/QtWorkspace.h"
 #include "linux/desktop/ToolkitChoice.h"
+#include "linux/desktop/X11Backdrop.h"
 #include "linux/desktop/X11EventMonitors.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11Hotkeys.h"
@@ -121,9 +122,12 @@ private:
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::ScrollSwipeHub scrollSwipes_{monitors_};
     sunpane::UndoKey undoKey_{monitors_, sunpane::NotchUndo::shared()};
-    sunpane::PanelAssembly windows_{{viewModel_, meetings_, calendar_, nowPlaying_, runLoop_, clock_, notifications_,
-                                     defaults_, workspace_, scrollSwipes_},
-                                    x11Events_};
+    sunpane::X11Backdrop backdrop_{x11Events_};
+    sunpane::PanelAssembly windows_{
+        {viewModel_, meetings_, calendar_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_,
+         scrollSwipes_},
+        {theme_, backdrop_, runLoop_, queues_, [this] { return pinnedSpace_.generation(); }},
+        x11Events_};
     sunpane::X11Hotkeys hotkeys_{x11Events_};
     sunpane::HotkeyManager hotkey_{&hotkeys_, defaults_, notifications_};
     sunpane::X11WindowSpaces spaces_{x11Events_};

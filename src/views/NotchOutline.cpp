@@ -1,6 +1,5 @@
 #include "views/NotchOutline.h"
 
-#include <QLinearGradient>
 #include <QPainter>
 
 #include "notch/NotchShape.h"
@@ -23,6 +22,7 @@ void NotchOutline::geometryChange(const QRectF& newGeometry, const QRectF& oldGe
     polish();
 }
 
+// Open along the top edge, where the screen ends and no line is drawn.
 QPainterPath NotchOutline::path() const {
     const NotchShape shape{bottomRadius_, topRadius_};
     const auto outline = shape.path({(width() - cardWidth_) / 2, 0, cardWidth_, cardHeight_});
@@ -35,7 +35,6 @@ QPainterPath NotchOutline::path() const {
             path.quadTo(toQt(segment.control), toQt(segment.end));
         }
     }
-    path.closeSubpath();
     return path;
 }
 
@@ -44,14 +43,15 @@ void NotchOutline::updatePolish() {
     update();
 }
 
+void NotchOutline::setBackground(PanelBackground* background) {
+    background_ = background;
+    connect(background, &PanelBackground::changed, this, [this] { update(); });
+    update();
+}
+
 void NotchOutline::paint(QPainter* painter) {
-    QLinearGradient fill(0, 0, 0, cardHeight_);
-    fill.setColorAt(0, topColor_);
-    fill.setColorAt(1, bottomColor_);
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->fillPath(path(), fill);
-    if (edgeColor_.alpha() > 0) painter->strokePath(path(), QPen(edgeColor_, 1));
+    if (background_ != nullptr)
+        background_->paint(*painter, path(), {cardHeight_, notchHeight_, headerBottom_, openness_});
 }
 
 }  // namespace sunpane

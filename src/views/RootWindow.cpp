@@ -23,8 +23,13 @@ void RootWindow::registerTypes() {
     qmlRegisterType<SymbolIcon>("Sunpane", 1, 0, "SymbolIcon");
 }
 
-RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter)
-    : presenter_(std::move(presenter)) {
+RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter,
+                       const PanelBackground::Collaborators& background)
+    : presenter_(std::move(presenter)), background_(background, [this] {
+          return PanelBackdrop::Window{winId(),
+                                       {static_cast<double>(width()), static_cast<double>(height())},
+                                       {presenter_->notchWidth(), presenter_->notchHeight()}};
+      }) {
     QSurfaceFormat clear = format();
     clear.setAlphaBufferSize(8);
     setFormat(clear);
@@ -34,7 +39,8 @@ RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> prese
     QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/Sunpane/NotchRootView.qml")));
     // The views are part of the program: one that does not load is a build gone wrong.
     if (!component.isReady()) qFatal("%s", qPrintable(component.errorString()));
-    const QVariantMap properties{{QStringLiteral("presenter"), QVariant::fromValue<QObject*>(presenter_.get())}};
+    const QVariantMap properties{{QStringLiteral("presenter"), QVariant::fromValue<QObject*>(presenter_.get())},
+                                 {QStringLiteral("background"), QVariant::fromValue<QObject*>(&background_)}};
     rootView_.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties)));
     if (!rootView_) qFatal("%s", qPrintable(component.errorString()));
     rootView_->setParentItem(contentItem());

@@ -5,6 +5,7 @@
 #include <QQuickWindow>
 #include <memory>
 
+#include "views/PanelBackground.h"
 #include "views/PanelPresenter.h"
 
 namespace sunpane {
@@ -16,7 +17,8 @@ class RootWindow : public QQuickWindow {
 
 public:
     /// `engine` outlives the window.
-    RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter);
+    RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter,
+               const PanelBackground::Collaborators& background);
     ~RootWindow() override;
 
     PanelPresenter& presenter() { return *presenter_; }
@@ -30,6 +32,7 @@ signals:
 
 private:
     std::unique_ptr<PanelPresenter> presenter_;
+    PanelBackground background_;
     std::unique_ptr<QQuickItem> rootView_;
 };
 

@@ -60,7 +60,7 @@ class Screenshot:
 
 
 class Desktop:
-    def __init__(self, compositor=False, window_manager=False, calendar_access="denied"):
+    def __init__(self, compositor=False, window_manager=False, calendar_access="denied", settings=None):
         self.home = tempfile.mkdtemp(prefix="dawnly-e2e-")
         self.briefings = os.path.join(self.home, "briefings")
         os.mkdir(self.briefings)
@@ -71,7 +71,8 @@ class Desktop:
         self.environment.pop("WAYLAND_DISPLAY", None)
         os.makedirs(self.home + "/config/dawnly")
         with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
-            settings = {"briefingsFolderPath": self.briefings}
+            # Dark, so that pixels do not depend on what is behind the panel.
+            settings = {"briefingsFolderPath": self.briefings, "notchTheme": "dark", **(settings or {})}
             if calendar_access is not None:  # otherwise the program asks
                 settings["calendarAccess"] = calendar_access
             json.dump(settings, defaults)

@@ -122,7 +122,7 @@ class FirstLight:
         d.move(333, 222)
         report = d.report()
         self.assertEqual(report, {
-            "expanded": False, "theme": "glass", "panelFrame": "{{250, 64}, {780, 736}}", "panelVisible": True,
+            "expanded": False, "theme": "dark", "panelFrame": "{{250, 64}, {780, 736}}", "panelVisible": True,
             "panelOnScreen": True, "screenFrame": "{{0, 0}, {1280, 800}}", "briefings": 1, "suppressed": False,
             "pointer": "{333, 578}", "inZone": False, "spaceID": 0, "spaceType": 0})
         d.move(*NOTCH)

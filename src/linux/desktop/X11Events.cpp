@@ -152,11 +152,23 @@ void X11Events::watchCompositor() {
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
 }
 
+// A compositor that blurs puts the property that asks for it on the root window.
+void X11Events::findBlur() {
+    const auto cookie = xcb_list_properties(connection_.get(), screen_->root);
+    const auto reply = own(xcb_list_properties_reply(connection_.get(), cookie, nullptr));
+    if (!reply) return;
+    const xcb_atom_t* first = xcb_list_properties_atoms(reply.get());
+    const xcb_atom_t* last = first + xcb_list_properties_atoms_length(reply.get());
+    compositorBlurs_ = std::find(first, last, blurAtom_) != last;
+}
+
 void X11Events::watchRoot() {
     const std::uint32_t rootMask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_.get(), screen_->root, XCB_CW_EVENT_MASK, &rootMask);
     activeWindowAtom_ = atom("_NET_ACTIVE_WINDOW");
     activeWindow_ = activeWindow();
+    blurAtom_ = atom("_KDE_NET_WM_BLUR_BEHIND_REGION");
+    findBlur();
 
     clockWindow_ = xcb_generate_id(connection_.get());
     const std::uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};

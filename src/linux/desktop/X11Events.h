@@ -27,10 +27,15 @@ public:
 
     bool isConnected() const { return connection_ != nullptr; }
     bool hasCompositor() const { return hasCompositor_; }
+    /// Whether the compositor blurs what is behind the region that a window names for that.
+    bool compositorBlurs() const { return hasCompositor_ && compositorBlurs_; }
+    /// The window property that names such a region.
+    xcb_atom_t blurAtom() const { return blurAtom_; }
 
     // For the adapters that ask the server for something themselves; only while connected.
     xcb_connection_t* connection() const { return connection_.get(); }
     xcb_window_t root() const { return screen_->root; }
+    const xcb_screen_t& screen() const { return *screen_; }
     xcb_atom_t atom(const char* name) const;
     /// The whole numbers in a property of at most `most` of them; empty when there is none.
     std::vector<std::uint32_t> readProperty(xcb_window_t window, xcb_atom_t property, std::uint32_t most) const;
@@ -77,6 +82,7 @@ private:
     void handleRootEvent(const xcb_generic_event_t& event, std::uint8_t type);
     void pressed(std::uint32_t button);
     void activeWindowChanged();
+    void findBlur();
 
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
@@ -90,10 +96,12 @@ private:
     xcb_window_t clockWindow_ = XCB_NONE;   // never shown; changes of it tell the server's time
     xcb_window_t activeWindow_ = XCB_NONE;  // as last told
     xcb_atom_t activeWindowAtom_ = XCB_ATOM_NONE;
+    xcb_atom_t blurAtom_ = XCB_ATOM_NONE;
     int screenNumber_ = 0;
     std::uint8_t xinputOpcode_ = 0;
     std::uint8_t xfixesFirstEvent_ = 0;
     bool hasCompositor_ = false;
+    bool compositorBlurs_ = false;
 };
 
 }  // namespace sunpane

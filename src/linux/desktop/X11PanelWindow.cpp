@@ -40,6 +40,17 @@ void removeShape(xcb_window_t window, xcb_shape_kind_t kind) {
     xcb_shape_mask(toolkitConnection(), XCB_SHAPE_SO_SET, kind, window, 0, 0, XCB_NONE);
 }
 
+// As whole numbers: left, top, width and height of each rectangle.
+void setBlurRegion(xcb_window_t window, xcb_atom_t property, const std::vector<xcb_rectangle_t>& rectangles) {
+    std::vector<std::uint32_t> numbers;
+    for (const auto& r : rectangles) {
+        for (const int number : {int{r.x}, int{r.y}, int{r.width}, int{r.height}})
+            numbers.push_back(static_cast<std::uint32_t>(number));
+    }
+    xcb_change_property(toolkitConnection(), XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_CARDINAL, 32,
+                        static_cast<std::uint32_t>(numbers.size()), numbers.data());
+}
+
 }  // namespace
 
 X11PanelWindow::X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events)
@@ -144,6 +155,7 @@ void X11PanelWindow::applyShape() {
         setShape(id, XCB_SHAPE_SK_BOUNDING, rectangles);
         removeShape(id, XCB_SHAPE_SK_INPUT);
     }
+    if (events_.compositorBlurs()) setBlurRegion(id, events_.blurAtom(), rectangles);
     xcb_flush(toolkitConnection());
 }
 

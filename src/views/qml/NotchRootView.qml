@@ -6,6 +6,7 @@ FocusScope {
     id: root
 
     required property var presenter
+    required property var background
 
     // From 0, folded, to 1, open; the spring takes it a little past either end.
     property real unfolding: 0
@@ -38,6 +39,17 @@ FocusScope {
         motion.start();
     }
 
+    Binding {
+        target: root.background
+        property: "shown"
+        value: !root.folded
+    }
+    Binding {
+        target: Style
+        property: "scrim"
+        value: root.background.scrim
+    }
+
     NumberAnimation {
         id: motion
         target: root
@@ -60,8 +72,11 @@ FocusScope {
         cardHeight: root.cardHeight
         bottomRadius: root.between(8, 22)
         topRadius: root.between(6, 10)
-        topColor: Style.notch
-        bottomColor: root.folded ? Style.notch : Style.panelBottom
+        notchHeight: root.presenter.notchHeight
+        headerBottom: root.presenter.notchHeight + 44
+        // The black of the notch opens into the background well before the panel is open.
+        openness: root.folded ? 0 : Math.max(0, Math.min(1, root.unfolding / 0.6))
+        background: root.background
     }
 
     Item {

@@ -12,9 +12,12 @@ QtObject {
     readonly property color secondaryText: Qt.rgba(1, 1, 1, 0.55)
     readonly property color tertiaryText: Qt.rgba(1, 1, 1, 0.40)
 
-    readonly property color notch: "#000000"
+    // How strongly the panel's surfaces darken what is behind them, from 0 to 1; the root view sets it, so that text
+    // on them stays readable in every theme.
+    property real scrim: 0
+
     readonly property color panelBottom: "#1f1b1d"
-    readonly property color section: Qt.rgba(1, 1, 1, 0.06)
+    readonly property color section: onScrim(1, 1, 1, 0.06)
     readonly property color hairline: Qt.rgba(1, 1, 1, 0.07)
     readonly property color card: Qt.rgba(1, 1, 1, 0.04)
     readonly property color hover: Qt.rgba(1, 1, 1, 0.04)
@@ -25,7 +28,7 @@ QtObject {
     readonly property color remove: "#ff453a"
     readonly property color focus: "#0a84ff"
 
-    readonly property color meeting: Qt.rgba(0.188, 0.82, 0.345, 0.11)
+    readonly property color meeting: onScrim(0.188, 0.82, 0.345, 0.11)
     readonly property color meetingEdge: Qt.rgba(0.188, 0.82, 0.345, 0.30)
     readonly property color joinQuiet: Qt.rgba(0.188, 0.82, 0.345, 0.14)
     readonly property color joinEdge: Qt.rgba(0.188, 0.82, 0.345, 0.45)
@@ -41,6 +44,12 @@ QtObject {
     readonly property int inset: 12
     readonly property int margin: 20
 
+    // A layer of a colour above the scrim, as one colour.
+    function onScrim(red, green, blue, opacity) {
+        const whole = 1 - (1 - scrim) * (1 - opacity);
+        const part = opacity / whole;
+        return Qt.rgba(red * part, green * part, blue * part, whole);
+    }
     function counted(count, one, many) {
         return count === 1 ? one : many.arg(count);
     }
