@@ -110,16 +110,19 @@ void saturate(ScreenImage& image, double amount) {
 }
 
 void blur(ScreenImage& image, double deviation) {
-    // Three running means in each direction come within a few percent of the bell curve; the variance of one over
-    // 2r + 1 pixels is ((2r + 1)^2 - 1) / 12.
+    // Three running means in each direction come close to the bell curve. One over 2r + 1 pixels has the variance
+    // r (r + 1) / 3; some of them are one wider, so that the sum of the three comes near to the one that is asked for.
     constexpr int passes = 3;
-    const double span = std::sqrt(12 * deviation * deviation / passes + 1);
-    const int radius = static_cast<int>(std::lround((span - 1) / 2));
-    if (radius <= 0 || image.pixels.empty()) return;
+    const double variance = deviation * deviation;
+    const int radius = static_cast<int>((std::sqrt(1 + 4 * variance) - 1) / 2);
+    const auto wider = std::lround((variance - radius * (radius + 1.0)) / (2.0 * (radius + 1) / passes));
+    if (image.pixels.empty()) return;
     std::vector<std::uint32_t> spare;
     for (int pass = 0; pass < passes; ++pass) {
-        meanRowsTransposed(image, radius, spare);
-        meanRowsTransposed(image, radius, spare);
+        const int ofPass = pass < wider ? radius + 1 : radius;
+        if (ofPass == 0) continue;
+        meanRowsTransposed(image, ofPass, spare);
+        meanRowsTransposed(image, ofPass, spare);
     }
 }
 

@@ -131,9 +131,11 @@ void PanelBackground::paint(QPainter& painter, const QPainterPath& outline, cons
         scrim.setColorAt(0, black(openness));
         scrim.setColorAt(measures.notchHeight / reach, black(strength));
         // Runs out along a curve, so that no edge shows.
-        for (const qreal part : {0.0, 0.25, 0.5, 0.75, 1.0})
-            scrim.setColorAt((measures.headerBottom + part * scrimRunOut) / reach,
-                             black(strength * (1 - part) * (1 - part)));
+        for (int step = 0; step <= 4; ++step) {
+            const qreal part = step / 4.0;
+            const qreal left = 1 - part * part * (3 - 2 * part);
+            scrim.setColorAt((measures.headerBottom + part * scrimRunOut) / reach, black(strength * left));
+        }
         painter.save();
         painter.setClipRect(outline.boundingRect().intersected(QRectF(-1e6, 0, 2e6, reach)));
         painter.fillPath(outline, scrim);
