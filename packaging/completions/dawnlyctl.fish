@@ -21,10 +21,10 @@ complete -c dawnlyctl -n __fish_use_subcommand -a report -d 'Print what the runn
 complete -c dawnlyctl -n __fish_use_subcommand -a prompt -d 'Print the instructions for an agent'
 complete -c dawnlyctl -n __fish_use_subcommand -a defaults -d 'Read and change settings'
 
-complete -c dawnlyctl -n "$seen brief check" -F
+complete -c dawnlyctl -n "$seen brief check" -a '(__fish_complete_path (commandline -ct) | string match -r "^[^\t]*(?:/|\.md)(?:\t.*)?\$")'
 complete -c dawnlyctl -n "$seen watch" -a '(__fish_complete_directories)'
 complete -c dawnlyctl -n "$seen brief watch todo flags playing agenda defaults" -l json -d 'Print for programs'
-complete -c dawnlyctl -n "$seen todo flags feedback prompt" -l folder -r -a '(__fish_complete_directories)' -d 'The briefings folder'
+complete -c dawnlyctl -n "$seen todo flags feedback prompt" -l folder -x -a '(__fish_complete_directories)' -d 'The briefings folder'
 complete -c dawnlyctl -n "$seen agenda" -l at -x -d 'Another time, in ISO 8601'
 complete -c dawnlyctl -n "$seen todo; and not $seen list add done open rename delete" -a 'list add done open prio rename delete'
 complete -c dawnlyctl -n "$seen flags; and not $seen list unprio" -a 'list prio unprio'
