@@ -48,6 +48,9 @@ public:
     /// Takes a scroll event; whether it is consumed.
     bool handle(const ScrollEvent& event);
 
+    /// Moves the hovered card to `x` points from its place, as a drag with the mouse does.
+    void moveTo(double x) { setSwipeX(x); }
+
     /// Acts on a card that was moved by `swipeX`, and lets go of it.
     void finish(const BriefingItem& item);
 

@@ -15,8 +15,8 @@ public:
     /// Shows a folder in the user's file manager. Returns at once; without a file manager nothing happens.
     virtual void revealFolder(const std::string& path) = 0;
 
-    /// Opens an address in the user's browser. Only `http` and `https` addresses are opened. Returns at once; without a
-    /// browser nothing happens.
+    /// Opens an address in the user's browser or mail program. Only `http`, `https` and `mailto` addresses are opened.
+    /// Returns at once; without such a program nothing happens.
     virtual void openUrl(const std::string& url) = 0;
 
     /// Opens the desktop's settings of online accounts, such as of a calendar on the web. Returns at once; nothing

@@ -1,11 +1,13 @@
 #include "views/BriefColumnModel.h"
 
+#include <QQmlEngine>
 #include <algorithm>
 #include <utility>
 
 #include "views/BriefSelection.h"
 #include "views/InlineMarkdown.h"
 #include "views/MeetingText.h"
+#include "views/RowDifference.h"
 
 namespace sunpane {
 namespace {
@@ -18,83 +20,81 @@ QString toQt(const std::string& text) {
 
 BriefColumnModel::BriefColumnModel(QObject* parent) : QAbstractListModel(parent) {}
 
-int BriefColumnModel::flagsOf(const BriefingItem& item, const Context& context) {
-    const std::string key(item.id());
-    int flags = context.flags.isPrio(key) ? priorityFlag : 0;
-    if (context.flags.isCleared(key)) flags |= clearedFlag;
-    if (const auto join = meeting_text::joinInfo(item.markdown(), context.now, context.calendar)) {
-        flags |= joinableFlag | (join->imminent ? imminentFlag : 0);
-    }
-    return flags;
+CardListModel::Card BriefColumnModel::makeCard(const BriefingItem& item, const Context& context) {
+    const auto join = meeting_text::joinInfo(item.markdown(), context.now, context.calendar);
+    return {item, context.flags.isPrio(item.id()), context.flags.isCleared(item.id()), join.has_value(),
+            join && join->imminent};
 }
 
-BriefColumnModel::Row BriefColumnModel::makeRow(const BriefingSection& section, bool recap, const Context& context) {
-    Row row;
-    row.sectionId = section.id;
-    row.title = toQt(rendered(section.title));
-    row.spokenTitle = toQt(plainText(section.title));
-    row.intro = toQt(rendered(section.intro));
-    row.recap = recap;
-    row.shown = brief_selection::visibleItems(
-        section, [&](std::string_view key) { return context.flags.isHidden(std::string(key)); });
-    row.itemCount = static_cast<int>(row.shown.size());
-    if (row.shown.size() > maximumItems) row.shown.erase(row.shown.begin() + maximumItems, row.shown.end());
-    for (const BriefingItem& item : row.shown) {
-        const std::string markdown = meeting_text::displayMarkdown(item.markdown());
-        row.items.append(toQt(rendered(markdown)));
-        row.spokenItems.append(toQt(plainText(markdown)));
-        row.flags.append(flagsOf(item, context));
-    }
+BriefColumnModel::NextRow BriefColumnModel::makeRow(const BriefingSection& section, bool recap,
+                                                    const Context& context) {
+    const auto shown =
+        brief_selection::visibleItems(section, [&](std::string_view key) { return context.flags.isHidden(key); });
+    NextRow row;
+    row.header = {section.id, section.title, section.intro, static_cast<int>(shown.size()), recap};
+    const std::size_t count = std::min(shown.size(), maximumItems);
+    row.cards.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        row.cards.push_back(makeCard(shown[i], context));
     return row;
 }
 
-void BriefColumnModel::replaceRow(int index, Row next) {
-    Row& row = rows_[static_cast<std::size_t>(index)];
-    if (row == next) return;
-    // A flag alone must not make the cards anew: one of them may have the keyboard.
-    QVariantList nextFlags = std::exchange(next.flags, row.flags);
-    const bool onlyFlags = row == next;
-    row = std::move(next);
-    row.flags = std::move(nextFlags);
-    const QModelIndex changed = this->index(index);
-    emit dataChanged(changed, changed, onlyFlags ? QList<int>{flagsRole} : QList<int>{});
+void BriefColumnModel::replaceRows(std::vector<NextRow> next) {
+    const auto difference = rowDifference(rows_, next, [](const Row& row, const NextRow& other) {
+        return row.header.sectionId == other.header.sectionId && row.header.recap == other.header.recap;
+    });
+    const auto first = static_cast<std::ptrdiff_t>(difference.kept);
+    const auto row = static_cast<int>(first);
+    const int before = count();
+    if (difference.removed > 0) {
+        beginRemoveRows({}, row, row + static_cast<int>(difference.removed) - 1);
+        const auto end = first + static_cast<std::ptrdiff_t>(difference.removed);
+        // The views let go of a section's cards later than of the section.
+        for (auto gone = rows_.begin() + first; gone != rows_.begin() + end; ++gone)
+            gone->cards.release()->deleteLater();
+        rows_.erase(rows_.begin() + first, rows_.begin() + end);
+        endRemoveRows();
+    }
+    if (difference.inserted > 0) {
+        beginInsertRows({}, row, row + static_cast<int>(difference.inserted) - 1);
+        for (std::size_t i = difference.kept; i < difference.kept + difference.inserted; ++i) {
+            auto cards = std::make_unique<CardListModel>();
+            QQmlEngine::setObjectOwnership(cards.get(), QQmlEngine::CppOwnership);
+            cards->show(std::move(next[i].cards));
+            rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(i), Row{next[i].header, std::move(cards)});
+            next[i].cards.clear();
+        }
+        endInsertRows();
+    }
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const bool isNew = i >= difference.kept && i < difference.kept + difference.inserted;
+        if (isNew) continue;
+        rows_[i].cards->show(std::move(next[i].cards));
+        if (rows_[i].header == next[i].header) continue;
+        rows_[i].header = std::move(next[i].header);
+        const QModelIndex changed = index(static_cast<int>(i));
+        emit dataChanged(changed, changed, {titleRole, spokenTitleRole, introRole, itemCountRole});
+    }
+    if (count() != before) emit countChanged();
 }
 
 void BriefColumnModel::show(const BriefingSection* recap, const std::vector<BriefingSection>& sections,
                             const ItemFlagStore& flags, const Clock& clock) {
     const LocalCalendar calendar(clock);
     const Context context{flags, clock.now(), calendar};
-    std::vector<Row> next;
+    std::vector<NextRow> next;
     if (recap != nullptr) next.push_back(makeRow(*recap, true, context));
     const std::size_t shown = std::min(sections.size(), maximumSections);
     for (std::size_t i = 0; i < shown; ++i)
         next.push_back(makeRow(sections[i], false, context));
-
     const auto leftOut = static_cast<int>(sections.size() - shown);
     if (std::exchange(leftOut_, leftOut) != leftOut) emit leftOutChanged();
-
-    const std::size_t common = std::min(rows_.size(), next.size());
-    for (std::size_t i = 0; i < common; ++i)
-        replaceRow(static_cast<int>(i), std::move(next[i]));
-    const auto first = static_cast<int>(common);
-    if (next.size() > common) {
-        beginInsertRows({}, first, static_cast<int>(next.size()) - 1);
-        rows_.insert(rows_.end(), std::make_move_iterator(next.begin() + first), std::make_move_iterator(next.end()));
-        endInsertRows();
-        emit countChanged();
-    } else if (rows_.size() > common) {
-        beginRemoveRows({}, first, static_cast<int>(rows_.size()) - 1);
-        rows_.erase(rows_.begin() + first, rows_.end());
-        endRemoveRows();
-        emit countChanged();
-    }
+    replaceRows(std::move(next));
 }
 
 const BriefingItem* BriefColumnModel::item(int sectionId, int index) const {
     for (const Row& row : rows_) {
-        if (row.sectionId != sectionId) continue;
-        return index >= 0 && index < static_cast<int>(row.shown.size()) ? &row.shown[static_cast<std::size_t>(index)]
-                                                                        : nullptr;
+        if (row.header.sectionId == sectionId) return row.cards->item(index);
     }
     return nullptr;
 }
@@ -108,35 +108,30 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
     const Row& row = rows_[static_cast<std::size_t>(index.row())];
     switch (role) {
         case sectionIdRole:
-            return row.sectionId;
+            return row.header.sectionId;
         case titleRole:
-            return row.title;
+            return toQt(renderedTitle(row.header.title));
         case spokenTitleRole:
-            return row.spokenTitle;
+            return toQt(plainText(row.header.title));
         case introRole:
-            return row.intro;
-        case itemsRole:
-            return row.items;
-        case spokenItemsRole:
-            return row.spokenItems;
-        case flagsRole:
-            return row.flags;
+            return toQt(rendered(row.header.intro));
+        case cardsRole:
+            return QVariant::fromValue<QObject*>(row.cards.get());
         case itemCountRole:
-            return row.itemCount;
+            return row.header.itemCount;
         case recapRole:
-            return row.recap;
+            return row.header.recap;
         case missedRole:
-            return row.sectionId == brief_selection::missedPrioritiesId;
+            return row.header.sectionId == brief_selection::missedPrioritiesId;
         default:
             return {};
     }
 }
 
 QHash<int, QByteArray> BriefColumnModel::roleNames() const {
-    return {{sectionIdRole, "sectionId"}, {titleRole, "title"},         {spokenTitleRole, "spokenTitle"},
-            {introRole, "intro"},         {itemsRole, "items"},         {spokenItemsRole, "spokenItems"},
-            {flagsRole, "flags"},         {itemCountRole, "itemCount"}, {recapRole, "recap"},
-            {missedRole, "missed"}};
+    return {{sectionIdRole, "sectionId"}, {titleRole, "title"},  {spokenTitleRole, "spokenTitle"},
+            {introRole, "intro"},         {cardsRole, "cards"},  {itemCountRole, "itemCount"},
+            {recapRole, "recap"},         {missedRole, "missed"}};
 }
 
 }  // namespace sunpane

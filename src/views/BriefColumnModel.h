@@ -2,14 +2,15 @@
 
 #include <QAbstractListModel>
 #include <QString>
-#include <QStringList>
-#include <QVariantList>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "base/Clock.h"
 #include "base/Dates.h"
 #include "core/briefing/Briefing.h"
 #include "core/stores/ItemFlagStore.h"
+#include "views/CardListModel.h"
 
 namespace sunpane {
 
@@ -30,9 +31,7 @@ public:
         titleRole,
         spokenTitleRole,
         introRole,
-        itemsRole,
-        spokenItemsRole,
-        flagsRole,
+        cardsRole,
         itemCountRole,
         recapRole,
         missedRole,
@@ -40,16 +39,12 @@ public:
 
     explicit BriefColumnModel(QObject* parent = nullptr);
 
-    /// What a card looks like, as bits of the flags role.
-    enum Flag { priorityFlag = 1, clearedFlag = 2, joinableFlag = 4, imminentFlag = 8 };
-
     /// `recap` may be null; `sections` are those to show, of which the first `maximumSections` are. Hidden cards are
-    /// left out.
-    /// Meetings are judged by the clock's time.
+    /// left out. Meetings are judged by the clock's time.
     void show(const BriefingSection* recap, const std::vector<BriefingSection>& sections, const ItemFlagStore& flags,
               const Clock& clock);
 
-    /// The card at that place of the column as it is shown; null when it is not there any more.
+    /// A shown card by its section's id and its index there; null when there is none.
     const BriefingItem* item(int sectionId, int index) const;
 
     /// How many sections there are beyond those that are shown.
@@ -64,29 +59,32 @@ signals:
     void leftOutChanged();
 
 private:
-    struct Row {
+    // What a row says of itself; its cards are a model of their own.
+    struct Header {
         int sectionId = 0;
-        QString title;
-        QString spokenTitle;
-        QString intro;
-        QStringList items;
-        QStringList spokenItems;
-        QVariantList flags;
+        std::string title;
+        std::string intro;
         int itemCount = 0;
         bool recap = false;
-        std::vector<BriefingItem> shown;
-        friend bool operator==(const Row&, const Row&) = default;
+        friend bool operator==(const Header&, const Header&) = default;
     };
-
+    struct Row {
+        Header header;
+        std::unique_ptr<CardListModel> cards;
+    };
+    struct NextRow {
+        Header header;
+        std::vector<CardListModel::Card> cards;
+    };
     struct Context {
         const ItemFlagStore& flags;
         Instant now;
         const LocalCalendar& calendar;
     };
 
-    static int flagsOf(const BriefingItem& item, const Context& context);
-    static Row makeRow(const BriefingSection& section, bool recap, const Context& context);
-    void replaceRow(int index, Row next);
+    static CardListModel::Card makeCard(const BriefingItem& item, const Context& context);
+    static NextRow makeRow(const BriefingSection& section, bool recap, const Context& context);
+    void replaceRows(std::vector<NextRow> next);
 
     std::vector<Row> rows_;
     int leftOut_ = 0;

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "base/Dates.h"
-#include "calendar/JoinLink.h"
 #include "views/BriefSelection.h"
 #include "views/InlineMarkdown.h"
 #include "views/MeetingText.h"
@@ -22,6 +21,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
       reminders_(collaborators.clock),
       todos_({collaborators.viewModel, collaborators.calendar, NotchUndo::shared(), collaborators.runLoop,
               collaborators.clock, collaborators.notifications}),
+      cards_({with_.viewModel, with_.scrollSwipes, NotchUndo::shared(), with_.runLoop, with_.workspace}, column_),
       self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
@@ -59,6 +59,7 @@ void PanelPresenter::refresh() {
     showMeeting();
     if (std::exchange(ticking_, expanded()) != expanded()) {
         clockTimer_ = expanded() ? with_.runLoop.every(clockInterval, [this] { refresh(); }) : Subscription();
+        cards_.setShown(expanded());
     }
     emit changed();
 }
@@ -113,24 +114,6 @@ void PanelPresenter::showMeeting() {
 
 void PanelPresenter::joinMeeting() {
     if (canJoinMeeting()) with_.workspace.openUrl(*meeting_->joinURL);
-}
-
-void PanelPresenter::joinCard(int sectionId, int index) {
-    const auto* item = column_.item(sectionId, index);
-    if (item == nullptr) return;
-    if (const auto url = joinURL(item->markdown())) with_.workspace.openUrl(*url);
-}
-
-void PanelPresenter::togglePriority(int sectionId, int index) {
-    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().togglePrio(*item);
-}
-
-void PanelPresenter::toggleCleared(int sectionId, int index) {
-    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().toggleCleared(*item);
-}
-
-void PanelPresenter::hideCard(int sectionId, int index) {
-    if (const auto* item = column_.item(sectionId, index)) with_.viewModel.flagStore().hide(*item);
 }
 
 void PanelPresenter::openBriefingsFolder() {

@@ -11,6 +11,7 @@
 #include "notch/ScrollSwipeHub.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
+#include "views/CardPresenter.h"
 #include "views/NowPlayingPresenter.h"
 #include "views/ReminderPresenter.h"
 #include "views/SpringCurve.h"
@@ -43,6 +44,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool canJoinMeeting READ canJoinMeeting NOTIFY changed)
     Q_PROPERTY(bool meetingImminent READ meetingImminent NOTIFY changed)
     Q_PROPERTY(sunpane::NowPlayingPresenter* nowPlaying READ nowPlaying CONSTANT)
+    Q_PROPERTY(sunpane::CardPresenter* cards READ cards CONSTANT)
     Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
     Q_PROPERTY(sunpane::TodoColumnPresenter* todos READ todos CONSTANT)
     Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
@@ -95,6 +97,7 @@ public:
     int openSection() const { return openSection_.value_or(-1); }
     BriefColumnModel* column() { return &column_; }
     NowPlayingPresenter* nowPlaying() { return &nowPlaying_; }
+    CardPresenter* cards() { return &cards_; }
     ReminderPresenter* reminders() { return &reminders_; }
     TodoColumnPresenter* todos() { return &todos_; }
     bool hasMeeting() const { return meeting_.has_value(); }
@@ -116,12 +119,6 @@ public:
     Q_INVOKABLE void toggleSection(int id);
     Q_INVOKABLE void reportContentHeight(qreal height) { with_.viewModel.reportBriefContentHeight(height); }
 
-    // What the user says of a card: the card at `index` of the section with that id.
-    Q_INVOKABLE void togglePriority(int sectionId, int index);
-    Q_INVOKABLE void toggleCleared(int sectionId, int index);
-    Q_INVOKABLE void hideCard(int sectionId, int index);
-    /// Opens the link of the meeting that a card, or the strip, is about.
-    Q_INVOKABLE void joinCard(int sectionId, int index);
     Q_INVOKABLE void joinMeeting();
     /// An open menu or sheet keeps the panel from folding. Each says when it opens, and once when it closes.
     Q_INVOKABLE void setMenuOpen(bool open);
@@ -155,6 +152,7 @@ private:
     NowPlayingPresenter nowPlaying_;
     ReminderPresenter reminders_;
     TodoColumnPresenter todos_;
+    CardPresenter cards_;
     std::optional<int> openSection_ = 0;
     std::optional<Briefing> shown_;
     std::vector<BriefingSection> sections_;  // of `shown_`

@@ -138,6 +138,16 @@ void drawCheckmark(QPainter& painter, const QColor& color) {
     painter.drawPolyline(QPolygonF{QPointF(-8, 0.5), QPointF(-2.5, 6.5), QPointF(8.5, -6.5)});
 }
 
+void drawTrash(QPainter& painter, const QColor& color) {
+    painter.setPen(QPen(color, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPolygon(QPolygonF{QPointF(-6.6, -4.4), QPointF(6.6, -4.4), QPointF(5.4, 9.6), QPointF(-5.4, 9.6)});
+    painter.setPen(QPen(color, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawLine(QPointF(-8.6, -7.6), QPointF(8.6, -7.6));
+    painter.drawPolyline(QPolygonF{QPointF(-3, -8), QPointF(-3, -10.4), QPointF(3, -10.4), QPointF(3, -8)});
+}
+
 struct Symbol {
     const char* name;
     void (*draw)(QPainter&, const QColor&);
@@ -159,6 +169,7 @@ constexpr std::array symbols = {
     Symbol{"speaker.wave.2.fill", drawSpeaker},
     Symbol{"speaker.slash.fill", drawMutedSpeaker},
     Symbol{"music.note", drawNote},
+    Symbol{"trash.fill", drawTrash},
 };
 
 }  // namespace

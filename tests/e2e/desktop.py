@@ -170,6 +170,16 @@ class Desktop:
     def click(self, x, y, button=1):
         self.run("xdotool", "mousemove", str(x), str(y), "click", str(button))
 
+    def drag(self, start, end, hold=0.0, steps=12, release=True):
+        """Presses at one place, waits, and moves to another with the button down."""
+        self.run("xdotool", "mousemove", str(start[0]), str(start[1]), "mousedown", "1")
+        time.sleep(hold)
+        for i in range(1, steps + 1):
+            self.move(start[0] + (end[0] - start[0]) * i // steps, start[1] + (end[1] - start[1]) * i // steps)
+            time.sleep(0.01)
+        if release:
+            self.run("xdotool", "mouseup", "1")
+
     def key(self, *names):
         self.run("xdotool", "key", *names)
 

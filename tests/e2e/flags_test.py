@@ -1,4 +1,4 @@
-"""Flags on cards, made with the menu, as the agent reads them in feedback.json and as they stand after a restart."""
+"""Flags on cards, made by swiping them with the mouse, as the agent reads them in feedback.json and as they stand after a restart."""
 
 import json
 import os
@@ -9,7 +9,6 @@ from desktop import BRIEF_RIGHT, NOTCH, WIDTH, Desktop
 
 MORNING = "# Morning\n### Schedule\n- **Alpha** report\n- **Beta** call\n- **Gamma** lunch\n- [ ] 💼 Send the deck\n"
 CARD_Y = (146, 187, 228)
-ROWS = ("flag", "clear", "hide")
 
 
 class Flags(unittest.TestCase):
@@ -36,11 +35,12 @@ class Flags(unittest.TestCase):
         self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
         time.sleep(0.9)
 
-    def choose(self, card, action):
-        self.desktop.click(WIDTH // 2, CARD_Y[card], button=3)
-        time.sleep(0.3)
-        self.desktop.key(*["Down"] * ROWS.index(action), "Return")
-        time.sleep(0.3)
+    def swipe(self, card, *distances):
+        """Drags a card sideways by so many points, again and again."""
+        for distance in distances:
+            start = (WIDTH // 2 - 150, CARD_Y[card])
+            self.desktop.drag(start, (start[0] + distance, start[1] + 2))
+            time.sleep(0.5)
 
     def is_priority(self, card):
         """Whether the card is drawn in the colour of priorities."""
@@ -54,10 +54,10 @@ class Flags(unittest.TestCase):
                    "the untouched cards")
         self.open_panel()
         self.assertFalse(self.is_priority(0))
-        self.choose(0, "flag")
-        self.choose(1, "clear")
+        self.swipe(0, 80)
+        self.swipe(1, -80)
         d.wait_for(lambda: self.feedback().get("untouched") == ["Gamma lunch"], "the feedback to follow", 3)
-        self.choose(2, "hide")
+        self.swipe(2, -80, -80)
         d.wait_for(lambda: len(self.feedback().get("cleared", [])) == 2, "the hidden card")
         feedback = self.feedback()
         self.assertEqual(list(feedback), ["cleared", "note", "prio", "reminders", "untouched", "updated"])
@@ -75,9 +75,9 @@ class Flags(unittest.TestCase):
         self.assertEqual(d.screenshot().card_count(), 2)
         self.assertEqual([todo["text"] for todo in self.read("todos.json")["todos"]], ["Send the deck"])
 
-        # And everything back again, the hidden card by the button under the sections.
-        self.choose(0, "flag")
-        self.choose(1, "clear")
+        # And everything back again, the hidden card by the button under the sections. A priority is not cleared.
+        self.swipe(0, 80)
+        self.swipe(1, 80, 80)
         d.click(330, 244)
         d.wait_for(lambda: d.screenshot().card_count() == 3, "the hidden card to come back")
         d.wait_for(lambda: self.feedback().get("cleared") == ["Gamma lunch"], "the cleared card to be restored")
@@ -98,7 +98,7 @@ class Flags(unittest.TestCase):
         d = self.desktop
         d.start_program()
         self.open_panel()
-        self.choose(0, "flag")
+        self.swipe(0, 80)
         d.wait_for(lambda: os.path.exists(d.briefings + "/itemflags.json"), "the flags to be written")
         time.sleep(2.5)
         flags = self.read("itemflags.json")

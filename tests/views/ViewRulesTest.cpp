@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "views/BriefSelection.h"
-#include "views/InlineMarkdown.h"
 #include "views/PanelLayout.h"
 
 namespace sunpane {
@@ -75,32 +74,6 @@ TEST(BriefSelection, PrioritiesThatTheBriefingNoLongerMentionsFormASection) {
     EXPECT_EQ(missed->items, (std::vector{BriefingItem("**Call Anna**"), BriefingItem("**Renew the passport**")}));
     EXPECT_FALSE(brief_selection::droppedPrioSection(sections, {{"d", "Invoice paid"}}));
     EXPECT_FALSE(brief_selection::droppedPrioSection(sections, {}));
-}
-
-TEST(InlineMarkdown, StylesWhatHasAPartnerAndEscapesTheRest) {
-    struct Case {
-        const char* markdown;
-        const char* styled;
-        const char* plain;
-    };
-    const Case cases[] = {
-        {"10:00 **Standup** at", "10:00 <b>Standup</b> at", "10:00 Standup at"},
-        {"**Bold *and* italic**", "<b>Bold <i>and</i> italic</b>", "Bold and italic"},
-        {"`a < b && **c**`", "<code>a &lt; b &amp;&amp; **c**</code>", "a < b && **c**"},
-        {"2 * 3 * 4 and **open", "2 * 3 * 4 and **open", "2 * 3 * 4 and **open"},
-        {"snake_case_name _yes_", "snake_case_name <i>yes</i>", "snake_case_name yes"},
-        {"[Join](https://x.y/z) now", "Join now", "Join now"},
-        {"[a](b", "[a](b", "[a](b"},
-        {"<img src='x'>", "&lt;img src='x'&gt;", "<img src='x'>"},
-        {"one\ntwo", "one<br>two", "one\ntwo"},
-        {"****", "****", "****"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(rendered(c.markdown), c.styled);
-        EXPECT_EQ(plainText(c.markdown), c.plain);
-    }
-    const std::string deep(40000, '*');
-    EXPECT_LT(rendered(deep + "x" + deep).size(), 2 * maximumRenderedBytes);
 }
 
 }  // namespace

@@ -27,7 +27,10 @@ void QtWorkspace::openUrl(const std::string& url) {
     const QUrl parsed(QString::fromStdString(url), QUrl::StrictMode);
     // The address may come from anyone who sends an invitation.
     const bool isWeb = parsed.scheme() == QLatin1String("http") || parsed.scheme() == QLatin1String("https");
-    if (isWeb && !parsed.host().isEmpty()) QDesktopServices::openUrl(parsed);
+    // Mail programs attach the files that such an address names.
+    const bool isMail = parsed.scheme() == QLatin1String("mailto") &&
+                        !parsed.query().contains(QLatin1String("attach"), Qt::CaseInsensitive);
+    if (isMail ? !parsed.path().isEmpty() : isWeb && !parsed.host().isEmpty()) QDesktopServices::openUrl(parsed);
 }
 
 void QtWorkspace::openAccountSettings() {

@@ -5,7 +5,11 @@ Flickable {
     id: column
 
     required property var presenter
-    signal cardMenuRequested(Item card, int sectionId, int index, real x, real y, bool byKeyboard)
+    required property ReminderMenu menu
+    required property ReminderSheet sheet
+    readonly property var cards: presenter.cards
+    // What happened, for the screen reader.
+    signal announced(string text)
 
     contentHeight: rows.height
     boundsBehavior: Flickable.StopAtBounds
@@ -22,6 +26,53 @@ Flickable {
             contentY = Math.max(0, top - Style.gap);
         else if (top + item.height > contentY + height)
             contentY = Math.min(contentHeight - height, top + item.height - height + Style.gap);
+    }
+
+    function announce(text) {
+        if (text.length > 0)
+            announced(text);
+    }
+
+    // Whether a card that is dragged to `x`, in its own coordinates, has left the column for the todos.
+    function isBeside(card, x) {
+        return card.mapToItem(column, x, 0).x > width + Style.gap;
+    }
+    function openCardMenu(card, x, y, byKeyboard) {
+        if (!cards.choose(card.sectionId, card.index))
+            return;
+        menu.openAt(card, x, y, qsTr("Card"), [
+            {
+                label: qsTr("Copy"),
+                run: () => cards.copyChosen()
+            },
+            {
+                label: qsTr("Add to Todos"),
+                run: () => cards.addChosenToTodos()
+            }
+        ], byKeyboard);
+    }
+
+    function openReminderMenu(card, x, byKeyboard) {
+        if (!cards.choose(card.sectionId, card.index))
+            return;
+        const setTime = (time) => cards.remindOfChosen(time, "");
+        menu.openBeside(card, x, qsTr("Remind me · adds to todos"), menu.times(setTime, () => openSheet(card, byKeyboard), null), byKeyboard);
+    }
+
+    function openSheet(card, byKeyboard) {
+        sheet.openFor(cards.chosenText(), 0, "", (time, rule) => cards.remindOfChosen(time, rule), null, byKeyboard ? card : null);
+    }
+
+    function openLinks(card) {
+        const links = cards.links(card.sectionId, card.index);
+        const open = (link) => cards.openLink(card.sectionId, card.index, link);
+        if (links.length === 1)
+            open(0);
+        else if (links.length > 1)
+            menu.openBeside(card, Style.inset, qsTr("Open link"), links.map((label, link) => ({
+                        label: label,
+                        run: () => open(link)
+                    })), true);
     }
 
     Column {
@@ -53,15 +104,13 @@ Flickable {
             onCountChanged: Qt.callLater(rows.measure)
 
             SectionBento {
-                required property int sectionId
                 width: rows.width
+                host: column
                 isOpen: column.presenter.openSection === sectionId
                 spring: column.presenter.accordionSpring
                 animated: column.presenter.expanded
                 onToggled: column.presenter.toggleSection(sectionId)
-                onJoinRequested: (index) => column.presenter.joinCard(sectionId, index)
                 onTargetHeightChanged: Qt.callLater(rows.measure)
-                onCardMenuRequested: (card, index, x, y, byKeyboard) => column.cardMenuRequested(card, sectionId, index, x, y, byKeyboard)
             }
         }
 

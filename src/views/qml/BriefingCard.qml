@@ -137,9 +137,9 @@ Item {
         height: playing.shown && card.presenter.hasBriefing ? Math.min(contentHeight, room) : room
         readonly property real room: parent.height - y - Style.margin - 8 - playing.height
         width: card.briefWidth
-        onCardMenuRequested: (item, sectionId, index, x, y, byKeyboard) => {
-            menu.openAt(item, x, y, qsTr("Card"), card.cardChoices(item, sectionId, index), byKeyboard);
-        }
+        menu: menu
+        sheet: sheet
+        onAnnounced: (text) => announcer.announce(text)
     }
 
     Item {
@@ -179,27 +179,16 @@ Item {
         height: parent.height - y - Style.margin - 8
     }
 
-    PanelMenu {
+    ReminderMenu {
         id: menu
         presenter: card.presenter
     }
-
-    // What can be said of a card: flag it, clear it, hide it, and take that back.
-    function cardChoices(item, sectionId, index) {
-        return [
-            {
-                label: item.priority ? qsTr("Remove Priority") : qsTr("Flag as Priority"),
-                run: () => presenter.togglePriority(sectionId, index)
-            },
-            {
-                label: item.cleared ? qsTr("Restore") : qsTr("Clear"),
-                run: () => presenter.toggleCleared(sectionId, index)
-            },
-            {
-                label: qsTr("Hide"),
-                run: () => presenter.hideCard(sectionId, index)
-            }
-        ];
+    ReminderSheet {
+        id: sheet
+        presenter: card.presenter
+    }
+    Announcer {
+        id: announcer
     }
 
     function reveal(item) {

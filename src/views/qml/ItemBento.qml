@@ -1,74 +1,139 @@
 import QtQuick
+import Sunpane
 
-// One card.
-Rectangle {
+// One card. A drag sideways swipes it, holding it offers reminders, a drag over the todos takes it there.
+Item {
     id: card
 
+    required property int index
     required property string markup
     required property string spoken
-    property bool priority: false
-    property bool cleared: false
-    property bool joinable: false
-    property bool imminent: false
-    signal joinRequested
-    signal menuRequested(real x, real y, bool byKeyboard)
+    required property string key
+    required property bool priority
+    required property bool cleared
+    required property bool joinable
+    required property bool imminent
+    required property int sectionId
+    // The column that shows the card; it knows the menus.
+    required property var host
+    readonly property var cards: host.presenter.cards
     readonly property bool inColumn: true
 
-    radius: Style.cardRadius
-    color: priority ? Style.priorityCard : Style.card
-    border.color: priority ? Style.priorityEdge : "transparent"
+    // How far the card is swiped, and where it is on its way there.
+    readonly property real swipeX: cards.swipedKey === key ? cards.swipeX : 0
+    property real shownX: swipeX
+
     implicitHeight: Math.max(label.implicitHeight + 17, joinable ? join.height + 12 : 0)
     activeFocusOnTab: true
+    clip: shownX !== 0
+
+    Behavior on shownX {
+        enabled: !card.cards.inHand
+        NumberAnimation {
+            duration: card.cards.spring.duration
+            easing: card.cards.spring.curve
+        }
+    }
 
     Accessible.role: Accessible.ListItem
     Accessible.name: spoken
-    Accessible.description: priority ? qsTr("priority") : cleared ? qsTr("cleared") : ""
+    Accessible.description: cleared ? qsTr("cleared") : priority ? qsTr("priority") : ""
     Accessible.focusable: true
-    Accessible.onPressAction: menuRequested(20, height, true)
-    Keys.onMenuPressed: menuRequested(20, height, true)
-    Keys.onReturnPressed: menuRequested(20, height, true)
-    Keys.onEnterPressed: menuRequested(20, height, true)
+    Accessible.onPressAction: host.openCardMenu(card, Style.inset, height, true)
+
+    Keys.onReturnPressed: host.openCardMenu(card, Style.inset, height, true)
+    Keys.onEnterPressed: host.openCardMenu(card, Style.inset, height, true)
+    Keys.onMenuPressed: host.openCardMenu(card, Style.inset, height, true)
+    Keys.onPressed: (event) => {
+        const plain = event.modifiers === Qt.NoModifier;
+        const shifted = event.modifiers === Qt.ShiftModifier;
+        if (shifted && event.key === Qt.Key_Right)
+            host.announce(cards.flag(sectionId, index));
+        else if (shifted && event.key === Qt.Key_Left)
+            host.announce(cards.dismiss(sectionId, index));
+        else if (plain && event.key === Qt.Key_M)
+            host.openCardMenu(card, Style.inset, height, true);
+        else if (plain && event.key === Qt.Key_R)
+            host.openReminderMenu(card, Style.inset, true);
+        else if (plain && event.key === Qt.Key_O)
+            host.openLinks(card);
+        else
+            return;
+        event.accepted = true;
+    }
+
+    SwipeHint {
+        anchors.fill: parent
+        offset: card.shownX
+        removes: card.cleared
+    }
 
     Rectangle {
-        anchors.fill: parent
-        radius: parent.radius
-        color: Style.hover
-        visible: hover.hovered
+        id: face
+        x: card.shownX
+        width: parent.width
+        height: parent.height
+        radius: Style.cardRadius
+        color: card.priority ? Style.priorityCard : Style.card
+        border.color: card.priority ? Style.priorityEdge : "transparent"
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: hand.pressed ? Style.pressed : Style.hover
+            visible: hover.hovered || hand.pressed
+        }
+        Text {
+            id: label
+            x: 10
+            y: 9
+            width: parent.width - 20 - (card.joinable ? join.width + Style.gap : 0)
+            text: card.markup
+            textFormat: Text.StyledText
+            wrapMode: Text.Wrap
+            color: card.cleared ? Style.tertiaryText : Style.text
+            linkColor: card.cleared ? Style.tertiaryText : Style.link
+            font.strikeout: card.cleared
+            font.family: Style.family
+            font.pixelSize: Style.bodySize
+            lineHeight: 1.15
+        }
+        FocusRing {
+            control: card
+            radius: face.radius
+        }
+        CardHand {
+            id: hand
+            anchors.fill: parent
+            card: card
+            label: label
+            ring: ring
+        }
+        JoinCapsule {
+            id: join
+            anchors.right: parent.right
+            anchors.rightMargin: Style.gap
+            y: 6
+            visible: card.joinable
+            meeting: card.spoken
+            imminent: card.imminent
+            onClicked: card.cards.join(card.sectionId, card.index)
+        }
+        HoldRing {
+            id: ring
+            x: Math.max(4, Math.min(hand.start.x - width / 2, parent.width - width - 4))
+            y: Math.max(4, Math.min(hand.start.y - height - 10, parent.height - height - 4))
+            onHeld: card.host.openReminderMenu(card, Math.max(0, hand.start.x - 40), false)
+        }
     }
-    Text {
-        id: label
-        x: 10
-        y: 9
-        width: parent.width - 20 - (card.joinable ? join.width + Style.gap : 0)
-        text: card.markup
-        textFormat: Text.StyledText
-        wrapMode: Text.Wrap
-        color: card.cleared ? Style.tertiaryText : Style.text
-        font.strikeout: card.cleared
-        font.family: Style.family
-        font.pixelSize: Style.bodySize
-        lineHeight: 1.15
-    }
-    FocusRing {
-        control: card
-        radius: card.radius
-    }
+
     HoverHandler {
         id: hover
-    }
-    MouseArea {
-        anchors.fill: parent
-        acceptedButtons: Qt.RightButton
-        onClicked: (mouse) => card.menuRequested(mouse.x, mouse.y, false)
-    }
-    JoinCapsule {
-        id: join
-        anchors.right: parent.right
-        anchors.rightMargin: Style.gap
-        y: 6
-        visible: card.joinable
-        meeting: card.spoken
-        imminent: card.imminent
-        onClicked: card.joinRequested()
+        onHoveredChanged: {
+            if (hovered)
+                card.cards.pointerEntered(card.sectionId, card.index);
+            else
+                card.cards.pointerLeft(card.sectionId, card.index);
+        }
     }
 }

@@ -106,7 +106,7 @@ Item {
     function rowAt(x, y) {
         if (x < 0 || x >= column.width)
             return -1;
-        const row = Math.floor((y - rowsTop.height) / rowHeight);
+        const row = Math.floor((y - sheet.headingHeight) / rowHeight);
         return row >= 0 && row < entries.length ? row : -1;
     }
     readonly property int rowHeight: 28
@@ -146,7 +146,9 @@ Item {
     FocusScope {
         id: sheet
         width: Math.min(menu.width - 16, Math.max(190, headingText.implicitWidth + 28))
-        height: column.height + 8
+        // Known at once, before the rows are laid out.
+        height: headingHeight + menu.entries.length * menu.rowHeight + 8
+        readonly property int headingHeight: menu.heading.length > 0 ? 24 : 0
 
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
@@ -173,9 +175,8 @@ Item {
             width: parent.width - 8
 
             Item {
-                id: rowsTop
                 width: parent.width
-                height: menu.heading.length > 0 ? 24 : 0
+                height: sheet.headingHeight
                 Text {
                     id: headingText
                     x: 10

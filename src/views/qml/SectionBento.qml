@@ -9,9 +9,8 @@ Item {
     required property string title
     required property string spokenTitle
     required property string intro
-    required property var items
-    required property var spokenItems
-    required property var flags
+    required property int sectionId
+    required property var cards
     required property int itemCount
     required property bool recap
     // Priorities that the briefing does not mention.
@@ -19,9 +18,9 @@ Item {
     required property bool isOpen
     required property var spring
     property bool animated: false
+    // The column that shows the section.
+    required property var host
     signal toggled
-    signal joinRequested(int index)
-    signal cardMenuRequested(Item card, int index, real x, real y, bool byKeyboard)
 
     readonly property bool unfolded: recap || isOpen
     readonly property real headerHeight: recap ? 0 : 38
@@ -137,7 +136,7 @@ Item {
 
         sourceComponent: Item {
             readonly property real side: section.recap ? 0 : Style.inset
-            implicitHeight: cards.y + cards.height + (section.recap ? 0 : Style.inset)
+            implicitHeight: stack.y + stack.height + (section.recap ? 0 : Style.inset)
             opacity: section.unfolded ? 1 : 0
             Behavior on opacity {
                 enabled: section.animated
@@ -146,10 +145,10 @@ Item {
 
             Text {
                 id: introText
+                linkColor: Style.link
                 x: parent.side
                 width: parent.width - 2 * parent.side
                 visible: text.length > 0
-                height: visible ? implicitHeight : 0
                 text: section.intro
                 textFormat: Text.StyledText
                 wrapMode: Text.Wrap
@@ -159,30 +158,23 @@ Item {
                 lineHeight: 1.15
             }
             Column {
-                id: cards
+                id: stack
                 x: parent.side
-                y: introText.visible ? introText.height + Style.gap : 0
+                y: section.intro.length > 0 ? introText.implicitHeight + Style.gap : 0
                 width: parent.width - 2 * parent.side
                 spacing: 6
                 Repeater {
-                    model: section.items
+                    id: shownCards
+                    model: section.cards
                     ItemBento {
-                        required property int index
-                        required property string modelData
-                        width: cards.width
-                        markup: modelData
-                        spoken: section.spokenItems[index] ?? ""
-                        priority: ((section.flags[index] ?? 0) & 1) !== 0
-                        cleared: ((section.flags[index] ?? 0) & 2) !== 0
-                        joinable: ((section.flags[index] ?? 0) & 4) !== 0
-                        imminent: ((section.flags[index] ?? 0) & 8) !== 0
-                        onJoinRequested: section.joinRequested(index)
-                        onMenuRequested: (x, y, byKeyboard) => section.cardMenuRequested(this, index, x, y, byKeyboard)
+                        width: stack.width
+                        sectionId: section.sectionId
+                        host: section.host
                     }
                 }
                 Text {
-                    visible: section.itemCount > section.items.length
-                    text: qsTr("%1 more in the file").arg(section.itemCount - section.items.length)
+                    visible: section.itemCount > shownCards.count
+                    text: qsTr("%1 more in the file").arg(section.itemCount - shownCards.count)
                     color: Style.tertiaryText
                     font.family: Style.family
                     font.pixelSize: Style.captionSize

@@ -27,6 +27,7 @@ QtObject {
     readonly property color clear: "#30d158"
     readonly property color remove: "#ff453a"
     readonly property color focus: "#0a84ff"
+    readonly property color link: "#64b0ff"
 
     readonly property color meeting: onScrim(0.188, 0.82, 0.345, 0.11)
     readonly property color meetingEdge: Qt.rgba(0.188, 0.82, 0.345, 0.30)

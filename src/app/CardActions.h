@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/Instant.h"
+#include "core/briefing/Briefing.h"
+#include "core/stores/ItemFlagStore.h"
+#include "core/stores/TodoStore.h"
+
+/// What the user does with a briefing card beyond flagging it. Main thread only.
+namespace sunpane::card_actions {
+
+/// What is copied: the card's text without the marks of bold and code.
+std::string copyText(const BriefingItem& item);
+
+/// What a card that is dragged away carries, as JSON: from it the todo column makes a todo that belongs to the card.
+std::string dragPayload(const BriefingItem& item, const ItemFlagStore& flags);
+
+/// Adds the card's suggestion to the todos, as a priority when the card is one.
+void addToTodos(const BriefingItem& item, TodoStore& todos, const ItemFlagStore& flags);
+
+/// The same, with a reminder on the todo. `repeatRule` as TodoStore::setReminder takes it.
+void setReminder(const BriefingItem& item, Instant time, const std::optional<std::string>& repeatRule, TodoStore& todos,
+                 const ItemFlagStore& flags);
+
+}  // namespace sunpane::card_actions

@@ -1,0 +1,174 @@
+#include "views/CardPresenter.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <string>
+#include <utility>
+
+#include "app/CardActions.h"
+#include "calendar/JoinLink.h"
+#include "views/InlineMarkdown.h"
+#include "views/MeetingText.h"
+
+namespace sunpane {
+namespace {
+
+QString toQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+CardPresenter::CardPresenter(const Collaborators& collaborators, const BriefColumnModel& column)
+    : with_(collaborators),
+      column_(column),
+      coordinator_(with_.scrollSwipes, with_.undo, with_.viewModel.weakFlagStore()),
+      spring_(ItemSwipeCoordinator::hoverAnimation),
+      self_(std::make_shared<CardPresenter*>(this)) {
+    swipeChanges_ = coordinator_.onWillChange([this] { scheduleRefresh(); });
+    coordinator_.animate = [this](const Spring& spring, const ItemSwipeCoordinator::Change& change) {
+        spring_ = SpringCurve(spring);
+        springs_ = true;
+        change();
+    };
+}
+
+void CardPresenter::scheduleRefresh() {
+    if (std::exchange(refreshPosted_, true)) return;
+    with_.runLoop.post([weak = std::weak_ptr(self_)] {
+        if (const auto self = weak.lock()) (*self)->refresh();
+    });
+}
+
+void CardPresenter::refresh() {
+    refreshPosted_ = false;
+    inHand_ = !std::exchange(springs_, false);
+    const auto& item = coordinator_.hoveredItem();
+    swipedKey_ = item ? toQt(item->id()) : QString();
+    swipeX_ = coordinator_.swipeX();
+    emit swipeChanged();
+}
+
+void CardPresenter::setShown(bool shown) {
+    if (shown) return coordinator_.install();
+    coordinator_.uninstall();
+    dragged_.reset();
+    if (const auto item = coordinator_.hoveredItem()) coordinator_.pointerLeft(*item);
+}
+
+void CardPresenter::pointerEntered(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    if (item != nullptr && !dragged_) coordinator_.pointerEntered(*item);
+}
+
+void CardPresenter::pointerLeft(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    if (item != nullptr && !dragged_) coordinator_.pointerLeft(*item);
+}
+
+void CardPresenter::dragTo(int sectionId, int index, qreal x) {
+    if (!dragged_) {
+        const auto* item = column_.item(sectionId, index);
+        if (item == nullptr) return;
+        dragged_ = *item;
+        coordinator_.pointerEntered(*item);
+        springs_ = false;
+    }
+    coordinator_.moveTo(x);
+}
+
+QString CardPresenter::drop() {
+    const auto item = std::exchange(dragged_, std::nullopt);
+    return item ? finishSwipe(*item) : QString();
+}
+
+void CardPresenter::cancelDrag() {
+    if (!std::exchange(dragged_, std::nullopt)) return;
+    coordinator_.animate(ItemSwipeCoordinator::finishAnimation, [&] { coordinator_.moveTo(0); });
+}
+
+QString CardPresenter::swipe(const BriefingItem& item, double x) {
+    coordinator_.moveTo(x);
+    return finishSwipe(item);
+}
+
+QString CardPresenter::finishSwipe(const BriefingItem& item) {
+    const ItemFlagStore& flags = with_.viewModel.flagStore();
+    const bool wasPriority = flags.isPrio(item.id());
+    const bool wasCleared = flags.isCleared(item.id());
+    coordinator_.animate(ItemSwipeCoordinator::finishAnimation, [&] { coordinator_.finish(item); });
+    if (flags.isHidden(item.id())) return tr("Removed");
+    if (!wasCleared && flags.isCleared(item.id())) return tr("Cleared");
+    const bool isPriority = flags.isPrio(item.id());
+    if (isPriority == wasPriority) return {};
+    return isPriority ? tr("Marked as a priority") : tr("No longer a priority");
+}
+
+QString CardPresenter::flag(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    return item != nullptr ? swipe(BriefingItem(*item), ItemSwipeCoordinator::decisionDistance + 1) : QString();
+}
+
+QString CardPresenter::dismiss(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    return item != nullptr ? swipe(BriefingItem(*item), -ItemSwipeCoordinator::decisionDistance - 1) : QString();
+}
+
+QVariantMap CardPresenter::dragData(int sectionId, int index) const {
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return {};
+    const auto payload = card_actions::dragPayload(*item, with_.viewModel.flagStore());
+    return {{QStringLiteral("text/plain"), toQt(item->suggestedTodoText())},
+            {QLatin1String(payloadType), toQt(payload)}};
+}
+
+bool CardPresenter::choose(int sectionId, int index) {
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return false;
+    chosen_ = *item;
+    return true;
+}
+
+QString CardPresenter::chosenText() const {
+    return chosen_ ? toQt(chosen_->suggestedTodoText()) : QString();
+}
+
+void CardPresenter::copyChosen() const {
+    if (chosen_) QGuiApplication::clipboard()->setText(toQt(card_actions::copyText(*chosen_)));
+}
+
+void CardPresenter::addChosenToTodos() {
+    if (chosen_) card_actions::addToTodos(*chosen_, with_.viewModel.todoStore(), with_.viewModel.flagStore());
+}
+
+void CardPresenter::remindOfChosen(double time, const QString& rule) {
+    if (!chosen_) return;
+    card_actions::setReminder(*chosen_, Instant::fromUnix(time),
+                              rule.isEmpty() ? std::nullopt : std::optional(rule.toStdString()),
+                              with_.viewModel.todoStore(), with_.viewModel.flagStore());
+}
+
+QStringList CardPresenter::links(int sectionId, int index) const {
+    QStringList labels;
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return labels;
+    for (const auto& link : linksOf(meeting_text::displayMarkdown(item->markdown())))
+        labels.append(toQt(link.label));
+    return labels;
+}
+
+void CardPresenter::openLink(int sectionId, int index, int link) const {
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr || link < 0) return;
+    const auto links = linksOf(meeting_text::displayMarkdown(item->markdown()));
+    if (static_cast<std::size_t>(link) < links.size())
+        with_.workspace.openUrl(links[static_cast<std::size_t>(link)].url);
+}
+
+void CardPresenter::join(int sectionId, int index) const {
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return;
+    if (const auto url = joinURL(item->markdown())) with_.workspace.openUrl(*url);
+}
+
+}  // namespace sunpane

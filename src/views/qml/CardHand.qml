@@ -1,0 +1,109 @@
+import QtQuick
+
+// What the mouse does with a card: a click on a link opens it, a drag sideways swipes the card and, once it is over the
+// todos, carries it there; holding the card still opens the reminder menu, whose rows the same press then chooses from.
+MouseArea {
+    id: hand
+
+    required property Item card
+    required property Text label
+    required property HoldRing ring
+    property point start
+    enum Doing { Nothing, Pressing, Swiping, Choosing, Ignoring }
+    property int doing: CardHand.Nothing
+    // A hand that holds something still moves this much.
+    readonly property real tremor: 8
+
+    acceptedButtons: Qt.LeftButton | Qt.RightButton
+    // Nor does a drag up or down scroll the column.
+    preventStealing: true
+    hoverEnabled: true
+    cursorShape: hoveredLink.length > 0 ? Qt.PointingHandCursor : Qt.ArrowCursor
+    property string hoveredLink
+
+    function linkAt(x, y) {
+        const at = mapToItem(label, x, y);
+        return label.linkAt(at.x, at.y);
+    }
+    function finish() {
+        ring.cancel();
+        doing = CardHand.Nothing;
+    }
+
+    onPressed: (mouse) => {
+        if (mouse.button === Qt.RightButton) {
+            doing = CardHand.Ignoring;
+            return;
+        }
+        start = Qt.point(mouse.x, mouse.y);
+        doing = CardHand.Pressing;
+        ring.begin();
+    }
+    onPositionChanged: (mouse) => {
+        if (!pressed) {
+            hoveredLink = linkAt(mouse.x, mouse.y);
+            return;
+        }
+        // The card moves under the pointer; what counts is where it was.
+        const at = mapToItem(card, mouse.x, mouse.y);
+        const dx = at.x - start.x;
+        const dy = at.y - start.y;
+        if (doing === CardHand.Pressing && Math.hypot(dx, dy) > tremor) {
+            ring.cancel();
+            doing = Math.abs(dx) > Math.abs(dy) ? CardHand.Swiping : CardHand.Ignoring;
+            if (doing === CardHand.Swiping)
+                carried.prepare();
+        }
+        if (doing === CardHand.Choosing)
+            card.host.menu.track(card, at.x, at.y);
+        else if (doing === CardHand.Swiping && card.host.isBeside(card, at.x))
+            carried.carry();
+        else if (doing === CardHand.Swiping)
+            card.cards.dragTo(card.sectionId, card.index, dx);
+    }
+    onReleased: (mouse) => {
+        const at = mapToItem(card, mouse.x, mouse.y);
+        const did = doing;
+        finish();
+        if (did === CardHand.Swiping)
+            card.host.announce(card.cards.drop());
+        else if (did === CardHand.Choosing)
+            card.host.menu.release(card, at.x, at.y);
+        else if (mouse.button === Qt.RightButton && containsMouse)
+            card.host.openCardMenu(card, at.x, at.y, false);
+        else if (did === CardHand.Pressing && linkAt(mouse.x, mouse.y).length > 0)
+            card.cards.openLink(card.sectionId, card.index, parseInt(linkAt(mouse.x, mouse.y)));
+    }
+    onCanceled: {
+        finish();
+        card.cards.cancelDrag();
+    }
+
+    Connections {
+        target: hand.ring
+        function onHeld() {
+            hand.doing = CardHand.Choosing;
+        }
+    }
+
+    // What other windows and the todo column get of the card.
+    Item {
+        id: carried
+        property url picture
+        Drag.dragType: Drag.None
+        Drag.supportedActions: Qt.CopyAction
+        Drag.imageSource: picture
+        Drag.hotSpot: hand.start
+
+        function prepare() {
+            picture = "";
+            hand.card.grabToImage((result) => picture = result.url);
+        }
+        function carry() {
+            Drag.mimeData = hand.card.cards.dragData(hand.card.sectionId, hand.card.index);
+            hand.doing = CardHand.Ignoring;
+            hand.card.cards.cancelDrag();
+            Drag.startDrag(Qt.CopyAction);
+        }
+    }
+}

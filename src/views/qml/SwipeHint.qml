@@ -1,0 +1,52 @@
+import QtQuick
+import Sunpane
+
+// Shows behind a card that is being swiped what letting go of it would do.
+Item {
+    id: hint
+
+    // How far the card is moved, positive to the right.
+    required property real offset
+    // Whether a swipe to the left removes the card for good.
+    required property bool removes
+    readonly property color wash: offset > 0 ? Style.priority : removes ? Style.remove : Style.clear
+
+    visible: Math.abs(offset) > 0.5
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Style.cardRadius
+        color: hint.wash
+        opacity: Math.min(1, Math.abs(hint.offset) / 90)
+    }
+    // The words appear as the card uncovers them.
+    Item {
+        anchors.right: parent.right
+        width: Math.max(0, -hint.offset)
+        height: parent.height
+        clip: true
+        visible: hint.offset < 0
+
+        Row {
+            anchors.verticalCenter: parent.verticalCenter
+            anchors.right: parent.right
+            anchors.rightMargin: Style.inset
+            spacing: 4
+            Text {
+                id: word
+                text: hint.removes ? qsTr("REMOVE") : qsTr("CLEAR")
+                color: "white"
+                font.family: Style.family
+                font.pixelSize: Style.captionSize
+                font.weight: Font.Bold
+            }
+            SymbolIcon {
+                anchors.verticalCenter: word.verticalCenter
+                width: 13
+                height: 13
+                symbol: hint.removes ? "trash.fill" : "checkmark"
+                color: "white"
+            }
+        }
+    }
+}
