@@ -67,6 +67,10 @@ foreach(program ${programs})
 endforeach()
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/briefing-format.md DESTINATION ${share}/doc/dawnly)
 
+if(SUNPANE_UI AND NOT SUNPANE_DISTRIBUTION)
+  install(PROGRAMS ${packaging}/add-to-desktop.sh DESTINATION ${share}/dawnly)
+endif()
+
 if(SUNPANE_DISTRIBUTION)
   include(cmake/DebianPackage.cmake)
 endif()

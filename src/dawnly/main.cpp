@@ -2,7 +2,6 @@
 #include <QLoggingCategory>
 #include <QQuickWindow>
 #include <cstdlib>
-#include <iostream>
 
 #include "app/NotchViewModel.h"
 #include "app/NotificationResponses.h"
@@ -131,7 +130,9 @@ private:
     sunpane::X11Hotkeys hotkeys_{x11Events_};
     sunpane::HotkeyManager hotkey_{&hotkeys_, defaults_, notifications_};
     sunpane::X11WindowSpaces spaces_{x11Events_};
-    sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
+    sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) {
+                                          qCInfo(programLog).noquote() << QString::fromStdString(line);
+                                      }};
     sunpane::NotchController controller_{
         {clock_, runLoop_, screens_, monitors_, windows_, workspace_, &spaces_, pinnedSpace_, distributed_,
          notifications_, viewModel_, [this] { return theme_.themeName(); },

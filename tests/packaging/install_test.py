@@ -26,6 +26,8 @@ class Installed(unittest.TestCase):
         os.rename(os.path.join(self.prefix, "Dawnly.app"), bundle)
         self.check_links_and_paths(bundle)
 
+        self.check_menu_entry(bundle)
+
         desktop = Desktop(calendar_access="fullAccess")
         self.addCleanup(desktop.close)
         # Through a link, as the one in a folder of PATH.
@@ -50,6 +52,25 @@ class Installed(unittest.TestCase):
     def mapped(process):
         with open("/proc/%d/maps" % process) as file:
             return file.read()
+
+    def check_menu_entry(self, bundle):
+        home = os.path.join(self.prefix, "home")
+        environment = {"HOME": home, "PATH": os.environ["PATH"]}
+        kept = os.path.join(home, ".local/bin/dawnlyctl")
+        os.makedirs(os.path.dirname(kept))
+        with open(kept, "w") as file:
+            file.write("the user's own")
+        script = os.path.join(bundle, "share/dawnly/add-to-desktop.sh")
+        for _ in range(2):
+            subprocess.run([script], env=environment, check=True, stderr=subprocess.DEVNULL)
+        entry = os.path.join(home, ".local/share/applications/app.dawnly.Dawnly.desktop")
+        subprocess.run(["desktop-file-validate", entry], check=True)
+        with open(entry) as file:
+            self.assertIn('\nExec="%s/bin/dawnly"\n' % bundle, file.read())
+        self.assertTrue(os.path.samefile(os.path.join(home, ".local/bin/dawnly"), os.path.join(bundle, "bin/dawnly")))
+        subprocess.run([script, "--remove"], env=environment, check=True, stderr=subprocess.DEVNULL)
+        left = [os.path.join(folder, name) for folder, _, names in os.walk(home) for name in names]
+        self.assertEqual(left, [kept])
 
     def check_links_and_paths(self, bundle):
         with open(os.path.join(bundle, "share/applications/app.dawnly.Dawnly.desktop")) as file:

@@ -36,6 +36,14 @@ std::string quotedForExec(std::string_view path) {
     return quoted + "\"";
 }
 
+/// A path as a string value.
+std::string escaped(std::string_view path) {
+    std::string value;
+    for (const char c : path)
+        value += c == '\\' ? "\\\\" : c == '\n' ? "\\n" : std::string(1, c);
+    return value;
+}
+
 bool switchesOff(std::string_view line) {
     const auto equals = line.find('=');
     if (equals == std::string_view::npos) return false;
@@ -84,7 +92,8 @@ std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
     const std::string entry =
         "[Desktop Entry]\nType=Application\nVersion=1.5\nName=Dawnly\nComment=The day's briefing under the notch\n"
         "Exec=" +
-        quotedForExec(program_) + "\nIcon=" + std::string(appIdentifier) + "\nTerminal=false\nNoDisplay=true\n";
+        quotedForExec(program_) + "\nTryExec=" + escaped(program_) +  // a desktop passes over what was uninstalled
+        "\nIcon=" + std::string(appIdentifier) + "\nTerminal=false\nNoDisplay=true\n";
     PosixFileSystem files;
     errno = 0;
     if (files.createFolders(folder_) && files.replaceAtomically(path_, entry)) return std::nullopt;

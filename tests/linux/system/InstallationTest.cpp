@@ -29,6 +29,8 @@ TEST(AutostartLoginService, WritesAnEntryThatStartsTheProgramAndTakesItBack) {
     EXPECT_TRUE(service.isEnabled());
     EXPECT_THAT(content(path),
                 HasSubstr(R"(Exec="/opt/100%% \\"my\\" \\$apps\\\\/Dawnly.app/bin/dawnly")" + std::string("\n")));
+    EXPECT_THAT(content(path),
+                HasSubstr(R"(TryExec=/opt/100% "my" $apps\\/Dawnly.app/bin/dawnly)" + std::string("\n")));
     EXPECT_EQ(service.setEnabled(false), std::nullopt);
     EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(service.setEnabled(false), std::nullopt);
