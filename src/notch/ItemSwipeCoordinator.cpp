@@ -1,6 +1,5 @@
 #include "notch/ItemSwipeCoordinator.h"
 
-#include <cmath>
 #include <utility>
 
 namespace sunpane {
@@ -26,60 +25,25 @@ void ItemSwipeCoordinator::pointerLeft(const BriefingItem& item) {
     run(hoverAnimation, [this] {
         announceChange();
         hoveredItem_.reset();
-        active_ = false;
+        gesture_.release();
         swipeX_ = 0;
     });
 }
 
 bool ItemSwipeCoordinator::handle(const ScrollEvent& event) {
     if (!hoveredItem_) return false;
-    if (event.momentumPhase != ScrollPhase::none) return active_ || coasting_;
-    switch (event.phase) {
-        case ScrollPhase::began:
-            rejected_ = active_ = coasting_ = false;
-            pendX_ = pendY_ = 0;
-            setSwipeX(0);
-            return true;
-        case ScrollPhase::changed:
-            return change(event);
-        case ScrollPhase::ended:
-        case ScrollPhase::cancelled:
-            end();
-            return true;
-        case ScrollPhase::none:
-            break;
-    }
-    return true;
-}
-
-bool ItemSwipeCoordinator::change(const ScrollEvent& event) {
-    if (rejected_) return false;
-    if (active_) {
-        setSwipeX(swipeX_ + event.deltaX);
-        return true;
-    }
-    pendX_ += event.deltaX;
-    pendY_ += event.deltaY;
-    const double ax = std::abs(pendX_);
-    const double ay = std::abs(pendY_);
-    if (ax > ay + swipeLead && ax > swipeStart) {
-        active_ = true;
-        setSwipeX(pendX_);
-    } else if (ay > ax + scrollLead) {
-        rejected_ = true;
-        return false;
-    }
+    const auto step = gesture_.take(event);
+    if (step == SwipeRecognizer::Step::passed) return false;
+    setSwipeX(gesture_.offset());
+    if (step == SwipeRecognizer::Step::finished) end();
     return true;
 }
 
 void ItemSwipeCoordinator::end() {
-    coasting_ = std::exchange(active_, false);
-    if (coasting_) {
-        // A copy: acting on the card may take it from under the pointer.
-        const BriefingItem item = *hoveredItem_;
-        run(finishAnimation, [this, &item] { finish(item); });
-    }
-    rejected_ = false;
+    // A copy: acting on the card may take it from under the pointer.
+    const BriefingItem item = *hoveredItem_;
+    run(finishAnimation, [this, &item] { finish(item); });
+    gesture_.release();
 }
 
 void ItemSwipeCoordinator::finish(const BriefingItem& item) {

@@ -10,6 +10,7 @@
 #include "core/briefing/Briefing.h"
 #include "core/stores/ItemFlagStore.h"
 #include "notch/ScrollSwipeHub.h"
+#include "notch/SwipeRecognizer.h"
 
 namespace sunpane {
 
@@ -22,11 +23,6 @@ class ItemSwipeCoordinator : public Observable {
 public:
     /// A swipe counts when the card was moved further than this (points) at its end.
     static constexpr double decisionDistance = 70;
-    /// A gesture is a swipe once it has gone sideways more than `swipeStart` points, and more than `swipeLead` further
-    /// than up or down. It is scrolling once it has gone up or down more than `scrollLead` further than sideways.
-    static constexpr double swipeStart = 4;
-    static constexpr double swipeLead = 3;
-    static constexpr double scrollLead = 10;
     static constexpr Spring hoverAnimation{0.28, 0.7};
     static constexpr Spring finishAnimation{0.32, 0.72};
 
@@ -63,7 +59,6 @@ public:
     Animate animate;
 
 private:
-    bool change(const ScrollEvent& event);
     void end();
     // What brings back the flags that the card has now.
     NotchUndo::Action restoring(const BriefingItem& item, const ItemFlagStore& flags) const;
@@ -75,14 +70,7 @@ private:
     std::weak_ptr<ItemFlagStore> flags_;
     std::optional<BriefingItem> hoveredItem_;
     double swipeX_ = 0;
-    // What the gesture that goes on was found to be: a swipe, scrolling, or neither yet.
-    bool active_ = false;
-    bool rejected_ = false;
-    // Whether the last gesture was a swipe, whose momentum must not scroll the column.
-    bool coasting_ = false;
-    // How far it went before that was known.
-    double pendX_ = 0;
-    double pendY_ = 0;
+    SwipeRecognizer gesture_;
     Subscription registration_;
 };
 

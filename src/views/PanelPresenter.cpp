@@ -20,7 +20,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
       nowPlaying_(collaborators.nowPlaying, collaborators.runLoop),
       reminders_(collaborators.clock),
       todos_({collaborators.viewModel, collaborators.calendar, NotchUndo::shared(), collaborators.runLoop,
-              collaborators.clock, collaborators.notifications}),
+              collaborators.clock, collaborators.notifications, collaborators.scrollSwipes}),
       cards_({with_.viewModel, with_.scrollSwipes, NotchUndo::shared(), with_.runLoop, with_.workspace}, column_),
       self_(std::make_shared<PanelPresenter*>(this)) {
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });

@@ -148,6 +148,59 @@ void drawTrash(QPainter& painter, const QColor& color) {
     painter.drawPolyline(QPolygonF{QPointF(-3, -8), QPointF(-3, -10.4), QPointF(3, -10.4), QPointF(3, -8)});
 }
 
+void drawFivePointedStar(QPainter& painter, const QColor& color) {
+    QPolygonF points;
+    for (int i = 0; i < 10; ++i) {
+        const qreal angle = i * std::numbers::pi / 5;
+        points << QPointF(std::sin(angle), -std::cos(angle)) * (i % 2 == 0 ? 10.5 : 4.6) + QPointF(0, 0.6);
+    }
+    painter.setPen(QPen(color, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPolygon(points);
+}
+
+void drawStruckStar(QPainter& painter, const QColor& color) {
+    drawFivePointedStar(painter, color);
+    painter.setPen(QPen(color, 2.2, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(-10, -10), QPointF(10, 10));
+}
+
+void drawBell(QPainter& painter, const QColor& color) {
+    QPainterPath bell(QPointF(-9, 6));
+    bell.cubicTo(QPointF(-5, 2), QPointF(-8, -9.5), QPointF(0, -9.5));
+    bell.cubicTo(QPointF(8, -9.5), QPointF(5, 2), QPointF(9, 6));
+    bell.closeSubpath();
+    painter.setPen(QPen(color, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(color);
+    painter.drawPath(bell);
+    painter.drawPie(QRectF(-3, 6.6, 6, 6), 180 * 16, 180 * 16);
+}
+
+// What the badge at its lower right corner would touch of the calendar is left out.
+void drawBadgedCalendar(QPainter& painter, const QColor& color) {
+    painter.save();
+    QPainterPath around;
+    around.addRect(QRectF(-12, -12, 24, 24));
+    QPainterPath badge;
+    badge.addRect(QRectF(1, 1, 12, 12));
+    painter.setClipPath(around.subtracted(badge));
+    drawCalendar(painter, color);
+    painter.restore();
+    painter.setPen(QPen(color, 2.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+void drawCalendarPlus(QPainter& painter, const QColor& color) {
+    drawBadgedCalendar(painter, color);
+    painter.drawLine(QPointF(3.5, 7), QPointF(11, 7));
+    painter.drawLine(QPointF(7.25, 3.25), QPointF(7.25, 10.75));
+}
+
+void drawCalendarCheckmark(QPainter& painter, const QColor& color) {
+    drawBadgedCalendar(painter, color);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(QPolygonF{QPointF(3.4, 7.4), QPointF(6.2, 10.4), QPointF(11, 4)});
+}
+
 struct Symbol {
     const char* name;
     void (*draw)(QPainter&, const QColor&);
@@ -158,6 +211,11 @@ constexpr std::array symbols = {
     Symbol{"chevron.left", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 180); }},
     Symbol{"chevron.down", [](QPainter& painter, const QColor& color) { drawChevron(painter, color, 90); }},
     Symbol{"checkmark", drawCheckmark},
+    Symbol{"star.fill", drawFivePointedStar},
+    Symbol{"star.slash.fill", drawStruckStar},
+    Symbol{"bell.fill", drawBell},
+    Symbol{"calendar.badge.plus", drawCalendarPlus},
+    Symbol{"calendar.badge.checkmark", drawCalendarCheckmark},
     Symbol{"sun.max.fill", drawSun},
     Symbol{"moon.stars.fill", drawMoon},
     Symbol{"video.fill", drawVideo},

@@ -1,6 +1,6 @@
 #include "views/TodoColumnPresenter.h"
 
-#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "app/NotificationNames.h"
@@ -14,22 +14,32 @@ constexpr Spring addSpring{0.3, 0.8};
 constexpr Spring toggleSpring{0.35, 0.78};
 constexpr Spring flagSpring{0.32, 0.76};
 constexpr Spring removeSpring{0.22, 1.0};
+constexpr Spring eventSpring{0.3, 0.7};
 
 }  // namespace
 
 TodoColumnPresenter::TodoColumnPresenter(const Collaborators& collaborators)
     : with_(collaborators),
-      list_(collaborators.clock, [](const Todo&) { return std::string(); }),
+      list_(collaborators.clock,
+            [this](const Todo& todo) {
+                const auto date = upcomingDate(todo);
+                return date ? todo_rules::addToCalendarHelp(date->date, with_.clock) : std::string();
+            }),
       motion_(addSpring),
       self_(std::make_shared<TodoColumnPresenter*>(this)) {
     captureRequests_ =
         with_.notifications.observe(notification::quickCaptureFocus, [this](const auto&) { beginCapture(); });
     collapses_ = with_.notifications.observe(notification::collapseNotch, [this](const auto&) {
-        capturing_ = false;
         captureFocus_ = {};
+        if (std::exchange(capturing_, false)) emit captureEnded();
     });
     storeChanges_ = todos().onWillChange([this] { scheduleRefresh(); });
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
+    scrolling_ = with_.scrollSwipes.add([this](const ScrollEvent& event) { return takeScroll(event); });
+    with_.undo.animate = [weak = std::weak_ptr(self_)](const Spring& spring, const NotchUndo::Action& action) {
+        if (const auto self = weak.lock()) (*self)->moveWith(spring);
+        action();
+    };
     refresh();
 }
 
@@ -39,6 +49,10 @@ qreal TodoColumnPresenter::swipeThreshold() {
 
 qreal TodoColumnPresenter::rowHeight() {
     return todo_rules::rowHeight;
+}
+
+qreal TodoColumnPresenter::dragDistance() {
+    return todo_rules::dragDistance;
 }
 
 void TodoColumnPresenter::scheduleRefresh() {
@@ -53,7 +67,13 @@ void TodoColumnPresenter::refresh() {
     list_.show(todos().todos());
     doneCount_ = static_cast<int>(todos().doneCount());
     const auto& highlight = with_.viewModel.highlightTodoID();
-    highlighted_ = highlight ? QString::fromStdString(highlight->toString()) : QString();
+    const QString highlighted = highlight ? QString::fromStdString(highlight->toString()) : QString();
+    if (std::exchange(highlighted_, highlighted) != highlighted) emit highlightedChanged();
+    const bool expanded = with_.viewModel.expanded();
+    if (std::exchange(ticking_, expanded) != expanded) {
+        if (expanded) list_.timePassed();
+        clockTimer_ = expanded ? with_.runLoop.every(clockInterval, [this] { list_.timePassed(); }) : Subscription();
+    }
     emit changed();
 }
 
@@ -78,7 +98,7 @@ std::optional<Todo> TodoColumnPresenter::find(const QString& id) {
 void TodoColumnPresenter::submit(const QString& text) {
     moveWith(addSpring);
     todos().add(text.toStdString());
-    if (std::exchange(capturing_, false)) collapse();
+    if (capturing_) collapse();
 }
 
 void TodoColumnPresenter::collapse() {
@@ -130,14 +150,106 @@ bool TodoColumnPresenter::swipe(const QString& id, qreal dx) {
     return false;
 }
 
+bool TodoColumnPresenter::takeScroll(const ScrollEvent& event) {
+    // The clicks of a wheel scroll the list.
+    if (hoveredId_.isEmpty() || (event.phase == ScrollPhase::none && event.momentumPhase == ScrollPhase::none))
+        return false;
+    const auto step = gesture_.take(event);
+    if (step == SwipeRecognizer::Step::passed) return false;
+    if (step == SwipeRecognizer::Step::finished) {
+        finishScroll(gesture_.offset());
+        gesture_.release();
+    } else if (gesture_.offset() != 0) {
+        setSwipe(hoveredId_, gesture_.offset());
+    } else {
+        // Nothing moves yet, and the row that was swiped before is to spring back.
+        setSwipe({}, 0);
+    }
+    return true;
+}
+
+void TodoColumnPresenter::finishScroll(qreal dx) {
+    const bool away = todo_rules::swipeOutcome(dx) == todo_rules::Swipe::remove;
+    swipe(hoveredId_, dx);
+    if (away) {
+        swipedAway_ = with_.runLoop.after(swipedAwayDelay, [this] { setSwipe({}, 0); });
+    } else {
+        setSwipe({}, 0);
+    }
+}
+
+void TodoColumnPresenter::setSwipe(const QString& id, qreal dx) {
+    swipedAway_ = {};
+    if (swipedId_ == id && swipeX_ == dx) return;
+    swipedId_ = id;
+    swipeX_ = dx;
+    emit swipeChanged();
+}
+
+void TodoColumnPresenter::pointerLeft(const QString& id) {
+    if (hoveredId_ != id) return;
+    hoveredId_.clear();
+    gesture_.release();
+    if (swipedId_ == id && !swipedAway_) setSwipe({}, 0);
+}
+
+void TodoColumnPresenter::setReminder(const QString& id, double time, const QString& rule) {
+    const auto todo = find(id);
+    if (!todo || !std::isfinite(time)) return;
+    moveWith(addSpring);
+    todos().setReminder(todo->id, Instant::fromUnix(time),
+                        rule.isEmpty() ? std::nullopt : std::optional(rule.toStdString()));
+    emit announced(tr("Reminder set"));
+}
+
+void TodoColumnPresenter::clearReminder(const QString& id) {
+    const auto todo = find(id);
+    if (!todo) return;
+    moveWith(addSpring);
+    todos().setReminder(todo->id, std::nullopt, std::nullopt);
+    emit announced(tr("Reminder cleared"));
+}
+
+std::optional<DetectedDate> TodoColumnPresenter::upcomingDate(const Todo& /*todo*/) {
+    return std::nullopt;
+}
+
+void TodoColumnPresenter::addToCalendar(const QString& id) {
+    const auto todo = find(id);
+    const auto date = todo ? upcomingDate(*todo) : std::nullopt;
+    // Until it is written the button is still there.
+    if (!date || !writing_.insert(todo->id).second) return;
+    const auto written = [weak = std::weak_ptr(self_), uuid = todo->id](const std::optional<std::string>& event) {
+        const auto self = weak.lock();
+        if (!self) return;
+        (*self)->writing_.erase(uuid);
+        if (!event) return;
+        (*self)->moveWith(eventSpring);
+        (*self)->todos().setEventID(event, uuid);
+        emit(*self)->announced(tr("In your calendar"));
+    };
+    with_.calendar.ensureAccess([&calendar = with_.calendar, text = todo->text, date = *date, written](bool granted) {
+        if (granted) {
+            calendar.addEvent(text, date.date, date.duration, written);
+        } else {
+            written(std::nullopt);
+        }
+    });
+}
+
 bool TodoColumnPresenter::isVerticalDrag(qreal dx, qreal dy) const {
     return todo_rules::dragAxis(dx, dy) == todo_rules::Axis::vertical;
 }
 
 int TodoColumnPresenter::dropRow(int startRow, qreal dy) const {
-    const auto count = static_cast<std::size_t>(list_.count());
-    if (startRow < 0 || count == 0) return startRow;
-    return static_cast<int>(todo_rules::dropIndex(static_cast<std::size_t>(startRow), dy, count));
+    if (list_.todo(startRow) == nullptr) return startRow;
+    const auto start = static_cast<std::size_t>(startRow);
+    const auto target = todo_rules::dropIndex(start, dy, static_cast<std::size_t>(list_.count()));
+    return static_cast<int>(todo_rules::landingIndex(list_.todos(), start, target));
+}
+
+int TodoColumnPresenter::rowBeside(int startRow, int rows) const {
+    return dropRow(startRow, rows * todo_rules::rowHeight);
 }
 
 void TodoColumnPresenter::moveTo(const QString& id, int row) {
@@ -145,6 +257,8 @@ void TodoColumnPresenter::moveTo(const QString& id, int row) {
     if (!todo || row < 0) return;
     moveWith(flagSpring);
     todos().move(todo->id, row);
+    // At once: the row stands under the pointer already.
+    refresh();
     if (const auto index = todos().indexOf(todo->id))
         emit announced(tr("Moved to place %1 of %2").arg(*index + 1).arg(todos().todos().size()));
 }

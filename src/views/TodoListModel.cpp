@@ -125,14 +125,26 @@ QVariant TodoListModel::data(const QModelIndex& index, int role) const {
             return toQt(eventText_(*row));
         case inCalendarRole:
             return row->eventID.has_value();
+        case reminderTimeRole:
+            return row->remindAt ? row->remindAt->unixTime() : 0.0;
+        case reminderRuleRole:
+            return toQt(row->remindRepeat.value_or(std::string()));
         default:
             return {};
     }
 }
 
 QHash<int, QByteArray> TodoListModel::roleNames() const {
-    return {{idRole, "todoId"}, {textRole, "text"},         {doneRole, "done"},       {priorityRole, "priority"},
-            {noteRole, "note"}, {reminderRole, "reminder"}, {eventRole, "eventHelp"}, {inCalendarRole, "inCalendar"}};
+    return {{idRole, "todoId"},
+            {textRole, "text"},
+            {doneRole, "done"},
+            {priorityRole, "priority"},
+            {noteRole, "note"},
+            {reminderRole, "reminder"},
+            {eventRole, "eventHelp"},
+            {inCalendarRole, "inCalendar"},
+            {reminderTimeRole, "reminderTime"},
+            {reminderRuleRole, "reminderRule"}};
 }
 
 }  // namespace sunpane

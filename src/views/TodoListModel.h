@@ -31,6 +31,9 @@ public:
         /// What adding it to the calendar would do; empty when there is nothing to add.
         eventRole,
         inCalendarRole,
+        /// When it reminds (s since 1970; 0 without a reminder), and the store's word for the repetition.
+        reminderTimeRole,
+        reminderRuleRole,
     };
 
     /// What `eventRole` says of a todo.
@@ -43,6 +46,7 @@ public:
     /// Asks the rows on screen anew for what depends on the time.
     void timePassed();
 
+    const std::vector<Todo>& todos() const { return todos_; }
     /// Null for a row that is not there.
     const Todo* todo(int row) const;
     /// -1 when there is none with that id.

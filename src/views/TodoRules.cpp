@@ -16,6 +16,16 @@ std::size_t dropIndex(std::size_t startIndex, double dy, std::size_t count) {
     return static_cast<std::size_t>(std::clamp(target, 0.0, static_cast<double>(count - 1)));
 }
 
+std::size_t landingIndex(const std::vector<Todo>& todos, std::size_t from, std::size_t target) {
+    const auto isWith = [&todo = todos[from]](const Todo& other) {
+        return other.done == todo.done && (todo.done || other.isPrio() == todo.isPrio());
+    };
+    const auto first = std::find_if(todos.begin(), todos.end(), isWith);
+    const auto last = first + (std::count_if(todos.begin(), todos.end(), isWith) - 1);
+    return std::clamp(target, static_cast<std::size_t>(first - todos.begin()),
+                      static_cast<std::size_t>(last - todos.begin()));
+}
+
 Swipe swipeOutcome(double dx) {
     if (dx > swipeThreshold) return Swipe::togglePriority;
     if (dx < -swipeThreshold) return Swipe::remove;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "base/Clock.h"
 #include "core/stores/Todo.h"
@@ -23,6 +24,10 @@ Axis dragAxis(double dx, double dy);
 
 /// Where a row that was dragged down by `dy` from `startIndex` lands in a list of `count` rows, `count` > 0.
 std::size_t dropIndex(std::size_t startIndex, double dy, std::size_t count);
+
+/// Where the row at `from` comes to rest when it is moved to `target`: the open priorities, the other open todos and
+/// the done ones stay together.
+std::size_t landingIndex(const std::vector<Todo>& todos, std::size_t from, std::size_t target);
 
 enum class Swipe { none, togglePriority, remove };
 Swipe swipeOutcome(double dx);

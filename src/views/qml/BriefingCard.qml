@@ -170,7 +170,11 @@ Item {
     }
 
     TodoColumn {
+        id: todos
         presenter: card.presenter.todos
+        panelMenu: menu
+        reminderSheet: sheet
+        speaker: announcer
         anchors.top: header.bottom
         anchors.topMargin: 14
         anchors.right: parent.right
@@ -189,6 +193,17 @@ Item {
     }
     Announcer {
         id: announcer
+    }
+
+    // From one column to the other.
+    Keys.onPressed: (event) => {
+        if (event.key !== Qt.Key_F6)
+            return;
+        event.accepted = true;
+        if (todos.hasFocus)
+            column.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason);
+        else
+            todos.takeFocus();
     }
 
     function reveal(item) {

@@ -3,18 +3,197 @@ import Sunpane
 
 // The todo list beside the briefing: a field to write one down, then the todos in their order.
 Rectangle {
-    id: column
+    id: todoColumn
 
     required property var presenter
+    // The panel's menu, which also offers times for reminders, and the sheet that asks for one.
+    required property var panelMenu
+    required property var reminderSheet
+    required property var speaker
     readonly property var list: presenter.list
     readonly property bool empty: list.count === 0
 
+    // The row that is dragged up or down, as it was lifted, and where it would land.
+    property int dragFrom: -1
+    property int dragTo: -1
+    property real dragHeight: 0
+    // While a row that was let go is put into its place, which it has on the screen already.
+    property bool settling: false
+
     radius: Style.sectionRadius
     color: Style.section
-    border.color: Style.hairline
+    border.color: dropArea.containsDrag ? Style.focus : Style.hairline
+    border.width: dropArea.containsDrag ? 2 : 1
 
     Accessible.role: Accessible.Grouping
     Accessible.name: qsTr("Todos")
+
+    // What a row and its neighbours do while it is dragged.
+
+    function roomFor(index) {
+        if (dragFrom < 0 || index === dragFrom)
+            return 0;
+        if (index > dragFrom && index <= dragTo)
+            return -dragHeight;
+        return index < dragFrom && index >= dragTo ? dragHeight : 0;
+    }
+    function lift(row) {
+        dragHeight = row.height;
+        dragTo = row.index;
+        dragFrom = row.index;
+    }
+    function putBack() {
+        dragFrom = -1;
+    }
+    function drop(row) {
+        const shownAt = row.y + row.offsetY;
+        const to = dragTo;
+        settling = true;
+        dragFrom = -1;
+        if (to !== row.index)
+            presenter.moveTo(row.todoId, to);
+        rows.forceLayout();
+        settling = false;
+        row.offsetY = shownAt - row.y;
+        row.springBack();
+    }
+
+    // Menus.
+
+    function openRemind(row, byKeyboard) {
+        panelMenu.openBeside(row, 32, qsTr("Remind me"), timesFor(row, byKeyboard), byKeyboard);
+    }
+    function openActions(row, x, y, byKeyboard) {
+        const id = row.todoId;
+        const times = timesFor(row, byKeyboard);
+        panelMenu.openAt(row, x, y, qsTr("Todo"), [
+            {
+                label: qsTr("Edit…"),
+                run: () => todoColumn.edit(id)
+            },
+            {
+                label: row.priority ? qsTr("Remove PRIO") : qsTr("Mark as PRIO"),
+                run: () => presenter.togglePriority(id)
+            },
+            {
+                label: qsTr("Remind me…"),
+                keepsOpen: true,
+                run: () => panelMenu.switchTo(qsTr("Remind me"), times)
+            },
+            {
+                label: qsTr("Delete"),
+                run: () => presenter.remove(id)
+            }
+        ], byKeyboard);
+    }
+    // Whoever chooses may do so when the row has long changed or gone, so nothing here asks it again.
+    function timesFor(row, byKeyboard) {
+        const id = row.todoId, text = row.text, at = row.reminderTime, rule = row.reminderRule;
+        const clear = at > 0 ? () => presenter.clearReminder(id) : null;
+        const ask = () => reminderSheet.openFor(text, at, rule, (time, rule) => presenter.setReminder(id, time, rule), clear, byKeyboard ? row : null);
+        return panelMenu.times((time) => presenter.setReminder(id, time, ""), ask, clear);
+    }
+    function edit(id) {
+        const row = rows.itemAtIndex(list.rowOf(id));
+        if (row)
+            row.beginEdit();
+    }
+
+    // The keyboard.
+
+    readonly property bool hasFocus: capture.focused || (rows.currentItem !== null && rows.currentItem.activeFocus)
+
+    function takeFocus() {
+        capture.takeFocus();
+    }
+    function focusRow(index) {
+        if (index < 0 || index >= rows.count) {
+            if (index < 0)
+                capture.takeFocus();
+            return;
+        }
+        rows.currentIndex = index;
+        rows.positionViewAtIndex(index, ListView.Contain);
+        rows.currentItem.forceActiveFocus(Qt.OtherFocusReason);
+    }
+    function rowFocused(index) {
+        rows.currentIndex = index;
+        rows.positionViewAtIndex(index, ListView.Contain);
+    }
+    // Does what the key means on that row; false when it means nothing there.
+    function rowKey(row, event) {
+        const id = row.todoId;
+        const moved = event.modifiers & Qt.AltModifier;
+        const shifted = event.modifiers === Qt.ShiftModifier;
+        switch (event.key) {
+        case Qt.Key_Space:
+            presenter.toggle(id);
+            return true;
+        case Qt.Key_Return:
+        case Qt.Key_Enter:
+        case Qt.Key_F2:
+            row.beginEdit();
+            return true;
+        case Qt.Key_Delete:
+        case Qt.Key_Backspace:
+            removeFromKeyboard(row);
+            return true;
+        case Qt.Key_Up:
+        case Qt.Key_Down:
+            const step = event.key === Qt.Key_Up ? -1 : 1;
+            if (moved)
+                presenter.moveTo(id, presenter.rowBeside(row.index, step));
+            else
+                focusRow(row.index + step);
+            return true;
+        case Qt.Key_Right:
+            // Without Shift these leaf through the briefings.
+            if (shifted)
+                presenter.togglePriority(id);
+            return shifted;
+        case Qt.Key_Left:
+            if (shifted)
+                removeFromKeyboard(row);
+            return shifted;
+        case Qt.Key_Home:
+            focusRow(0);
+            return true;
+        case Qt.Key_End:
+            focusRow(rows.count - 1);
+            return true;
+        case Qt.Key_F10:
+            if (shifted)
+                openActions(row, 32, row.height, true);
+            return shifted;
+        case Qt.Key_Menu:
+            openActions(row, 32, row.height, true);
+            return true;
+        }
+        return !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)) && rowLetter(row, event.key);
+    }
+    function removeFromKeyboard(row) {
+        const id = row.todoId;
+        // The keyboard goes on to a row that stays.
+        focusRow(row.index + 1 < rows.count ? row.index + 1 : row.index - 1);
+        presenter.remove(id);
+    }
+    function rowLetter(row, key) {
+        switch (key) {
+        case Qt.Key_M:
+            openActions(row, 32, row.height, true);
+            return true;
+        case Qt.Key_P:
+            presenter.togglePriority(row.todoId);
+            return true;
+        case Qt.Key_R:
+            openRemind(row, true);
+            return true;
+        case Qt.Key_C:
+            presenter.addToCalendar(row.todoId);
+            return true;
+        }
+        return false;
+    }
 
     Text {
         id: heading
@@ -36,8 +215,8 @@ Rectangle {
         anchors.rightMargin: Style.inset
         horizontalAlignment: Text.AlignRight
         elide: Text.ElideRight
-        visible: column.presenter.doneCount > 0
-        text: qsTr("%1 done").arg(column.presenter.doneCount)
+        visible: todoColumn.presenter.doneCount > 0
+        text: qsTr("%1 done").arg(todoColumn.presenter.doneCount)
         color: Style.secondaryText
         font.family: Style.family
         font.pixelSize: Style.captionSize
@@ -51,7 +230,7 @@ Rectangle {
         anchors.topMargin: Style.gap
         width: parent.width - 2 * Style.inset
         height: visible ? contentHeight + Style.gap : 0
-        visible: column.empty
+        visible: todoColumn.empty
         wrapMode: Text.Wrap
         text: qsTr("Nothing yet — add one below.")
         color: Style.secondaryText
@@ -65,9 +244,9 @@ Rectangle {
         x: Style.inset
         anchors.top: emptyText.bottom
         width: parent.width - 2 * Style.inset
-        onSubmitted: (text) => column.presenter.submit(text)
-        onDismissed: column.presenter.collapse()
-        Keys.onDownPressed: column.enterRows()
+        onSubmitted: (text) => todoColumn.presenter.submit(text)
+        onDismissed: todoColumn.presenter.collapse()
+        Keys.onDownPressed: todoColumn.focusRow(Math.min(rows.currentIndex < 0 ? 0 : rows.currentIndex, rows.count - 1))
     }
     ListView {
         id: rows
@@ -77,55 +256,141 @@ Rectangle {
         anchors.bottomMargin: Style.gap
         x: 6
         width: parent.width - 12
-        model: column.list
-        clip: contentHeight > height
+        model: todoColumn.list
+        clip: true
         interactive: contentHeight > height
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false
+        // A row that is out of sight for a moment need not be made anew.
+        cacheBuffer: 120
 
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Todo list")
 
         delegate: TodoRow {
             width: rows.width
-            presenter: column.presenter
+            column: todoColumn
         }
 
+        component Glide: NumberAnimation {
+            properties: "y"
+            duration: todoColumn.presenter.motion.duration
+            easing: todoColumn.presenter.motion.curve
+        }
+        // An interrupted motion of another kind must leave no row half transparent or beside its place.
+        component Whole: PropertyAction {
+            property: "opacity"
+            value: 1
+        }
         add: Transition {
             NumberAnimation {
                 property: "opacity"
                 from: 0
                 to: 1
-                duration: column.presenter.motion.duration
+                duration: 160
+            }
+        }
+        remove: Transition {
+            NumberAnimation {
+                property: "opacity"
+                to: 0
+                duration: todoColumn.presenter.motion.duration
             }
         }
         displaced: Transition {
-            NumberAnimation {
-                properties: "y"
-                duration: column.presenter.motion.duration
-                easing: column.presenter.motion.curve
-            }
-            NumberAnimation {
-                property: "opacity"
-                to: 1
-            }
+            enabled: !todoColumn.settling
+            Whole {}
+            Glide {}
         }
         move: Transition {
-            NumberAnimation {
-                properties: "y"
-                duration: column.presenter.motion.duration
-                easing: column.presenter.motion.curve
-            }
+            enabled: !todoColumn.settling
+            Whole {}
+            Glide {}
+        }
+    }
+    Rectangle {
+        anchors.right: parent.right
+        anchors.rightMargin: 2
+        visible: rows.interactive
+        width: 3
+        radius: 1.5
+        color: Qt.rgba(1, 1, 1, 0.25)
+        y: rows.y + rows.visibleArea.yPosition * rows.height
+        height: Math.max(24, rows.visibleArea.heightRatio * rows.height)
+    }
+
+    DropArea {
+        id: dropArea
+        anchors.fill: parent
+        onEntered: (drag) => drag.accepted = drag.hasText
+        onDropped: (drop) => {
+            todoColumn.presenter.addDropped(drop.text);
+            drop.accept(Qt.CopyAction);
         }
     }
 
-    function enterRows() {
+    // One tooltip for all rows, outside the list, which would cut it off.
+
+    function hint(item, text, delay) {
+        if (text.length === 0 && tip.over !== item)
+            return;
+        tipDelay.stop();
+        tip.waiting = false;
+        tip.over = text.length > 0 ? item : null;
+        tip.words = text;
+        if (text.length === 0)
+            return;
+        tipDelay.interval = delay;
+        tip.waiting = true;
+        tipDelay.start();
+    }
+    Timer {
+        id: tipDelay
+        onTriggered: {
+            const at = tip.over.mapToItem(todoColumn, 0, tip.over.height + 2);
+            tip.x = Math.max(Style.gap, Math.min(at.x, todoColumn.width - tip.width - Style.gap));
+            tip.y = at.y + tip.height <= todoColumn.height ? at.y : at.y - tip.over.height - tip.height - 6;
+            tip.waiting = false;
+        }
+    }
+    Tooltip {
+        id: tip
+        property Item over: null
+        property string words: ""
+        property bool waiting: false
+        text: words
+        shown: over !== null && !waiting && !todoColumn.panelMenu.isOpen && todoColumn.dragFrom < 0
+        maximumWidth: todoColumn.width - 2 * Style.gap
+        z: 10
     }
 
+    // The row that two fingers swipe.
+    property Item swiped: null
     Connections {
-        target: column.presenter
+        target: todoColumn.presenter
         function onCaptureFocusRequested() {
             capture.takeFocus();
+        }
+        function onCaptureEnded() {
+            capture.leave();
+        }
+        function onAnnounced(text) {
+            todoColumn.speaker.announce(text);
+        }
+        function onSwipeChanged() {
+            const index = todoColumn.list.rowOf(todoColumn.presenter.swipedId);
+            const row = index < 0 ? null : rows.itemAtIndex(index);
+            if (todoColumn.swiped && todoColumn.swiped !== row)
+                todoColumn.swiped.springBack();
+            todoColumn.swiped = row;
+            if (row)
+                row.slide(todoColumn.presenter.swipeX);
+        }
+        function onHighlightedChanged() {
+            const index = todoColumn.list.rowOf(todoColumn.presenter.highlighted);
+            if (index >= 0)
+                rows.positionViewAtIndex(index, ListView.Contain);
         }
     }
 }

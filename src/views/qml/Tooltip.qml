@@ -4,10 +4,11 @@ import QtQuick
 Rectangle {
     required property string text
     required property bool shown
+    property real maximumWidth: 400
 
     visible: shown && text.length > 0
-    width: label.implicitWidth + 14
-    height: label.implicitHeight + 8
+    width: Math.min(label.implicitWidth + 14, maximumWidth)
+    height: label.height + 8
     radius: 6
     color: "#3a3638"
     border.color: Style.hairline
@@ -17,6 +18,8 @@ Rectangle {
         id: label
         anchors.centerIn: parent
         text: parent.text
+        width: parent.width - 14
+        wrapMode: Text.Wrap
         textFormat: Text.PlainText
         color: Style.text
         font.family: Style.family

@@ -1,0 +1,52 @@
+import QtQuick
+
+// The field in which a todo's text is changed. Leaving it keeps what was written; Escape does not.
+Rectangle {
+    id: editor
+
+    signal committed(string text)
+    signal discarded
+
+    radius: 6
+    color: Qt.rgba(1, 1, 1, 0.1)
+    border.color: Style.focus
+    border.width: 2
+
+    function begin(text) {
+        input.text = text;
+        input.forceActiveFocus(Qt.OtherFocusReason);
+        input.selectAll();
+    }
+
+    TextInput {
+        id: input
+        x: 6
+        width: parent.width - 12
+        anchors.verticalCenter: parent.verticalCenter
+        clip: true
+        color: Style.text
+        selectionColor: Style.focus
+        selectByMouse: true
+        maximumLength: 2000
+        font.family: Style.family
+        font.pixelSize: Style.bodySize
+
+        Accessible.role: Accessible.EditableText
+        Accessible.name: qsTr("Edit todo")
+        Accessible.editable: true
+
+        Keys.onReturnPressed: editor.committed(text)
+        Keys.onEnterPressed: editor.committed(text)
+        Keys.onEscapePressed: editor.discarded()
+        Keys.onTabPressed: editor.committed(text)
+        Keys.onBacktabPressed: editor.committed(text)
+        Keys.onUpPressed: {}
+        Keys.onDownPressed: {}
+        Keys.onLeftPressed: (event) => event.accepted = cursorPosition === 0 && selectedText === ""
+        Keys.onRightPressed: (event) => event.accepted = cursorPosition === length && selectedText === ""
+        onActiveFocusChanged: {
+            if (!activeFocus)
+                editor.committed(text);
+        }
+    }
+}
