@@ -41,7 +41,7 @@ public:
 
 private:
     struct Vocabulary;
-    const Clock& clock_;
+    const Clock* clock_;
     std::unique_ptr<Vocabulary> vocabulary_;
 };
 
