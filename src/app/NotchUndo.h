@@ -26,6 +26,8 @@ public:
     /// Runs the newest action and forgets it. False when there is none.
     bool undo();
 
+    std::size_t size() const { return stack_.size(); }
+
     /// Runs an action so that what it changes moves with the spring; the user interface sets it. Without it actions
     /// just run.
     std::function<void(const Spring& spring, const Action& action)> animate;

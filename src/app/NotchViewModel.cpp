@@ -53,6 +53,8 @@ void NotchViewModel::start() {
 void NotchViewModel::watchStores() {
     observers_.push_back(flagStore_->onWillChange([this] { flagsSettled_.trigger(); }));
     observers_.push_back(todoStore_.onWillChange([this] { todosSettled_.trigger(); }));
+    // The agent is to know the reminders that are there at the start, too.
+    todosSettled_.trigger();
     // Keeps a card's flag in step with the star of the todo that was made from it.
     todoStore_.onPrioChanged = [this](const Todo& todo) {
         if (todo.sourceItemKey) flagStore_->setPrio(*todo.sourceItemKey, todo.text, todo.isPrio());
@@ -216,6 +218,11 @@ void NotchViewModel::setExpanded(bool expanded) {
     if (expanded) hasUnread_ = false;
     with_.meetings.setActive(expanded);
     with_.nowPlaying.setActive(expanded);
+}
+
+bool NotchViewModel::holds(Instant until, Seconds longest) const {
+    const Seconds left = until - with_.clock.now();
+    return left >= 0 && left <= longest;
 }
 
 const Briefing* NotchViewModel::current() const {

@@ -46,6 +46,8 @@ public:
     /// After a collapse that did not come from the pointer, hovering does not unfold for this long.
     static constexpr Seconds suppressAfterCollapse = 1.2;
     static constexpr Seconds keepOpenAfterReveal = 5;
+    /// Nothing keeps the panel open for longer than this. What seems to is from before the clock was set back.
+    static constexpr Seconds longestKeepOpen = 30;
     /// How long a revealed todo is highlighted.
     static constexpr Seconds highlightDuration = 3;
     /// Store changes are collected this long before what is derived from them is computed again.
@@ -107,6 +109,9 @@ public:
     /// Hovering must not unfold the panel before this time.
     Instant suppressExpandUntil() const { return suppressExpandUntil_; }
     void setSuppressExpandUntil(Instant instant) { suppressExpandUntil_ = instant; }
+    /// Whether one of the two holds now.
+    bool isKeptOpen() const { return holds(keepOpenUntil_, longestKeepOpen); }
+    bool isExpandSuppressed() const { return holds(suppressExpandUntil_, suppressAfterCollapse); }
 
     /// The measured height (points) of the briefing column's content; 0 until it was measured.
     double briefContentHeight() const { return briefContentHeight_; }
@@ -115,6 +120,7 @@ public:
     void reportBriefContentHeight(double height);
 
 private:
+    bool holds(Instant until, Seconds longest) const;
     void startProvider();
     void apply(std::vector<Briefing> items);
     // Lists `items` and brings the newest one's contents into the stores.

@@ -127,7 +127,7 @@ void NotchController::takeKeyboardForEditing() {
 
 bool NotchController::mayFold() const {
     const NotchViewModel& model = with_.viewModel;
-    return model.expanded() && model.reminderUIOpen() == 0 && with_.clock.now() > model.keepOpenUntil();
+    return model.expanded() && model.reminderUIOpen() == 0 && !model.isKeptOpen();
 }
 
 void NotchController::foldForFocusChange() {
@@ -174,7 +174,7 @@ void NotchController::pointerMoved() {
 
     NotchViewModel& model = with_.viewModel;
     if (inside) {
-        if (!model.expanded() && with_.clock.now() > model.suppressExpandUntil()) model.setExpanded(true);
+        if (!model.expanded() && !model.isExpandSuppressed()) model.setExpanded(true);
         return;
     }
     if (mayFold() && !panel_->frame().grownBy(foldMargin).contains(pointer)) model.setExpanded(false);
@@ -206,7 +206,7 @@ StateReport NotchController::report() const {
     report.panelOnScreen = panel_ && panel_->isOnScreen();
     report.screenFrame = metrics_ ? metrics_->screenFrame : Rect{};
     report.briefings = static_cast<int>(model.briefings().size());
-    report.suppressed = with_.clock.now() < model.suppressExpandUntil();
+    report.suppressed = model.isExpandSuppressed();
     report.pointer = with_.monitors.pointerLocation();
     report.inZone = metrics_ && metrics_->hotZone().contains(report.pointer);
     if (with_.spaces != nullptr) {

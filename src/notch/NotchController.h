@@ -32,7 +32,7 @@ public:
     /// How long the panel stays open for a todo to be written, wherever the pointer is.
     static constexpr Seconds keepOpenForCapture = 20;
     /// How long it stays open for a text that is being edited.
-    static constexpr Seconds keepOpenForEditing = 30;
+    static constexpr Seconds keepOpenForEditing = NotchViewModel::longestKeepOpen;
     static constexpr Seconds pointerPollInterval = 0.05;
     static constexpr Seconds spacePollInterval = 0.25;
     static constexpr Seconds screenChangeDelay = 0.6;

@@ -185,6 +185,13 @@ TEST_F(NotchViewModelTest, TellsTheAgentWhatIsUntouchedASecondAfterTheLastFlag) 
     platform.time.advance(1.1);
     EXPECT_EQ(feedback()["reminders"], nlohmann::json::array({"Send the deck — reminder set for 2027-01-05 09:05 "
                                                               "(repeats weekly)"}));
+    // The next run tells of it as well, although nothing changes.
+    model.reset();
+    SetUp();
+    start();
+    model->flagStore().togglePrio(BriefingItem("**Card** 30"));
+    platform.time.advance(1.1);
+    EXPECT_EQ(feedback()["reminders"].size(), 1U);
     model->todoStore().toggle(todo.id);
     platform.time.advance(1.1);
     EXPECT_TRUE(feedback()["reminders"].empty());

@@ -81,6 +81,18 @@ TEST_F(NotchDesktopTest, EditingTakesTheKeyboardAndKeepsThePanelOpen) {
     EXPECT_FALSE(model->expanded());
 }
 
+TEST_F(NotchDesktopTest, AClockThatIsSetBackNeitherHoldsThePanelOpenNorShut) {
+    start();
+    post(notification::quickCapture);
+    platform.time.jumpWallClock(platform.clock.now() - 3600);
+    moveTo({101, 100});
+    EXPECT_FALSE(model->expanded());
+    post(notification::collapseNotch);
+    platform.time.jumpWallClock(platform.clock.now() - 3600);
+    EXPECT_FALSE(askForReport()["suppressed"]);
+    open();
+}
+
 TEST_F(NotchDesktopTest, TurningToAnotherProgramFoldsUnlessAMenuIsOpenOrItMustStay) {
     const std::function<void()> turns[] = {[this] { workspace.activateAnother(); },
                                            [this] { pointer.pressElsewhere(); }};

@@ -44,6 +44,8 @@ public:
     }
     /// The desktop loses the question.
     void swallowQuestion() { std::exchange(question_, nullptr)(false); }
+    /// Whether the question is on screen.
+    bool isAsked() const { return static_cast<bool>(question_); }
     void change() { observers_.call(); }
 
     CalendarAccess status = CalendarAccess::full;

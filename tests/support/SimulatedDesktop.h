@@ -93,7 +93,8 @@ private:
 class SimulatedPanelWindows : public PanelWindows {
 public:
     struct Window : PanelWindow {
-        Window(const Rect& rect, std::uint64_t itsNumber) : rectangle(rect), id(itsNumber) {}
+        Window(const Rect& rect, std::uint64_t itsNumber, std::shared_ptr<void> counted)
+            : rectangle(rect), id(itsNumber), alive(std::move(counted)) {}
         std::uint64_t number() const override { return id; }
         Rect frame() const override { return rectangle; }
         bool isVisible() const override { return visible; }
@@ -104,6 +105,7 @@ public:
         void resignKey() override { key = false; }
         Rect rectangle;
         std::uint64_t id;
+        std::shared_ptr<void> alive;
         bool visible = false;
         bool key = false;
     };
@@ -111,14 +113,20 @@ public:
     std::unique_ptr<PanelWindow> make(const Rect& frame, const Size& notchSize, double /*cardWidth*/,
                                       double /*maxCardHeight*/) override {
         lastNotch = notchSize;
-        auto window = std::make_unique<Window>(frame, static_cast<std::uint64_t>(++made));
+        auto window = std::make_unique<Window>(frame, static_cast<std::uint64_t>(++made), alive_);
         last = window.get();
         return window;
     }
 
+    /// How many windows exist.
+    long count() const { return alive_.use_count() - 1; }
+
     int made = 0;
     Size lastNotch;
     Window* last = nullptr;  // valid while the panel it stands for exists
+
+private:
+    std::shared_ptr<void> alive_ = std::make_shared<int>(0);
 };
 
 /// A desktop around the program whose events a test brings about, and which remembers what was opened.
