@@ -20,6 +20,7 @@ constexpr Spring eventSpring{0.3, 0.7};
 
 TodoColumnPresenter::TodoColumnPresenter(const Collaborators& collaborators)
     : with_(collaborators),
+      dates_(collaborators.clock),
       list_(collaborators.clock,
             [this](const Todo& todo) {
                 const auto date = upcomingDate(todo);
@@ -210,8 +211,10 @@ void TodoColumnPresenter::clearReminder(const QString& id) {
     emit announced(tr("Reminder cleared"));
 }
 
-std::optional<DetectedDate> TodoColumnPresenter::upcomingDate(const Todo& /*todo*/) {
-    return std::nullopt;
+std::optional<DetectedDate> TodoColumnPresenter::upcomingDate(const Todo& todo) {
+    if (todo.done || todo.eventID) return std::nullopt;
+    const auto date = dates_.firstDate(todo.text);
+    return date && date->date > with_.clock.now() ? date : std::nullopt;
 }
 
 void TodoColumnPresenter::addToCalendar(const QString& id) {

@@ -137,6 +137,7 @@ private:
     std::optional<DetectedDate> upcomingDate(const Todo& todo);
 
     Collaborators with_;
+    DateDetector dates_;
     TodoListModel list_;
     int doneCount_ = 0;
     QString highlighted_;

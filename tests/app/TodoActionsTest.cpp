@@ -1,0 +1,103 @@
+#include "app/TodoActions.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/SimulatedFileSystem.h"
+#include "support/SimulatedPlatform.h"
+
+namespace sunpane {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct TodoActionsTest : ::testing::Test {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedFileSystem files{platform.clock};
+    testing::SimulatedCloudFiles cloudFiles;
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
+                          "/state"};
+    TodoStore todos{storeFiles, "/briefings"};
+    NotchUndo undo;
+
+    std::vector<std::string> texts() const {
+        std::vector<std::string> result;
+        for (const Todo& todo : todos.todos())
+            result.push_back(todo.text);
+        return result;
+    }
+};
+
+TEST_F(TodoActionsTest, WhatIsDroppedIsACardOrAText) {
+    struct Case {
+        const char* dropped;
+        const char* text;
+        std::optional<std::string> key;
+        bool prio;
+    };
+    const Case cases[] = {
+        {R"({"dawnly": true, "text": "Reply to Legal", "key": "reply-legal", "prio": true})", "Reply to Legal",
+         "reply-legal", true},
+        {R"({"text": "No key", "dawnly": true, "prio": "yes"})", "No key", std::nullopt, false},
+        {R"({"dawnly": true, "text": "Odd key", "key": 7})", "Odd key", std::nullopt, false},
+        {R"({"dawnly": 1, "text": "Mark"})", R"({"dawnly": 1, "text": "Mark"})", std::nullopt, false},
+        {R"({"dawnly": true, "text": 5})", R"({"dawnly": true, "text": 5})", std::nullopt, false},
+        {R"(["dawnly"])", R"(["dawnly"])", std::nullopt, false},
+        {"  Buy milk\n", "Buy milk", std::nullopt, false},
+        {"{ not json", "{ not json", std::nullopt, false},
+    };
+    for (const auto& c : cases) {
+        todo_actions::addDropped(todos, c.dropped);
+        const auto& list = todos.todos();
+        const auto added =
+            std::find_if(list.begin(), list.end(), [&](const Todo& todo) { return todo.text == c.text; });
+        ASSERT_NE(added, list.end()) << c.dropped;
+        EXPECT_EQ(added->sourceItemKey, c.key) << c.dropped;
+        EXPECT_EQ(added->isPrio(), c.prio) << c.dropped;
+        EXPECT_EQ(added->source, c.key ? "item" : "you") << c.dropped;
+    }
+    const auto before = todos.todos();
+    todo_actions::addDropped(todos, cases[0].dropped);
+    todo_actions::addDropped(todos, " \n ");
+    todo_actions::addDropped(todos, std::string(200000, '['));  // a text, and no tower for the parser
+    EXPECT_EQ(todos.todos().size(), before.size() + 1);
+}
+
+TEST_F(TodoActionsTest, AnEditCanBeTakenBackAndNothingIsRememberedOfNone) {
+    todos.add("Call mum");
+    const Uuid id = todos.todos().front().id;
+    todo_actions::renameWithUndo(todos, id, "  ", undo);
+    todo_actions::renameWithUndo(todos, id, "Call mum", undo);
+    todo_actions::renameWithUndo(todos, Uuid::random(), "Nobody", undo);
+    EXPECT_FALSE(undo.undo());
+    todo_actions::renameWithUndo(todos, id, " Call dad ", undo);
+    EXPECT_THAT(texts(), ElementsAre("Call dad"));
+    EXPECT_TRUE(undo.undo());
+    EXPECT_THAT(texts(), ElementsAre("Call mum"));
+}
+
+TEST_F(TodoActionsTest, ADeletedTodoComesBackWhereItWasAndAsItWas) {
+    for (const char* text : {"a", "b", "c"})
+        todos.add(text);
+    const Todo b = todos.todos()[1];
+    todo_actions::removeWithUndo(todos, b.id, undo);
+    EXPECT_TRUE(todos.isDismissed("B"));
+    EXPECT_TRUE(undo.undo());
+    EXPECT_EQ(todos.todos()[1], b);
+    EXPECT_FALSE(todos.isDismissed("b"));
+}
+
+TEST_F(TodoActionsTest, ATickEndsAReminderForGood) {
+    todos.add("a");
+    const Uuid id = todos.todos().front().id;
+    todos.setReminder(id, platform.clock.now() + 3600, "daily");
+    todo_actions::toggle(todos, id);
+    EXPECT_TRUE(todos.todos().front().done);
+    EXPECT_EQ(todos.todos().front().remindAt, std::nullopt);
+    todo_actions::toggle(todos, id);
+    EXPECT_EQ(todos.todos().front().remindAt, std::nullopt);
+    EXPECT_EQ(todos.todos().front().remindRepeat, std::nullopt);
+}
+
+}  // namespace
+}  // namespace sunpane
