@@ -8,6 +8,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "views/WindowSymbols.h"
+
 namespace sunpane {
 namespace {
 
@@ -258,6 +260,7 @@ void SymbolIcon::paint(QPainter* painter) {
     for (const Symbol& symbol : symbols) {
         if (symbol_ == QLatin1String(symbol.name)) return symbol.draw(*painter, color_);
     }
+    drawWindowSymbol(*painter, symbol_, color_);
 }
 
 }  // namespace sunpane

@@ -1,0 +1,31 @@
+#include "views/AlertWindows.h"
+
+namespace sunpane {
+
+AlertWindows::AlertWindows(QQmlEngine& engine) : window_(engine, QStringLiteral("AlertWindow.qml")) {}
+
+void AlertWindows::show(Alert alert, std::function<void(bool)> answered) {
+    waiting_.emplace_back(std::move(alert), std::move(answered));
+    if (waiting_.size() == 1) showNext();
+}
+
+void AlertWindows::showNext() {
+    const Alert& alert = waiting_.front().first;
+    const auto text = [](const std::string& string) { return QString::fromStdString(string); };
+    QQuickWindow& window = window_.show({{QStringLiteral("message"), text(alert.message)},
+                                         {QStringLiteral("informativeText"), text(alert.informativeText)},
+                                         {QStringLiteral("firstButton"), text(alert.firstButton)},
+                                         {QStringLiteral("secondButton"), text(alert.secondButton)}});
+    connect(&window, SIGNAL(answered(bool)), this, SLOT(take(bool)));
+}
+
+void AlertWindows::take(bool first) {
+    if (waiting_.empty()) return;  // closing the window after a choice
+    const auto answered = std::move(waiting_.front().second);
+    waiting_.pop_front();
+    window_.discard();
+    if (!waiting_.empty()) showNext();
+    answered(first);
+}
+
+}  // namespace sunpane

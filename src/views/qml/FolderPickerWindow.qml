@@ -1,0 +1,203 @@
+import QtQuick
+import QtQuick.Window
+import Sunpane
+
+// Walks through folders, or takes a path that is typed.
+Window {
+    id: dialog
+
+    required property var picker
+
+    width: Math.min(520, Screen.desktopAvailableWidth - 24)
+    height: Math.min(440, Screen.desktopAvailableHeight - 56)
+    minimumWidth: 360
+    minimumHeight: 280
+    flags: Qt.Dialog
+    title: qsTr("Choose Folder")
+    color: Style.panelBottom
+    x: Screen.virtualX + (Screen.width - width) / 2
+    y: Screen.virtualY + Math.max(28, (Screen.height - height) / 3)
+
+    onClosing: picker.cancel()
+    Component.onCompleted: path.takeFocus()
+
+    FocusScope {
+        anchors.fill: parent
+        focus: true
+        Keys.onEscapePressed: dialog.picker.cancel()
+
+        IconButton {
+            id: up
+            x: 20
+            y: 22
+            symbol: "arrow.up"
+            label: qsTr("Enclosing folder")
+            enabled: dialog.picker.hasParent
+            onClicked: dialog.picker.leave()
+        }
+        TextEntry {
+            id: path
+            anchors.left: up.right
+            anchors.leftMargin: Style.gap
+            anchors.right: parent.right
+            anchors.rightMargin: 20
+            y: 20
+            label: qsTr("Folder")
+            onSubmitted: dialog.picker.choose(text)
+
+            Connections {
+                target: dialog.picker
+                function onChanged() {
+                    if (dialog.picker.problem.length === 0)
+                        path.text = dialog.picker.folder;
+                }
+            }
+            Component.onCompleted: text = dialog.picker.folder
+        }
+
+        Rectangle {
+            id: frame
+            anchors.top: path.bottom
+            anchors.topMargin: Style.inset
+            anchors.bottom: problem.top
+            anchors.bottomMargin: Style.gap
+            x: 20
+            width: parent.width - 40
+            radius: Style.cardRadius
+            color: Qt.rgba(0, 0, 0, 0.28)
+            border.color: names.activeFocus ? Style.focus : Style.hairline
+            border.width: names.activeFocus ? 2 : 1
+
+            ListView {
+                id: names
+                anchors.fill: parent
+                anchors.margins: 6
+                clip: true
+                activeFocusOnTab: true
+                model: dialog.picker.names
+                boundsBehavior: Flickable.StopAtBounds
+                highlightMoveDuration: 0
+
+                Accessible.role: Accessible.List
+                Accessible.name: qsTr("Folders")
+                Keys.onReturnPressed: enterCurrent()
+                Keys.onEnterPressed: enterCurrent()
+                Keys.onRightPressed: enterCurrent()
+                Keys.onLeftPressed: dialog.picker.leave()
+                Keys.onPressed: (event) => {
+                    if (event.key !== Qt.Key_Backspace)
+                        return;
+                    dialog.picker.leave();
+                    event.accepted = true;
+                }
+                function enterCurrent() {
+                    if (currentItem)
+                        dialog.picker.enter(currentItem.modelData);
+                }
+
+                delegate: Rectangle {
+                    id: row
+                    required property string modelData
+                    required property int index
+                    readonly property bool current: ListView.isCurrentItem && names.activeFocus
+                    width: names.width
+                    height: 28
+                    radius: 6
+                    color: current ? Qt.rgba(0.04, 0.52, 1, 0.45) : area.pressed ? Style.pressed
+                        : area.containsMouse ? Style.hover : "transparent"
+
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: modelData
+                    Accessible.onPressAction: dialog.picker.enter(modelData)
+
+                    SymbolIcon {
+                        x: 8
+                        anchors.verticalCenter: parent.verticalCenter
+                        width: 15
+                        height: 15
+                        symbol: "folder"
+                        color: Style.secondaryText
+                    }
+                    Text {
+                        x: 32
+                        width: parent.width - x - 8
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: row.modelData
+                        textFormat: Text.PlainText
+                        elide: Text.ElideMiddle
+                        color: Style.text
+                        font.family: Style.family
+                        font.pixelSize: Style.bodySize
+                    }
+                    MouseArea {
+                        id: area
+                        anchors.fill: parent
+                        hoverEnabled: true
+                        onClicked: dialog.picker.enter(row.modelData)
+                    }
+                }
+            }
+            BodyText {
+                anchors.centerIn: parent
+                visible: names.count === 0
+                caption: true
+                text: qsTr("No folders in here")
+            }
+        }
+        BodyText {
+            id: problem
+            x: 20
+            width: parent.width - 40
+            anchors.bottom: buttons.top
+            anchors.bottomMargin: text.length > 0 ? Style.gap : 0
+            height: text.length > 0 ? implicitHeight : 0
+            caption: true
+            color: Style.remove
+            text: dialog.picker.problem
+        }
+        Item {
+            id: buttons
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 20
+            x: 20
+            width: parent.width - 40
+            height: 30
+
+            TextEntry {
+                id: newName
+                visible: false
+                width: 150
+                label: qsTr("Name of the new folder")
+                maximumLength: 255
+                onSubmitted: {
+                    dialog.picker.create(text);
+                    visible = false;
+                    path.takeFocus();
+                }
+            }
+            LabelButton {
+                visible: !newName.visible
+                text: qsTr("New Folder…")
+                onClicked: {
+                    newName.text = "";
+                    newName.visible = true;
+                    newName.takeFocus();
+                }
+            }
+            Row {
+                anchors.right: parent.right
+                spacing: Style.gap
+
+                LabelButton {
+                    text: qsTr("Cancel")
+                    onClicked: dialog.picker.cancel()
+                }
+                LabelButton {
+                    text: dialog.picker.prompt
+                    suggested: true
+                    onClicked: dialog.picker.choose(path.text)
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,70 @@
+import QtQuick
+import Sunpane
+
+// A button with words, and a symbol before them where one is given.
+Item {
+    id: button
+
+    required property string text
+    property string symbol: ""
+    property bool suggested: false
+    signal clicked
+
+    implicitWidth: label.implicitWidth + 28
+    implicitHeight: 30
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.focusable: true
+    Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+    Keys.onSpacePressed: clicked()
+
+    Rectangle {
+        anchors.fill: parent
+        radius: 8
+        color: button.suggested ? Style.focus : Qt.rgba(1, 1, 1, 0.09)
+        border.color: button.suggested ? "transparent" : Style.hairline
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: 8
+        color: area.pressed ? Qt.rgba(0, 0, 0, 0.2) : Style.pressed
+        visible: area.containsMouse
+    }
+    Row {
+        id: label
+        anchors.centerIn: parent
+        spacing: 7
+
+        SymbolIcon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: button.symbol.length > 0
+            width: 13
+            height: 13
+            symbol: button.symbol
+            color: Style.text
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            text: button.text
+            color: Style.text
+            font.family: Style.family
+            font.pixelSize: Style.bodySize
+            font.weight: button.suggested ? Font.DemiBold : Font.Normal
+        }
+    }
+    FocusRing {
+        control: button
+        anchors.margins: -2
+        radius: 10
+    }
+    MouseArea {
+        id: area
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: button.clicked()
+    }
+}
