@@ -122,6 +122,8 @@ Flickable {
             font.family: Style.family
             font.pixelSize: Style.captionSize
             onVisibleChanged: Qt.callLater(rows.measure)
+
+            Scrim {}
         }
         TextButton {
             id: hiddenCards
@@ -146,6 +148,8 @@ Flickable {
         font.pixelSize: Style.bodySize
         Accessible.role: Accessible.StaticText
         Accessible.name: text
+
+        Scrim {}
     }
 
     Rectangle {

@@ -23,7 +23,7 @@ Item {
     signal toggled
 
     readonly property bool unfolded: recap || isOpen
-    readonly property real headerHeight: recap ? 0 : 38
+    readonly property real headerHeight: recap ? Style.inset : 38
     // What the section takes once its motion has ended.
     readonly property real targetHeight: headerHeight + (unfolded && body.item ? body.item.implicitHeight : 0)
     property real shownHeight: targetHeight
@@ -42,7 +42,6 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        visible: !section.recap
         radius: Style.sectionRadius
         color: Style.section
         border.color: Style.hairline
@@ -135,8 +134,7 @@ Item {
         active: section.unfolded || section.shownHeight > section.headerHeight + 0.5
 
         sourceComponent: Item {
-            readonly property real side: section.recap ? 0 : Style.inset
-            implicitHeight: stack.y + stack.height + (section.recap ? 0 : Style.inset)
+            implicitHeight: stack.y + stack.height + Style.inset
             opacity: section.unfolded ? 1 : 0
             Behavior on opacity {
                 enabled: section.animated
@@ -146,8 +144,8 @@ Item {
             Text {
                 id: introText
                 linkColor: Style.link
-                x: parent.side
-                width: parent.width - 2 * parent.side
+                x: Style.inset
+                width: parent.width - 2 * Style.inset
                 visible: text.length > 0
                 text: section.intro
                 textFormat: Text.StyledText
@@ -159,9 +157,9 @@ Item {
             }
             Column {
                 id: stack
-                x: parent.side
+                x: Style.inset
                 y: section.intro.length > 0 ? introText.implicitHeight + Style.gap : 0
-                width: parent.width - 2 * parent.side
+                width: parent.width - 2 * Style.inset
                 spacing: 6
                 Repeater {
                     id: shownCards

@@ -20,6 +20,9 @@ Item {
     Keys.onEnterPressed: clicked()
     Keys.onSpacePressed: clicked()
 
+    Scrim {
+        anchors.margins: 0
+    }
     Text {
         id: label
         anchors.centerIn: parent
