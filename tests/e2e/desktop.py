@@ -135,6 +135,14 @@ class Desktop:
 
     # What a user and an agent do.
 
+    def set_defaults(self, **settings):
+        """Changes settings, of which the program must not be writing any."""
+        path = self.home + "/config/dawnly/defaults.json"
+        with open(path) as defaults:
+            settings = {**json.load(defaults), **settings}
+        with open(path, "w") as defaults:
+            json.dump(settings, defaults)
+
     def write_briefing(self, name, text):
         with open(os.path.join(self.briefings, name), "w") as briefing:
             briefing.write(text)
