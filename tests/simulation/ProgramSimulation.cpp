@@ -117,7 +117,7 @@ private:
                 world_.broadcasts.broadcast("app.dawnly.Dawnly.expand");
                 world_.platform.time.runPending();
                 require(model().expanded() && !model().hasUnread(), "asked to, the panel unfolds");
-                return "asked to unfold";
+                return chance(2) ? "asked to unfold" : "asked to unfold, " + turnAway();
             default:
                 world_.pointer.moveTo({fraction() * 3000 - 500, fraction() * 2000 - 200});
                 return "pointer somewhere";
@@ -167,7 +167,7 @@ private:
         require(world_.windows.last->key == !wasOpen, "the panel has the keyboard while it is open for a todo");
         if (wasOpen) return "hotkey folds";
         todos().add(text());
-        return "capture " + todos().todos().back().text;
+        return chance(2) ? "capture" : "capture, " + turnAway();
     }
 
     std::string menu() {
@@ -194,6 +194,11 @@ private:
             std::erase_if(items, [this](const BriefingItem& item) { return flagsOf(item).hidden; });
         }
         if (items.empty()) return "no cards";
+        if (chance(30)) {
+            for (std::size_t i = 0; i < 3 * NotchUndo::maximumActions && !flagsOf(items.front()).hidden; ++i)
+                swipe(items.front());
+            return "swipe again and again";
+        }
         return swipe(items[below(items.size())]);
     }
 
@@ -500,8 +505,9 @@ private:
     void prepareEnd() {
         endFault();
         if (isAway_) note(changeFolder());
-        // What has lapsed is gone, so that the next start finds what is there now.
-        model().flagStore().writeFeedback();
+        // A change like any other: it takes what has lapsed out of the file, where a clock that was set back would find
+        // it alive.
+        model().flagStore().setPrio("no-card", "no card", false);
         world_.platform.time.runPending();
     }
 
