@@ -5,7 +5,7 @@ programs=$1
 here=$(dirname "$(readlink -f "$0")")
 
 mkdir -p "$HOME/briefings" "$HOME/.config/dawnly"
-printf '{"briefingsFolderPath": "%s", "calendarAccess": "denied"}\n' "$HOME/briefings" >"$HOME/.config/dawnly/defaults.json"
+printf '{"briefingsFolderPath": "%s", "calendarAccess": "denied", "didWriteWelcomeBrief": true, "didCompleteOnboarding": true}\n' "$HOME/briefings" >"$HOME/.config/dawnly/defaults.json"
 cp "$here/../packaging/sample-briefing.md" "$HOME/briefings/$(date +%F).md"
 
 for program in "$programs"/*_bench; do

@@ -7,7 +7,8 @@ trap 'kill "${children[@]}" 2>/dev/null; wait 2>/dev/null' EXIT
 # settings [MEMBERS]: the sample's settings, with more members of JSON, each with a comma before it.
 settings() {
   mkdir -p "$HOME/.config/dawnly"
-  printf '{"briefingsFolderPath": "%s", "calendarAccess": "fullAccess"%s}\n' "$HOME/briefings" "${1-}" \
+  printf '{"briefingsFolderPath": "%s", "calendarAccess": "fullAccess", "didWriteWelcomeBrief": true,
+    "didCompleteOnboarding": true%s}\n' "$HOME/briefings" "${1-}" \
     >"$HOME/.config/dawnly/defaults.json"
 }
 

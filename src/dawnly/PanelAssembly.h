@@ -25,6 +25,9 @@ public:
     std::unique_ptr<PanelWindow> make(const Rect& frame, const Size& notchSize, double cardWidth,
                                       double maxCardHeight) override;
 
+    /// For the program's other windows, which share what the panel has loaded.
+    QQmlEngine& engine() { return engine_; }
+
 private:
     PanelPresenter::Collaborators collaborators_;
     PanelBackground::Collaborators background_;

@@ -2,7 +2,10 @@
 #include <QLoggingCategory>
 #include <QQuickWindow>
 #include <cstdlib>
+#include <optional>
 
+#include "app/AppDelegate.h"
+#include "app/LoginItem.h"
 #include "app/NotchViewModel.h"
 #include "app/NotificationResponses.h"
 #include "app/TodoReminders.h"
@@ -20,6 +23,7 @@
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/DesktopNotificationService.h"
 #include "linux/desktop/QtArtworkLoader.h"
+#include "linux/desktop/QtPasteboard.h"
 #include "linux/desktop/QtRunLoop.h"
 #include "linux/desktop/QtScreens.h"
 #include "linux/desktop/QtWorkspace.h"
@@ -30,12 +34,15 @@
 #include "linux/desktop/X11Hotkeys.h"
 #include "linux/desktop/X11WindowSpaces.h"
 #include "linux/players/PlayerAdapters.h"
+#include "linux/system/AutostartLoginService.h"
 #include "linux/system/InotifyFolderEvents.h"
+#include "linux/system/InstalledBundle.h"
 #include "linux/system/JsonUserDefaults.h"
 #include "linux/system/LocalCloudFiles.h"
 #include "linux/system/OwnBundle.h"
 #include "linux/system/PosixFileSystem.h"
 #include "linux/system/ReportFile.h"
+#include "linux/system/SingleInstance.h"
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
@@ -45,9 +52,15 @@
 #include "notch/ScrollSwipeHub.h"
 #include "notch/StateReport.h"
 #include "nowplaying/NowPlaying.h"
+#include "onboarding/Tour.h"
 #include "reminders/PendingNotifications.h"
 #include "reminders/ReminderScheduler.h"
+#include "settings/SettingsModel.h"
+#include "views/AlertWindows.h"
 #include "views/CalendarPrompt.h"
+#include "views/FolderPickerWindow.h"
+#include "views/OnboardingWindowController.h"
+#include "views/SettingsWindowController.h"
 #include "views/ThemeStore.h"
 
 namespace {
@@ -58,12 +71,7 @@ Q_LOGGING_CATEGORY(programLog, "dawnly.program")
 class Program {
 public:
     Program() {
-        expandRequests_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".expand", [this] {
-            qCInfo(programLog) << "asked to unfold";
-            notifications_.post(sunpane::notification::revealTodo);
-        });
-        hotkey_.registerAnew();
-        controller_.show();
+        delegate_.applicationDidFinishLaunching();
         wakes_ = workspace_.observeWake([this] {
             qCInfo(programLog) << "the machine woke up";
             notificationCenter_.wallClockChanged();
@@ -76,6 +84,12 @@ public:
     }
 
 private:
+    /// Whether the calendars may be read is the program's own question, so it is asked anew.
+    void openCalendarPrivacy(const std::function<void()>& done) {
+        defaults_.remove(sunpane::DesktopCalendarStore::accessKey);
+        calendar_.ensureAccess([done](bool) { done(); });
+    }
+
     sunpane::SystemClock clock_;
     sunpane::QtRunLoop runLoop_;
     sunpane::ThreadWorkQueueFactory queues_;
@@ -137,9 +151,47 @@ private:
         {clock_, runLoop_, screens_, monitors_, windows_, workspace_, &spaces_, pinnedSpace_, distributed_,
          notifications_, viewModel_, [this] { return theme_.themeName(); },
          [](const std::string& json) { sunpane::replaceReport(sunpane::StateReport::path, json); }}};
-    sunpane::Subscription expandRequests_;
+    sunpane::InstalledBundle bundle_{sunpane::InstalledBundle::runningProgram(), sunpane::xdg::homeFolder()};
+    sunpane::AutostartLoginService loginService_{sunpane::AutostartLoginService::defaultFolder(),
+                                                 sunpane::InstalledBundle::runningProgram()};
+    sunpane::LoginItem loginItem_{bundle_, loginService_, defaults_};
+    sunpane::QtPasteboard pasteboard_;
+    sunpane::AlertWindows alerts_{windows_.engine()};
+    sunpane::FolderPickerWindow folderPicker_{windows_.engine()};
+    sunpane::Tour tour_{{defaults_, runLoop_, calendars_, calendar_, workspace_, pasteboard_,
+                         [this](const std::function<void()>& done) { openCalendarPrivacy(done); }}};
+    sunpane::OnboardingWindowController tourWindow_{windows_.engine(), tour_, runLoop_};
+    sunpane::SettingsModel settings_{{defaults_, notifications_, loginItem_, calendars_, workspace_, folderPicker_,
+                                      pasteboard_, [this] { hotkey_.registerAnew(); }}};
+    sunpane::SettingsWindowController settingsWindow_{
+        {windows_.engine(), settings_, calendars_, theme_, runLoop_, notifications_},
+        {[this] { tourWindow_.show(); }, [this] { workspace_.terminate(); }}};
+    sunpane::AppDelegate delegate_{{clock_, runLoop_, defaults_, notifications_, distributed_, files_, workspace_,
+                                    &spaces_, bundle_, loginItem_, alerts_, calendars_, calendar_},
+                                   {[this] { hotkey_.registerAnew(); }, [this] { controller_.show(); },
+                                    [this] { tourWindow_.show(); }, [this] { openCalendarPrivacy([] {}); }}};
     sunpane::Subscription wakes_;
 };
+
+/// Makes this the only copy that runs. The exit code when it cannot be.
+std::optional<int> becomeOnlyCopy(sunpane::SingleInstance& instance) {
+    using Outcome = sunpane::SingleInstance::Outcome;
+    switch (instance.replaceOther()) {
+        case Outcome::alone:
+            return std::nullopt;
+        case Outcome::newerRuns:
+            qCInfo(programLog) << "a newer copy runs";
+            return EXIT_SUCCESS;
+        case Outcome::outOfReach:
+            qCWarning(programLog) << "another copy runs and cannot be ended";
+            return EXIT_FAILURE;
+        case Outcome::unknown:
+            qCWarning(programLog) << "cannot tell whether another copy runs: no lock at"
+                                  << sunpane::SingleInstance::defaultPath().c_str();
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
 
 }  // namespace
 
@@ -162,6 +214,9 @@ int main(int argc, char* argv[]) {
                        << qEnvironmentVariable("QT_QUICK_BACKEND", QStringLiteral("rhi"));
 
     sunpane::quitOnTerminationSignals();
+    // Held until everything is written: the next copy may start then.
+    sunpane::SingleInstance instance(sunpane::SingleInstance::defaultPath());
+    if (const auto exitCode = becomeOnlyCopy(instance)) return *exitCode;
     const Program program;
     return QGuiApplication::exec();
 }

@@ -126,6 +126,7 @@ public:
     Q_INVOKABLE void showHiddenCards();
 
     Q_INVOKABLE void openBriefingsFolder();
+    Q_INVOKABLE void openSettings() { with_.notifications.post(notification::showSettings); }
     Q_INVOKABLE void quit() { with_.workspace.terminate(); }
     /// Folds the panel at the user's wish.
     Q_INVOKABLE void collapse() { with_.notifications.post(notification::collapseNotch); }

@@ -72,7 +72,9 @@ class Desktop:
         os.makedirs(self.home + "/config/dawnly")
         with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
             # Dark, so that pixels do not depend on what is behind the panel.
-            settings = {"briefingsFolderPath": self.briefings, "notchTheme": "dark", **(settings or {})}
+            # Not the first start, which would write a welcome briefing and open a tour in front of everything.
+            settings = {"briefingsFolderPath": self.briefings, "notchTheme": "dark", "didWriteWelcomeBrief": True,
+                        "didCompleteOnboarding": True, **(settings or {})}
             if calendar_access is not None:  # otherwise the program asks
                 settings["calendarAccess"] = calendar_access
             json.dump(settings, defaults)

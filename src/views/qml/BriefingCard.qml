@@ -21,6 +21,10 @@ Item {
                     run: () => card.presenter.openBriefingsFolder()
                 },
                 {
+                    label: qsTr("Settings…"),
+                    run: () => card.presenter.openSettings()
+                },
+                {
                     label: qsTr("Quit Sunpane"),
                     run: () => card.presenter.quit()
                 }
@@ -94,6 +98,11 @@ Item {
                 label: qsTr("Newer briefing")
                 enabled: card.presenter.canGoNewer
                 onClicked: card.presenter.newer()
+            }
+            IconButton {
+                symbol: "gearshape"
+                label: qsTr("Settings")
+                onClicked: card.presenter.openSettings()
             }
         }
     }

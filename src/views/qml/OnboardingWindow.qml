@@ -63,10 +63,10 @@ Window {
             PageScroll {
                 id: page
                 x: 12
-                y: 32
                 width: parent.width - 24
+                anchors.top: parent.top
+                anchors.topMargin: 32
                 anchors.bottom: footer.top
-                height: footer.y - y
                 padding: 24
 
                 Loader {

@@ -41,7 +41,9 @@ Item {
     }
     FocusRing {
         control: button
-        radius: 8
+        // The accent would not show on itself.
+        anchors.margins: -4
+        radius: 12
     }
     MouseArea {
         id: area

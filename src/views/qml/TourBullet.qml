@@ -12,12 +12,12 @@ Row {
 
     Text {
         id: mark
-        width: 22
+        width: 24
         text: bullet.emoji
         horizontalAlignment: Text.AlignHCenter
         color: Style.priority
         font.family: Style.family
-        font.pixelSize: 15
+        font.pixelSize: 17
         Accessible.ignored: true
     }
     BodyText {
