@@ -43,6 +43,7 @@ void CardPresenter::scheduleRefresh() {
 void CardPresenter::refresh() {
     refreshPosted_ = false;
     inHand_ = !std::exchange(springs_, false);
+    emit handChanged();
     const auto& item = coordinator_.hoveredItem();
     swipedKey_ = item ? toQt(item->id()) : QString();
     swipeX_ = coordinator_.swipeX();

@@ -25,8 +25,8 @@ class CardPresenter : public QObject {
     /// How far it is moved, in points, positive to the right.
     Q_PROPERTY(qreal swipeX READ swipeX NOTIFY swipeChanged)
     /// Whether the card is in the user's hand; otherwise it goes to `swipeX` with the spring.
-    Q_PROPERTY(bool inHand READ inHand NOTIFY swipeChanged)
-    Q_PROPERTY(sunpane::SpringCurve spring READ spring NOTIFY swipeChanged)
+    Q_PROPERTY(bool inHand READ inHand NOTIFY handChanged)
+    Q_PROPERTY(sunpane::SpringCurve spring READ spring NOTIFY handChanged)
 
 public:
     /// What a drag carries for the todo column, as JSON.
@@ -87,6 +87,8 @@ public:
     Q_INVOKABLE void join(int sectionId, int index) const;
 
 signals:
+    /// Comes before `swipeChanged`, so that a view knows how to follow it.
+    void handChanged();
     void swipeChanged();
 
 private:
