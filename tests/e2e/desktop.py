@@ -32,7 +32,8 @@ class Screenshot:
         self.wallpaper = self.at(5, self.height - 5)
 
     def at(self, x, y):
-        blue, green, red = self.pixels[y * self.stride + self.bytes_per_pixel * x:][:3]
+        start = y * self.stride + self.bytes_per_pixel * x
+        blue, green, red = self.pixels[start:start + 3]
         return red, green, blue
 
     def is_wallpaper(self, x, y):
@@ -120,7 +121,8 @@ class Desktop:
 
     def start_program(self):
         self.program = self.start(os.environ["DAWNLY"], stderr=None)
-        self.wait_for(lambda: self.report()["panelVisible"], "the panel to show")
+        # A program that has just started misses the question.
+        self.wait_for(lambda: self.report(patience=0.3)["panelVisible"], "the panel to show")
         return self.program
 
     def close(self):
@@ -207,12 +209,12 @@ class Desktop:
     def signal(self, name):
         self.run("dbus-send", "--session", "--type=signal", "/", "app.dawnly.Dawnly." + name)
 
-    def report(self):
-        """Asks the program for its state and reads the answer; an empty one when there is none yet."""
+    def report(self, patience=2):
+        """Asks the program for its state and reads the answer; an empty one when none comes for that many seconds."""
         if os.path.lexists(REPORT):
             os.remove(REPORT)
         self.signal("report")
-        end = time.monotonic() + 2
+        end = time.monotonic() + patience
         while time.monotonic() < end:
             if os.path.exists(REPORT):
                 with open(REPORT) as report:

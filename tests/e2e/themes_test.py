@@ -34,11 +34,12 @@ WINDOW = 28  # wider than any gap between two words
 MARGIN_X = PANEL_LEFT + 30 + 10
 
 
+LINEAR = [level / 255 / 12.92 if level <= 10 else ((level / 255 + 0.055) / 1.055) ** 2.4 for level in range(256)]
+
+
 def luminance(pixel):
-    def linear(value):
-        value /= 255
-        return value / 12.92 if value <= 0.04045 else ((value + 0.055) / 1.055) ** 2.4
-    return sum(part * linear(value) for part, value in zip((0.2126, 0.7152, 0.0722), pixel))
+    red, green, blue = pixel
+    return 0.2126 * LINEAR[red] + 0.7152 * LINEAR[green] + 0.0722 * LINEAR[blue]
 
 
 def contrast(screen, box):
