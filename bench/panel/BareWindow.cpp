@@ -1,5 +1,6 @@
 // The peer of the panel's measurements: a window of the panel's size and kind that draws one black rectangle where the
-// notch is. With --poll it asks the X server for the pointer 20 times a second, and does nothing with the answer.
+// notch is, white while the pointer is on it. With --poll it asks the X server for the pointer 20 times a second, and
+// does nothing with the answer.
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -26,8 +27,10 @@ int main(int argc, char* argv[]) {
 
     QQmlEngine engine;
     QQmlComponent component(&engine);
-    component.setData("import QtQuick\nRectangle { color: 'black'; width: 200; height: 32; x: (780 - 200) / 2 }",
-                      QUrl());
+    component.setData(
+        "import QtQuick\nRectangle { color: area.containsMouse ? 'white' : 'black'; width: 200; height: 32; "
+        "x: (780 - 200) / 2; MouseArea { id: area; anchors.fill: parent; hoverEnabled: true } }",
+        QUrl());
     const std::unique_ptr<QObject> rectangle(component.create());
     qobject_cast<QQuickItem*>(rectangle.get())->setParentItem(window.contentItem());
     window.show();

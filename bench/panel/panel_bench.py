@@ -1,6 +1,7 @@
-"""Start, memory and idle cost of the folded panel beside a bare window of the same toolkit, size and renderer, in one
-run. Usage: panel_bench.py DIRECTORY-OF-PROGRAMS"""
+"""Start, memory, idle cost and readiness of the folded panel beside a bare window of the same toolkit, size and renderer,
+in one run. Usage: panel_bench.py DIRECTORY-OF-PROGRAMS"""
 
+import ctypes
 import mmap
 import os
 import statistics
@@ -11,15 +12,21 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../
 from desktop import Desktop  # noqa: E402
 
 STARTS = 15
+HOVERS = 25
 IDLE_SECONDS = 30
+
+
+def offset(screen, x, y):
+    """Where the pixel is in the server's screen file."""
+    header = int.from_bytes(screen[0:4], "big")
+    stride, colours = int.from_bytes(screen[48:52], "big"), int.from_bytes(screen[76:80], "big")
+    return header + 12 * colours + y * stride + 4 * x
 
 
 def first_frame(desktop, command):
     """Seconds from starting the command to a black pixel where the notch is, and the process."""
     with open(desktop.framebuffer, "rb") as file, mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ) as screen:
-        header = int.from_bytes(screen[0:4], "big")
-        stride, colours = int.from_bytes(screen[48:52], "big"), int.from_bytes(screen[76:80], "big")
-        at = header + 12 * colours + 5 * stride + 4 * 640
+        at = offset(screen, 640, 5)
         assert screen[at:at + 3] != b"\0\0\0"
         start = time.monotonic()
         process = desktop.start(*command)
@@ -28,6 +35,54 @@ def first_frame(desktop, command):
                 raise SystemExit("nothing was drawn")
             time.sleep(0.0005)
         return time.monotonic() - start, process
+
+
+class Pointer:
+    """Moves the pointer without starting a program for it."""
+
+    def __init__(self, desktop):
+        self.x11, self.test = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
+        self.x11.XOpenDisplay.restype = ctypes.c_void_p
+        self.display = ctypes.c_void_p(self.x11.XOpenDisplay(desktop.environment["DISPLAY"].encode()))
+
+    def move(self, x, y):
+        self.test.XTestFakeMotionEvent(self.display, -1, x, y, ctypes.c_ulong(0))
+        self.x11.XFlush(self.display)
+
+
+def first_frame_after_hover(desktop, y):
+    """Seconds from the pointer's move onto the notch to the first change of the pixel at the screen's middle and row y."""
+    pointer, times = Pointer(desktop), []
+    with open(desktop.framebuffer, "rb") as file, mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ) as screen:
+        at = offset(screen, 640, y)
+        for round_number in range(HOVERS):
+            pointer.move(20, 780)
+            # Not in step with any timer.
+            time.sleep(1.2 + round_number * 0.0037)
+            before = screen[at:at + 3]
+            start = time.monotonic()
+            pointer.move(641, 8)
+            while screen[at:at + 3] == before:
+                if time.monotonic() - start > 5:
+                    raise SystemExit("nothing happened when the pointer reached the notch")
+                time.sleep(0.0002)
+            times.append(time.monotonic() - start)
+    pointer.move(20, 780)
+    return times
+
+
+def print_hover(desktop, dawnly, bare):
+    _, panel = first_frame(desktop, dawnly)
+    time.sleep(3)
+    ours = first_frame_after_hover(desktop, 36)  # just below the folded notch
+    stop(desktop, panel)
+    _, peer = first_frame(desktop, bare)
+    time.sleep(3)
+    theirs = first_frame_after_hover(desktop, 20)
+    stop(desktop, peer)
+    print("pointer moved to first frame: panel %.1f ms (longest %.1f), bare window %.1f ms (longest %.1f), ratio %.2f "
+          "(median of %d)" % (1000 * statistics.median(ours), 1000 * max(ours), 1000 * statistics.median(theirs),
+                              1000 * max(theirs), statistics.median(ours) / statistics.median(theirs), HOVERS))
 
 
 def stop(desktop, process):
@@ -83,6 +138,8 @@ def main(programs):
             peer = statistics.median(size[index] for size in sizes["bare"])
             print("%s memory, folded: panel %.1f MB, bare window %.1f MB, ratio %.2f" % (
                 kind, panel / 1024, peer / 1024, panel / peer))
+
+        print_hover(desktop, dawnly, bare)
 
         _, panel = first_frame(desktop, dawnly)
         peer = desktop.start(*bare, "780", "736", "--poll")
