@@ -98,9 +98,12 @@ class Desktop:
     def _start_server(self):
         # The server keeps its screen in a file, as an X Window Dump: what a monitor would show, shapes and all.
         self.framebuffer = os.path.join(self.home, "Xvfb_screen0")
+        self._run_server("Xvfb", "-fbdir", self.home, "-screen", "0", "%dx%dx24" % (WIDTH, HEIGHT))
+
+    def _run_server(self, *command):
+        """Starts an X server that chooses a display number of its own."""
         read, write = os.pipe()
-        self.start("Xvfb", "-fbdir", self.home, "-displayfd", str(write), "-screen", "0", "%dx%dx24" % (WIDTH, HEIGHT), "-nolisten", "tcp",
-                   "-noreset", pass_fds=(write,))
+        self.start(*command, "-displayfd", str(write), "-nolisten", "tcp", "-noreset", pass_fds=(write,))
         os.close(write)
         with os.fdopen(read) as display:
             self.environment["DISPLAY"] = ":" + display.readline().strip()
