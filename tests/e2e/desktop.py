@@ -84,7 +84,7 @@ class Desktop:
         self.run("xsetroot", "-solid", "#c84090")
         if window_manager:
             self.start("openbox", "--sm-disable")
-            self.wait_for(lambda: b"# " in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+            self.wait_for(lambda: b"# " in self.run("xprop", "-root", "_NET_CLIENT_LIST"), "the window manager")
         if compositor:
             self.start("picom", "--backend", "xrender", "--config", "/dev/null")
             time.sleep(1)

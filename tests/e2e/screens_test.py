@@ -24,6 +24,7 @@ class Screens:
         """Whether the pointer opens the panel here and closes it there."""
         d = self.desktop
         d.move(*away)
+        time.sleep(0.2)
         d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 3)
         d.move(*notch)
         d.wait_for(lambda: d.report()["expanded"], "the panel to unfold", 3)
