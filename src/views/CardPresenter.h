@@ -30,7 +30,7 @@ class CardPresenter : public QObject {
 
 public:
     /// What a drag carries for the todo column, as JSON.
-    static constexpr const char* payloadType = "application/json";
+    static constexpr const char* payloadType = "application/x-dawnly-card";
 
     struct Collaborators {
         NotchViewModel& viewModel;

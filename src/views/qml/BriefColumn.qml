@@ -28,6 +28,18 @@ Flickable {
             contentY = Math.min(contentHeight - height, top + item.height - height + Style.gap);
     }
 
+    // A card may be higher than the panel.
+    Keys.onPressed: (event) => {
+        const lowest = Math.max(0, contentHeight - height);
+        if (event.key === Qt.Key_PageDown)
+            contentY = Math.min(lowest, contentY + 0.9 * height);
+        else if (event.key === Qt.Key_PageUp)
+            contentY = Math.max(0, contentY - 0.9 * height);
+        else
+            return;
+        event.accepted = true;
+    }
+
     function announce(text) {
         if (text.length > 0)
             announced(text);

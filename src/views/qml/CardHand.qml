@@ -90,7 +90,7 @@ MouseArea {
     Item {
         id: carried
         property url picture
-        Drag.dragType: Drag.None
+        Drag.dragType: Drag.Automatic
         Drag.supportedActions: Qt.CopyAction
         Drag.imageSource: picture
         Drag.hotSpot: hand.start
@@ -103,7 +103,9 @@ MouseArea {
             Drag.mimeData = hand.card.cards.dragData(hand.card.sectionId, hand.card.index);
             hand.doing = CardHand.Ignoring;
             hand.card.cards.cancelDrag();
-            Drag.startDrag(Qt.CopyAction);
+            // Returns once the card was dropped somewhere.
+            Drag.active = true;
+            Drag.active = false;
         }
     }
 }

@@ -60,9 +60,14 @@ Item {
     }
 
     function place(item, x, y, yAbove) {
-        let at = item.mapToItem(menu, x, y);
-        if (at.y + sheet.height > height - 8)
-            at.y = item.mapToItem(menu, x, yAbove).y;
+        const at = item.mapToItem(menu, x, y);
+        const above = item.mapToItem(menu, x, yAbove).y;
+        if (at.y + sheet.height > height - 8) {
+            if (above >= 8)
+                at.y = above;
+            else if (yAbove !== y)
+                at.x += besideHand;
+        }
         sheet.x = Math.max(8, Math.min(at.x, width - sheet.width - 8));
         sheet.y = Math.max(8, Math.min(at.y, height - sheet.height - 8));
     }
@@ -110,6 +115,8 @@ Item {
         return row >= 0 && row < entries.length ? row : -1;
     }
     readonly property int rowHeight: 28
+    // Where a menu has room neither below nor above its item, it opens to the right of the hand that holds the item.
+    readonly property int besideHand: 64
 
     onCurrentChanged: {
         const row = rows.itemAt(current);

@@ -4,8 +4,8 @@ import QtQuick
 FocusScope {
     id: form
 
-    required property var sheet
-    readonly property var reminders: sheet.presenter.reminders
+    required property var owner
+    readonly property var reminders: owner.presenter.reminders
     property alias time: when.time
     property int repetition: 0
     // The controls in the order of the Tab key.
@@ -15,11 +15,11 @@ FocusScope {
     height: rows.height + 2 * Style.inset
 
     Accessible.role: Accessible.Dialog
-    Accessible.name: qsTr("Remind me about") + " " + sheet.subject
+    Accessible.name: qsTr("Remind me about") + " " + owner.subject
 
     function begin() {
-        time = sheet.time;
-        repetition = sheet.repetition;
+        time = owner.time;
+        repetition = owner.repetition;
         when.first.forceActiveFocus();
     }
     function move(forward) {
@@ -28,9 +28,9 @@ FocusScope {
         next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
     }
 
-    Keys.onEscapePressed: sheet.close()
-    Keys.onReturnPressed: sheet.confirm()
-    Keys.onEnterPressed: sheet.confirm()
+    Keys.onEscapePressed: owner.close()
+    Keys.onReturnPressed: owner.confirm()
+    Keys.onEnterPressed: owner.confirm()
     Keys.onTabPressed: move(true)
     Keys.onBacktabPressed: move(false)
     Keys.onUpPressed: {}
@@ -75,7 +75,7 @@ FocusScope {
             }
             Text {
                 width: parent.width
-                text: form.sheet.subject
+                text: form.owner.subject
                 textFormat: Text.PlainText
                 wrapMode: Text.Wrap
                 maximumLineCount: 2
@@ -119,9 +119,9 @@ FocusScope {
                 id: clear
                 y: 4
                 width: 76
-                visible: form.sheet.canClear
+                visible: form.owner.canClear
                 text: qsTr("Clear")
-                onClicked: form.sheet.clearReminder()
+                onClicked: form.owner.clearReminder()
             }
             PromptButton {
                 id: cancel
@@ -130,7 +130,7 @@ FocusScope {
                 anchors.right: confirm.left
                 anchors.rightMargin: Style.gap
                 text: qsTr("Cancel")
-                onClicked: form.sheet.close()
+                onClicked: form.owner.close()
             }
             PromptButton {
                 id: confirm
@@ -139,7 +139,7 @@ FocusScope {
                 anchors.right: parent.right
                 suggested: true
                 text: qsTr("Set Reminder")
-                onClicked: form.sheet.confirm()
+                onClicked: form.owner.confirm()
             }
         }
     }

@@ -69,6 +69,9 @@ Item {
 
     Rectangle {
         anchors.fill: parent
+        // Round where the panel is, at the bottom only.
+        anchors.topMargin: -radius
+        radius: Style.panelRadius
         color: Qt.rgba(0, 0, 0, 0.35)
         MouseArea {
             anchors.fill: parent
@@ -84,7 +87,7 @@ Item {
         anchors.horizontalCenter: parent.horizontalCenter
         y: Math.max(8, (sheet.height - height) / 2)
         sourceComponent: ReminderForm {
-            sheet: sheet
+            owner: sheet
         }
     }
 }

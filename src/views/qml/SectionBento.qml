@@ -32,6 +32,30 @@ Item {
     implicitHeight: targetHeight
     clip: true
 
+    // Priorities that the briefing misses come in where everything else stands.
+    Component.onCompleted: {
+        if (missed && animated)
+            appearing.start();
+    }
+    ParallelAnimation {
+        id: appearing
+        NumberAnimation {
+            target: section
+            property: "opacity"
+            from: 0
+            to: 1
+            duration: section.spring.duration
+        }
+        NumberAnimation {
+            target: section
+            property: "scale"
+            from: 0.92
+            to: 1
+            duration: section.spring.duration
+            easing: section.spring.curve
+        }
+    }
+
     Behavior on shownHeight {
         enabled: section.animated
         NumberAnimation {

@@ -39,6 +39,7 @@ QtObject {
     readonly property color priorityCard: Qt.rgba(1, 0.624, 0.039, 0.17)
     readonly property color priorityEdge: Qt.rgba(1, 0.624, 0.039, 0.55)
 
+    readonly property int panelRadius: 22
     readonly property int sectionRadius: 14
     readonly property int cardRadius: 10
     readonly property int gap: 8

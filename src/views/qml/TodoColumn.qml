@@ -325,7 +325,9 @@ Rectangle {
         anchors.fill: parent
         onEntered: (drag) => drag.accepted = drag.hasText
         onDropped: (drop) => {
-            todoColumn.presenter.addDropped(drop.text);
+            // A card of the briefing says more of itself than its words.
+            const card = "application/x-dawnly-card";
+            todoColumn.presenter.addDropped(drop.formats.includes(card) ? drop.getDataAsString(card) : drop.text);
             drop.accept(Qt.CopyAction);
         }
     }

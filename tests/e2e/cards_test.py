@@ -1,0 +1,243 @@
+"""What a user does with a card, by a real pointer and keyboard, judged by the files that it changes."""
+
+import datetime
+import json
+import os
+import subprocess
+import time
+import unittest
+
+from desktop import BRIEF_RIGHT, NOTCH, PANEL_RIGHT, WIDTH, Desktop
+
+CARD_LEFT = (WIDTH - 720) // 2 + 20 + 12
+CARD_Y = (146, 187, 228, 269, 310)
+HAND_X = CARD_LEFT + 150
+TODOS_X = BRIEF_RIGHT + 120
+FOCUS = (10, 132, 255)
+BRIEFING = """# Morning
+### Schedule
+- **Alpha** report
+- **Beta** call
+- **Gamma** lunch with [the plan](https://example.org/a?b=1&c=2) and [a file](file:///etc/passwd)
+- **Delta** review
+- **Epsilon** walk
+"""
+
+
+class Cards(unittest.TestCase):
+    def setUp(self):
+        self.desktop = Desktop(window_manager=True)
+        self.addCleanup(self.desktop.close)
+        # Room for a menu below the first card.
+        self.desktop.write_briefing("2026-11-22.md", BRIEFING + "".join("### S%d\n- Card\n" % i for i in range(3)))
+        self.opened = self.desktop.catch_addresses()
+        self.desktop.start_program()
+        self.desktop.move(*NOTCH)
+        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
+
+    def read(self, name):
+        for _ in range(20):
+            try:
+                with open(os.path.join(self.desktop.briefings, name)) as file:
+                    return json.load(file)
+            except (FileNotFoundError, ValueError):  # not written yet, or being written
+                time.sleep(0.02)
+        return {}
+
+    def todos(self):
+        return self.read("todos.json").get("todos", [])
+
+    def expect_flags(self, prio=(), cleared=(), hidden=()):
+        """That the flags come to this, and that the agent is told the same."""
+        def flags():
+            state = self.read("itemflags.json")
+            return [sorted(state.get(name, ())) for name in ("prio", "cleared", "hidden")]
+
+        wanted = [sorted(prio), sorted(cleared), sorted(hidden)]
+        try:
+            self.desktop.wait_for(lambda: flags() == wanted, "the flags", 3)
+        except AssertionError:
+            self.assertEqual(flags(), wanted)
+        names = {"alpha-report": "Alpha report"}
+        feedback = self.read("feedback.json")
+        self.assertEqual([entry["text"] for entry in feedback["prio"]], [names[key] for key in prio])
+        self.assertEqual(feedback["cleared"], [names[key] for key in cleared])
+
+    def swipe(self, card, distance):
+        start = (HAND_X, CARD_Y[card])
+        self.desktop.drag(start, (start[0] + distance, start[1] + 2))
+        time.sleep(0.6)
+
+    def hold(self, card):
+        self.desktop.run("xdotool", "mousemove", str(HAND_X), str(CARD_Y[card]), "mousedown", "1")
+        time.sleep(0.7)
+
+    def menu_row(self, card, row):
+        """A row of the reminder menu below a card."""
+        return HAND_X, CARD_Y[card] + 63 + 28 * row
+
+    def focus_card(self, card):
+        """Goes to a card with the Tab key; a ring shows when it has arrived."""
+        for _ in range(20):
+            self.desktop.key("Tab")
+            time.sleep(0.1)
+            pixel = self.desktop.screenshot().at(CARD_LEFT + 1, CARD_Y[card])
+            if all(abs(a - b) < 12 for a, b in zip(pixel, FOCUS)):
+                return
+        self.fail("the keyboard does not reach the card")
+
+    def click_into_panel(self):
+        self.desktop.click(WIDTH // 2, 60)
+        time.sleep(0.2)
+
+    def test_swipes_flag_clear_and_hide_and_are_taken_back(self):
+        self.swipe(0, 70)  # not far enough
+        time.sleep(0.3)
+        self.assertFalse(os.path.exists(self.desktop.briefings + "/itemflags.json"))
+        self.swipe(0, 72)
+        self.expect_flags(prio=["alpha-report"])
+        self.swipe(0, -72)
+        self.expect_flags(cleared=["alpha-report"])
+        self.assertEqual(self.desktop.screenshot().card_count(), 5)
+        self.swipe(0, -72)
+        self.expect_flags(cleared=["alpha-report"], hidden=["alpha-report"])
+        self.desktop.wait_for(lambda: self.desktop.screenshot().card_count() == 4, "the card to go")
+        for flags in ({"cleared": ["alpha-report"]}, {"prio": ["alpha-report"]}, {}):
+            self.desktop.key("ctrl+z")
+            self.expect_flags(**flags)
+        self.desktop.wait_for(lambda: self.desktop.screenshot().card_count() == 5, "the card to come back")
+
+    def test_a_vertical_drag_does_nothing(self):
+        self.desktop.drag((HAND_X, CARD_Y[0]), (HAND_X + 5, CARD_Y[3]))
+        self.desktop.drag((HAND_X, CARD_Y[0]), (HAND_X + 20, CARD_Y[0] + 40), hold=0.1)
+        time.sleep(0.7)  # as long as a menu would take
+        self.desktop.key("Return")
+        time.sleep(0.5)
+        self.assertEqual(self.todos(), [])
+        self.assertFalse(os.path.exists(self.desktop.briefings + "/itemflags.json"))
+
+    def test_holding_a_card_offers_reminders(self):
+        d = self.desktop
+        self.hold(0)
+        d.move(*self.menu_row(0, 0))
+        time.sleep(0.05)
+        d.move(*self.menu_row(0, 1))
+        time.sleep(0.1)
+        before = time.time()
+        d.run("xdotool", "mouseup", "1")
+        d.wait_for(lambda: self.todos() and "remindAt" in self.todos()[0], "the reminder")
+        todo = self.todos()[0]
+        self.assertEqual((todo["text"], todo["sourceItemKey"], todo["source"]), ("Alpha report", "alpha-report", "item"))
+        self.assertAlmostEqual(todo["remindAt"] + 978307200, before + 3 * 3600, delta=2)
+
+        # Let go where it was held, the menu stays for a click; a click beside it closes it.
+        self.hold(1)
+        d.run("xdotool", "mouseup", "1")
+        time.sleep(0.3)
+        d.click(*self.menu_row(1, 0))
+        d.wait_for(lambda: len(self.todos()) == 2, "the todo of the second card")
+        self.hold(2)
+        d.run("xdotool", "mouseup", "1")
+        d.click(TODOS_X, 250)
+        time.sleep(0.2)
+        d.click(*self.menu_row(2, 0))
+        time.sleep(0.5)
+        self.assertEqual(len(self.todos()), 2)
+
+    def test_a_custom_reminder_by_keyboard_alone(self):
+        d = self.desktop
+        self.click_into_panel()
+        self.focus_card(1)
+        d.key("r")
+        time.sleep(0.2)
+        d.key("Up", "Return")
+        time.sleep(0.6)
+        d.key(*"281220270930", "Right", "Right", "Right")  # the digits move on by themselves
+        d.key("Tab", "Right", "Right")
+        d.key("Return")
+        d.wait_for(lambda: self.todos() and "remindAt" in self.todos()[0], "the reminder")
+        todo = self.todos()[0]
+        self.assertEqual((todo["text"], todo["remindRepeat"]), ("Beta call", "weekly"))
+        wanted = datetime.datetime(2027, 12, 28, 9, 30).timestamp()
+        self.assertEqual(todo["remindAt"] + 978307200, wanted)
+        # Escape leaves the sheet, not the panel.
+        d.key("r")
+        time.sleep(0.2)
+        d.key("Up", "Return")
+        time.sleep(0.6)
+        d.key("Escape")
+        time.sleep(0.3)
+        self.assertTrue(d.report()["expanded"])
+        self.assertEqual(len(self.todos()), 1)
+
+    def test_the_menu_copies_and_adds(self):
+        d = self.desktop
+        self.swipe(1, 80)
+        d.click(HAND_X, CARD_Y[1], button=3)
+        time.sleep(0.3)
+        d.key("Return")
+        time.sleep(0.3)
+        copied = subprocess.run(["timeout", "5", "xclip", "-o", "-selection", "clipboard"], env=d.environment,
+                                stdout=subprocess.PIPE, check=True).stdout.decode()
+        self.assertEqual(copied, "Beta call")
+        d.click(HAND_X, CARD_Y[1], button=3)
+        time.sleep(0.3)
+        d.key("Down", "Return")
+        d.wait_for(self.todos, "the todo")
+        todo = self.todos()[0]
+        self.assertEqual((todo["text"], todo["sourceItemKey"], todo["prio"]), ("Beta call", "beta-call", True))
+        self.assertNotIn("remindAt", todo)
+
+    def test_a_card_is_dragged_onto_the_todos(self):
+        d = self.desktop
+        for _ in range(2):  # the second time it is there already
+            d.drag((HAND_X, CARD_Y[3]), (TODOS_X, 250), steps=30, release=False)
+            for x in (TODOS_X + 4, TODOS_X + 8):
+                d.move(x, 252)
+                time.sleep(0.2)
+            d.run("xdotool", "mouseup", "1")
+            d.wait_for(self.todos, "the todo")
+            time.sleep(0.5)
+        self.assertEqual([(todo["text"], todo["sourceItemKey"]) for todo in self.todos()],
+                         [("Delta review", "delta-review")])
+        self.assertFalse(os.path.exists(d.briefings + "/itemflags.json"))
+        self.swipe(0, 80)  # the hand is free again
+        self.expect_flags(prio=["alpha-report"])
+
+    def test_flags_by_keyboard_alone(self):
+        d = self.desktop
+        self.click_into_panel()
+        self.focus_card(0)
+        d.key("shift+Right")
+        self.expect_flags(prio=["alpha-report"])
+        d.key("shift+Left")
+        self.expect_flags(cleared=["alpha-report"])
+        d.key("shift+Left")
+        self.expect_flags(cleared=["alpha-report"], hidden=["alpha-report"])
+        d.key("ctrl+z", "ctrl+z", "ctrl+z")
+        self.expect_flags()
+
+    def test_only_safe_links_open(self):
+        d = self.desktop
+        x = next(x for x in range(HAND_X - 60, PANEL_RIGHT - 300)
+                 if d.screenshot().at(x, CARD_Y[2] - 2)[2] > d.screenshot().at(x, CARD_Y[2] - 2)[0] + 100)
+        d.click(x + 3, CARD_Y[2])
+        d.wait_for(lambda: os.path.exists(self.opened), "the browser")
+        self.click_into_panel()
+        self.focus_card(2)
+        d.key("o")
+
+        def lines():
+            with open(self.opened) as file:
+                return file.read().split()
+
+        d.wait_for(lambda: len(lines()) == 2, "the browser again")
+        for x in range(CARD_LEFT + 20, BRIEF_RIGHT - 40, 12):  # whatever else is in the card
+            d.click(x, CARD_Y[2])
+        time.sleep(0.5)
+        self.assertEqual(set(lines()), {"https://example.org/a?b=1&c=2"})
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
