@@ -1,6 +1,7 @@
 #include "dawnly/CommandLine.h"
 
 #include <QLoggingCategory>
+#include <cstdlib>
 #include <iostream>
 #include <string_view>
 
@@ -19,6 +20,11 @@ constexpr std::string_view help =
     "\n"
     "Options of the Qt toolkit, such as -platform, are understood too. dawnlyctl speaks to the running program.\n";
 
+// The toolkit would dump a core without one.
+bool hasDisplay() {
+    return std::getenv("DISPLAY") != nullptr || std::getenv("QT_QPA_PLATFORM") != nullptr;
+}
+
 }  // namespace
 
 CommandLine readCommandLine(int argc, const char* const* argv) {
@@ -32,6 +38,10 @@ CommandLine readCommandLine(int argc, const char* const* argv) {
         std::cout << (asksForHelp ? help : "dawnly " SUNPANE_VERSION "\n") << std::flush;
         commandLine.exitCode = std::cout ? 0 : 1;
         break;
+    }
+    if (!commandLine.exitCode && argc == (commandLine.isVerbose ? 2 : 1) && !hasDisplay()) {
+        std::cerr << "dawnly: there is no X display: DISPLAY is not set. A Wayland session needs XWayland.\n";
+        commandLine.exitCode = EXIT_FAILURE;
     }
     return commandLine;
 }

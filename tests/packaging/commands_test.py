@@ -104,7 +104,7 @@ class Commands(unittest.TestCase):
         self.assertEqual(sorted(described), sorted(self.commands()))
 
     def test_help_and_version_need_no_display(self):
-        environment = {key: value for key, value in self.environment.items() if "DISPLAY" not in key}
+        environment = {key: value for key, value in self.environment.items() if "DISPLAY" not in key and key != "QT_QPA_PLATFORM"}
         with open(os.path.join(PACKAGING, "man/dawnly.1")) as file:
             page = file.read()
         for program in (PROGRAM, os.environ.get("DAWNLY")):
@@ -116,6 +116,9 @@ class Commands(unittest.TestCase):
                 self.assertIn(os.path.basename(program), told.stdout)
                 self.assertEqual(told.stderr, "")
                 if program != PROGRAM and option == "--help":
+                    without = subprocess.run([program], env=environment, text=True, stderr=subprocess.PIPE)
+                    self.assertEqual(without.returncode, 1)
+                    self.assertIn("no X display", without.stderr)
                     for long in re.findall(r" --([a-z]+) ", told.stdout):
                         self.assertIn(long, page)
 
