@@ -17,7 +17,7 @@ for translucency in 0.2 0.6 1.0; do
     open_panel "$program"
     tile=$HOME/$translucency-$theme.png
     import -window root "$HOME/screen.png"
-    convert "$HOME/screen.png" -crop 840x620+220+0 +repage -resize 50% -set label "$theme, translucency $translucency" "$tile"
+    convert "$HOME/screen.png" -crop 840x540+220+0 +repage -resize 50% -set label "$theme, translucency $translucency" "$tile"
     tiles+=("$tile")
     kill "$panel"
     wait "$panel" || true
