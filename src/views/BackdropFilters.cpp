@@ -30,6 +30,7 @@ void meanRow(const std::uint32_t* row, int width, int radius, std::uint32_t* col
         add(x, true);
     for (int x = 0; x < width; ++x) {
         add(x + radius, true);
+        assert(count > 0);  // at least the pixel itself
         std::uint32_t mean = 0;
         for (std::size_t c = 0; c < sums.size(); ++c)
             mean |= (sums[c] + count / 2) / count << shifts[c];
