@@ -1,5 +1,8 @@
 #include "views/InlineMarkdown.h"
 
+#include <unicode/ubidi.h>
+#include <unicode/unistr.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -16,6 +19,8 @@ namespace {
 // The toolkit's styled text knows no other font within a line, but colours.
 constexpr std::string_view codeStart = R"(<font color="#e8c9a0">)";
 constexpr std::string_view codeEnd = "</font>";
+
+constexpr std::string_view rightToLeftMark = "\u200F";
 
 // More signs that wait for a partner than this, and more brackets in each other, are text.
 constexpr std::size_t mostOpenSigns = 64;
@@ -280,9 +285,16 @@ std::string_view shownPart(std::string_view markdown) {
     return markdown.substr(0, end);
 }
 
+bool isRightToLeft(const std::string& plain) {
+    const auto text = icu::UnicodeString::fromUTF8(plain);
+    return ubidi_getBaseDirection(text.getBuffer(), text.length()) == UBIDI_RTL;
+}
+
 std::string run(std::string_view markdown, Form form) {
     const std::string_view shown = shownPart(markdown);
     std::string text = Renderer(form).render(shown);
+    // The toolkit takes the letters of tags for those of the text when it looks for its direction.
+    if (form != Form::plain && isRightToLeft(Renderer(Form::plain).render(shown))) text.insert(0, rightToLeftMark);
     if (shown.size() < markdown.size()) text += "…";
     return text;
 }
