@@ -5,11 +5,12 @@ import os
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, NOTCH
+from desktop import AWAY, BRIEF_RIGHT, NOTCH, TODO_LEFT
 from input_devices import HORIZONTAL, VERTICAL, DesktopWithDevices
 
 CARD_COUNT = 40  # more than the panel has room for
 CARD = (BRIEF_RIGHT - 120, 146)  # the first one
+TODO = (TODO_LEFT + 150, 181)
 TITLE = (BRIEF_RIGHT - 120, 60)
 SCROLL_METHODS = "libinput Scroll Methods Available"  # two fingers, edge, button
 NATURAL_SCROLLING = "libinput Natural Scrolling Enabled"
@@ -20,7 +21,7 @@ class Swipes(unittest.TestCase):
         self.desktop = d = DesktopWithDevices()
         self.addCleanup(d.close)
         cards = "".join("- Card number %d\n" % number for number in range(1, CARD_COUNT + 1))
-        d.write_briefing("2026-11-22.md", "# Morning\n### Schedule\n" + cards)
+        d.write_briefing("2026-11-22.md", "# Morning\n### Schedule\n" + cards + "### Action Items\n- [ ] Send the deck\n")
         d.start_program()
         d.wait_for(lambda: self.read("feedback.json").get("untouched"), "the first feedback")
         d.move(*NOTCH)
@@ -139,7 +140,24 @@ class Swipes(unittest.TestCase):
         self.fingers(6.5)
         self.expect("no priority")
 
-    def test_a_text_field_keeps_control_z(self):
+    def test_two_fingers_swipe_todos_too(self):
+        d = self.desktop
+
+        def todos():
+            return [(todo["text"], todo.get("prio", False)) for todo in self.read("todos.json").get("todos", [])]
+        d.click(*TITLE)
+        d.move(*TODO)
+        time.sleep(0.3)
+        self.fingers(6.5)
+        d.wait_for(lambda: todos() == [("Send the deck", True)], "the todo's priority", 3)
+        time.sleep(0.5)
+        self.fingers(-6.5)
+        d.wait_for(lambda: todos() == [], "the todo to go", 3)
+        d.key("ctrl+z")
+        d.wait_for(lambda: todos() == [("Send the deck", True)], "the todo to come back", 3)
+        self.expect_nothing_flagged("swiping todos")
+
+    def test_control_z_is_not_taken_from_a_text_field_or_by_a_folded_panel(self):
         d = self.desktop
         self.fingers(6.5)
         self.expect("the priority", prio=["Card number 1"])
@@ -148,8 +166,13 @@ class Swipes(unittest.TestCase):
         d.run("xdotool", "type", "milk")
         d.key("ctrl+z")
         time.sleep(0.5)
-        self.expect("the priority to stay", prio=["Card number 1"])
-        d.key("Escape")
+        self.expect("the priority to stay while something is typed", prio=["Card number 1"])
+        d.move(*AWAY)
+        d.key("Escape", "Escape")
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
+        d.key("ctrl+z")
+        time.sleep(0.5)
+        self.expect("the priority to stay while the panel is folded", prio=["Card number 1"])
 
 
 if __name__ == "__main__":
