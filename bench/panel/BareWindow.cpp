@@ -1,6 +1,6 @@
 // The peer of the panel's measurements: a window of the panel's size and kind that draws one black rectangle where the
-// notch is, white while the pointer is on it. With --poll it asks the X server for the pointer 20 times a second, and
-// does nothing with the answer.
+// notch is, and lets a white one grow below it while the pointer is on it. With --poll it asks the X server for the
+// pointer 20 times a second, and does nothing with the answer.
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -27,10 +27,16 @@ int main(int argc, char* argv[]) {
 
     QQmlEngine engine;
     QQmlComponent component(&engine);
-    component.setData(
-        "import QtQuick\nRectangle { color: area.containsMouse ? 'white' : 'black'; width: 200; height: 32; "
-        "x: (780 - 200) / 2; MouseArea { id: area; anchors.fill: parent; hoverEnabled: true } }",
-        QUrl());
+    component.setData(R"(import QtQuick
+        Rectangle {
+            color: 'black'; width: 200; height: 32; x: (780 - 200) / 2
+            MouseArea { id: area; anchors.fill: parent; hoverEnabled: true }
+            Rectangle {
+                color: 'white'; width: 200; y: 32; height: area.containsMouse ? 480 : 0
+                Behavior on height { NumberAnimation { duration: 400; easing.type: Easing.OutQuad } }
+            }
+        })",
+                      QUrl());
     const std::unique_ptr<QObject> rectangle(component.create());
     qobject_cast<QQuickItem*>(rectangle.get())->setParentItem(window.contentItem());
     window.show();

@@ -78,7 +78,7 @@ def print_hover(desktop, dawnly, bare):
     stop(desktop, panel)
     _, peer = first_frame(desktop, bare)
     time.sleep(3)
-    theirs = first_frame_after_hover(desktop, 20)
+    theirs = first_frame_after_hover(desktop, 36)
     stop(desktop, peer)
     print("pointer moved to first frame: panel %.1f ms (longest %.1f), bare window %.1f ms (longest %.1f), ratio %.2f "
           "(median of %d)" % (1000 * statistics.median(ours), 1000 * max(ours), 1000 * statistics.median(theirs),
