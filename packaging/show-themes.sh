@@ -23,4 +23,4 @@ for translucency in 0.2 0.6 1.0; do
     wait "$panel" || true
   done
 done
-montage "${tiles[@]}" -tile 6x3 -geometry +6+6 -font Inter -pointsize 16 -background '#20232a' -fill white "$picture"
+montage "${tiles[@]}" -tile 6x3 -geometry +6+6 -font Inter -pointsize 16 -background '#20232a' -fill white png:- | convert png:- -resize 1560x "$picture"
