@@ -225,6 +225,11 @@ class Desktop:
             time.sleep(0.01)
         return {"panelVisible": False, "expanded": None, "briefings": None}
 
+    def defaults(self):
+        """The user's settings as they are kept."""
+        with open(self.home + "/config/dawnly/defaults.json") as file:
+            return json.load(file)
+
     def screenshot(self):
         with open(self.framebuffer, "rb") as dump:
             return Screenshot(dump.read())

@@ -149,7 +149,7 @@ class FirstLight:
         d.click(WIDTH // 2, 60)  # on the header
         d.wait_for(lambda: d.focused_window() != before, "the panel to take the keyboard", 2)
         self.assertEqual(d.screenshot().card_count(), 3)
-        d.key("Tab", "Tab", "Return")  # the older-day button is first, then the open section
+        d.key("Tab", "Tab", "Tab", "Return")  # the older-day button is first, then the settings and the open section
         self.settle()
         self.assertEqual(d.screenshot().card_count(), 0)
         d.key("Down", "Return")  # the next section
@@ -170,9 +170,9 @@ class FirstLight:
         d.start_program()
         self.open_panel()
         card_right = PANEL_RIGHT - 30
-        d.click(card_right - 20 - 26 - 6 - 13, 54)
+        d.click(card_right - 20 - 2 * (26 + 6) - 13, 54)
         d.wait_for(lambda: d.screenshot().card_count() == 1, "yesterday's card")
-        d.click(card_right - 20 - 13, 54)
+        d.click(card_right - 20 - (26 + 6) - 13, 54)
         d.wait_for(lambda: d.screenshot().card_count() == 3, "today's cards")
 
 

@@ -108,7 +108,11 @@ Window {
                     anchors.horizontalCenter: parent.horizontalCenter
                     visible: window.tour.step === 0
                     text: qsTr("Set up later in Settings")
-                    onClicked: window.tour.skipAI()
+                    onClicked: {
+                        // Before this button goes, and the keyboard with it.
+                        next.forceActiveFocus(Qt.OtherFocusReason);
+                        window.tour.skipAI();
+                    }
                 }
                 Row {
                     anchors.horizontalCenter: parent.horizontalCenter

@@ -1,0 +1,152 @@
+"""The settings and the welcome tour: what the user chooses there is kept, and takes effect at once."""
+
+import os
+import re
+import time
+import unittest
+
+from desktop import AWAY, NOTCH, PANEL_RIGHT, Desktop
+
+GEAR = (PANEL_RIGHT - 30 - 20 - 13, 54)
+FIRST_RUN = {"didWriteWelcomeBrief": False, "didCompleteOnboarding": False}
+
+# In the settings window, from its upper left corner.
+GENERAL, BRIEFINGS, WELCOME_TOUR = (80, 64), (80, 98), (80, 456)
+HAZE_SWATCH, SOLID_END = (288, 75), (214, 181)
+QUICK_CAPTURE_SWITCH = (621, 132)
+CHOOSE_FOLDER, RESET_FOLDER = (270, 103), (551, 103)
+
+
+class WindowsTest(unittest.TestCase):
+    def start(self, **options):
+        self.desktop = Desktop(window_manager=True, **options)
+        self.addCleanup(self.desktop.close)
+        self.desktop.start_program()
+        self.panels = set(self.desktop.search("Dawnly"))
+        return self.desktop
+
+    def window(self, title):
+        """Waits until a window of this title has the keyboard; its identifier."""
+        d = self.desktop
+        # The panel bears the program's name too.
+        d.wait_for(lambda: d.focused_window() in set(d.search(title)) - self.panels, "the window " + title)
+        return d.focused_window()
+
+    def await_setting(self, key, expected):
+        self.desktop.wait_for(lambda: self.desktop.defaults().get(key) == expected, "%s to be %r" % (key, expected))
+
+
+class SettingsWindow(WindowsTest):
+    def open_settings(self):
+        d = self.desktop
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
+        d.click(*GEAR)
+        window = self.window("Dawnly")
+        place = re.findall(r"Absolute upper-left [XY]: +(-?\d+)", d.run("xwininfo", "-id", window).decode())
+        self.origin = int(place[0]), int(place[1])
+
+    def click(self, place):
+        self.desktop.click(self.origin[0] + place[0], self.origin[1] + place[1])
+        time.sleep(0.3)
+
+    def test_the_panel_folds_for_them_and_a_theme_is_kept_with_its_translucency(self):
+        d = self.start(settings={"notchTheme": "glass"})
+        self.open_settings()
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
+        self.click(HAZE_SWATCH)
+        self.await_setting("notchTheme", "haze")
+        self.await_setting("translucency.haze", 0.8)
+        self.click(SOLID_END)
+        d.wait_for(lambda: d.defaults()["translucency.haze"] < 0.05, "the slider to be at its solid end")
+        self.assertNotIn("translucency.glass", d.defaults())
+        self.assertEqual(d.report()["theme"], "haze")
+
+    def test_quick_capture_is_given_up_and_taken_again_at_once(self):
+        d = self.start()
+        self.open_settings()
+        self.click(GENERAL)
+        self.click(QUICK_CAPTURE_SWITCH)
+        self.await_setting("quickCaptureEnabled", False)
+        d.move(*AWAY)
+        d.key("ctrl+space")
+        time.sleep(0.7)
+        self.assertFalse(d.report()["expanded"])
+        self.click(QUICK_CAPTURE_SWITCH)
+        self.await_setting("quickCaptureEnabled", True)
+        d.move(*AWAY)
+        d.key("ctrl+space")
+        d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
+
+    def test_another_folder_is_made_watched_and_left_again(self):
+        d = self.start()
+        d.write_briefing("2026-11-22.md", "# Old folder\n### A\n- one\n")
+        d.wait_for(lambda: d.report()["briefings"] == 1, "the first folder's briefing")
+        self.open_settings()
+        self.click(BRIEFINGS)
+        self.click(CHOOSE_FOLDER)
+        self.window("Choose Folder")
+        # Giving up changes nothing.
+        d.key("Escape")
+        self.window("Dawnly")
+        self.assertEqual(d.defaults()["briefingsFolderPath"], d.briefings)
+
+        self.click(CHOOSE_FOLDER)
+        self.window("Choose Folder")
+        d.key("ctrl+a")
+        d.run("xdotool", "type", d.home + "/new/folder")
+        d.key("Return")
+        self.await_setting("briefingsFolderPath", d.home + "/new/folder")
+        d.wait_for(lambda: d.report()["briefings"] == 0, "the new folder to be read")
+        for name in ("2026-11-22.md", "2026-11-21.md"):
+            with open(os.path.join(d.home, "new/folder", name), "w") as file:
+                file.write("# New folder\n### A\n- one\n")
+        d.wait_for(lambda: d.report()["briefings"] == 2, "the new folder's briefings")
+
+        self.window("Dawnly")
+        self.click(RESET_FOLDER)
+        self.await_setting("briefingsFolderPath", None)
+        d.wait_for(lambda: d.report()["briefings"] == 0, "the default folder to be read")
+
+
+class Tour(WindowsTest):
+    TITLE = "Welcome to Dawnly"
+
+    def test_it_comes_back_until_it_was_gone_through_by_keyboard_alone(self):
+        d = self.start(settings=FIRST_RUN)
+        self.window(self.TITLE)
+        today = time.strftime("%Y-%m-%d") + ".md"
+        with open(os.path.join(d.briefings, today)) as file:
+            self.assertTrue(file.read().startswith("# 👋 Welcome to Dawnly\n"))
+        d.key("Return")
+        time.sleep(0.5)
+        d.key("Escape")
+        d.wait_for(lambda: not d.search(self.TITLE), "the tour to close")
+        self.assertFalse(d.defaults()["didCompleteOnboarding"])
+
+        d.start_program()
+        self.window(self.TITLE)
+        for _ in range(3):  # the step's main button each time
+            d.key("Return")
+            time.sleep(0.5)
+        d.wait_for(lambda: not d.search(self.TITLE), "the tour to end")
+        self.await_setting("didCompleteOnboarding", True)
+
+        os.remove(os.path.join(d.briefings, today))
+        d.start_program()
+        time.sleep(1)
+        self.assertFalse(d.search(self.TITLE))
+        self.assertFalse(os.path.exists(os.path.join(d.briefings, today)))
+
+    def test_the_assistant_can_be_skipped(self):
+        d = self.start(settings=FIRST_RUN)
+        self.window(self.TITLE)
+        d.key("Tab", "Return")  # from the main button to the one below it
+        time.sleep(0.5)
+        d.key("Return")
+        self.await_setting("didCompleteOnboarding", True)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
