@@ -1,0 +1,251 @@
+"""The todo column, worked with the pointer and with the keyboard alone, and judged by todos.json."""
+
+import json
+import os
+import time
+import unittest
+import uuid
+
+from desktop import BRIEF_LEFT, NOTCH, TODO_LEFT, TODO_RIGHT, Desktop
+
+REFERENCE_DATE = 978307200  # the dates of the file count from here, in seconds since 1970
+FIELD = (TODO_LEFT + 60, 142)
+TICK_X = TODO_LEFT + 20
+TEXT_X = TODO_LEFT + 90
+# A row's last badge.
+BADGE_X = TODO_RIGHT - 6 - 4 - 10
+EDIT, PRIO, REMIND, DELETE = range(4)
+
+
+def row_y(row):
+    return 180 + 28 * row
+
+
+def todo(text, **fields):
+    return {"id": str(uuid.uuid4()).upper(), "text": text, "done": False,
+            "createdAt": time.time() - REFERENCE_DATE, **fields}
+
+
+class Todos(unittest.TestCase):
+    def setUp(self):
+        self.desktop = Desktop(window_manager=True)
+        self.addCleanup(self.desktop.close)
+
+    def open_panel(self, *todos, briefing=None):
+        d = self.desktop
+        if briefing:
+            d.write_briefing(time.strftime("%Y-%m-%d.md"), briefing)
+        if todos:
+            with open(d.briefings + "/todos.json", "w") as file:
+                json.dump({"todos": todos, "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+        d.start_program()
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
+
+    def todos(self):
+        for _ in range(50):
+            try:
+                with open(self.desktop.briefings + "/todos.json") as file:
+                    return json.load(file)["todos"]
+            except (FileNotFoundError, ValueError):  # not written yet, or being written
+                time.sleep(0.02)
+        return []
+
+    def order(self):
+        """The texts, with a mark on priorities and on what is done."""
+        return [entry["text"] + "!" * bool(entry.get("prio")) + "." * entry["done"] for entry in self.todos()]
+
+    def expect(self, *order):
+        try:
+            self.desktop.wait_for(lambda: self.order() == list(order), "the list", 3)
+        except AssertionError:
+            self.assertEqual(self.order(), list(order))
+        time.sleep(0.5)  # until the rows stand still
+
+    def drag(self, start, end, hold=0.0):
+        moves = ["mousemove", *map(str, start), "mousedown", "1", "sleep", str(hold)]
+        for i in range(1, 21):
+            moves += ["mousemove", str(start[0] + (end[0] - start[0]) * i // 20),
+                      str(start[1] + (end[1] - start[1]) * i // 20), "sleep", "0.01"]
+        self.desktop.run("xdotool", *moves, "sleep", "0.1", "mouseup", "1")
+
+    def choose(self, row, action):
+        self.desktop.click(TEXT_X, row_y(row), button=3)
+        time.sleep(0.3)
+        self.desktop.key(*["Down"] * action, "Return")
+        time.sleep(0.3)
+
+    def type(self, text):
+        self.desktop.run("xdotool", "type", "--delay", "5", text)
+
+    def reminder(self, row):
+        """In how many seconds the todo reminds, and how often."""
+        entry = self.todos()[row]
+        at = entry.get("remindAt")
+        return (None if at is None else at + REFERENCE_DATE - time.time()), entry.get("remindRepeat")
+
+    def test_todos_are_written_down_ticked_and_edited(self):
+        d = self.desktop
+        self.open_panel()
+        d.click(FIELD[0], FIELD[1] + 24)  # below the words of the empty list
+        self.type("  Call mum ")
+        d.key("Return")
+        self.type("Pay rent")
+        d.key("Return")
+        self.type("Water")
+        d.key("Return", "Return")
+        self.expect("Call mum", "Pay rent", "Water")
+        self.assertEqual(self.todos()[0]["source"], "you")
+        d.click(TICK_X, row_y(0))
+        self.expect("Pay rent", "Water", "Call mum.")
+
+        self.choose(0, EDIT)
+        self.type("Pay the rent")  # in place of the old text, which is selected
+        d.key("Return")
+        self.expect("Pay the rent", "Water", "Call mum.")
+        self.choose(1, EDIT)
+        self.type("Wine")
+        d.key("Escape")
+        self.expect("Pay the rent", "Water", "Call mum.")
+        self.choose(1, EDIT)
+        self.type("Plants")
+        d.click(*FIELD)  # leaving it keeps it
+        self.expect("Pay the rent", "Plants", "Call mum.")
+        d.key("Down", "ctrl+z", "ctrl+z")
+        self.expect("Pay rent", "Water", "Call mum.")
+        d.click(*FIELD)
+        d.key("Escape")
+        d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)
+
+    def test_rows_are_dragged_and_swiped_with_the_mouse(self):
+        d = self.desktop
+        self.open_panel(*map(todo, "abcd"), todo("e", done=True))
+        self.drag((TEXT_X, row_y(0)), (TEXT_X + 20, row_y(2)))
+        self.expect("b", "c", "a", "d", "e.")
+        self.drag((TEXT_X, row_y(3)), (TEXT_X, 160))
+        self.expect("d", "b", "c", "a", "e.")
+        self.drag((TEXT_X, row_y(0)), (TEXT_X, row_y(6)))  # not among the done ones
+        self.expect("b", "c", "a", "d", "e.")
+        self.drag((TEXT_X, row_y(1)), (TEXT_X + 70, row_y(1)))
+        self.expect("b", "c", "a", "d", "e.")
+        self.drag((TEXT_X, row_y(1)), (TEXT_X + 72, row_y(1) + 30))
+        self.expect("c!", "b", "a", "d", "e.")
+        self.drag((TEXT_X + 100, row_y(2)), (TEXT_X + 28, row_y(2)))
+        self.expect("c!", "b", "d", "e.")
+        d.key("ctrl+z")
+        self.expect("c!", "b", "a", "d", "e.")
+
+    def test_menus_open_by_right_click_and_by_holding(self):
+        d = self.desktop
+        self.open_panel(todo("a"), todo("b"), todo("c"))
+        self.choose(1, PRIO)
+        self.expect("b!", "a", "c")
+        self.choose(0, PRIO)
+        self.expect("b", "a", "c")
+        self.choose(1, DELETE)
+        self.expect("b", "c")
+        d.key("ctrl+z")
+        self.expect("b", "a", "c")
+
+        self.choose(0, REMIND)  # now the menu offers times
+        d.key("Down", "Return")
+        d.wait_for(lambda: self.reminder(0)[0] is not None, "the reminder", 2)
+        self.assertAlmostEqual(self.reminder(0)[0], 3 * 3600, delta=5)
+        d.click(BADGE_X, row_y(0))  # the bell
+        d.wait_for(lambda: self.reminder(0)[0] is None, "the bell to clear it", 2)
+
+        # Held, drawn onto the first time and let go there.
+        self.drag((TEXT_X, row_y(1)), (TEXT_X + 10, row_y(1) + 50), hold=0.7)
+        d.wait_for(lambda: self.reminder(1)[0] is not None, "the reminder", 2)
+        self.assertAlmostEqual(self.reminder(1)[0], 3600, delta=5)
+        self.expect("b", "a", "c")
+        # Held and let go at once it stays open, with a row to clear the reminder.
+        self.drag((TEXT_X, row_y(1)), (TEXT_X + 7, row_y(1)), hold=0.7)
+        d.key("Up", "Up", "Return")
+        d.wait_for(lambda: self.reminder(1)[0] is None, "the menu to clear it", 2)
+        # Let go too early it does nothing.
+        self.drag((TEXT_X, row_y(2)), (TEXT_X + 5, row_y(2)), hold=0.1)
+        d.key("Up", "Return")
+        self.expect("b", "a", "c")
+        # A tick takes the reminder away for good.
+        self.choose(2, REMIND)
+        d.key("Return")
+        d.wait_for(lambda: self.reminder(2)[0] is not None, "the reminder", 2)
+        d.click(TICK_X, row_y(2))
+        self.expect("b", "a", "c.")
+        d.click(TICK_X, row_y(2))
+        self.expect("b", "a", "c")
+        self.assertEqual(self.reminder(2), (None, None))
+
+    def test_the_keyboard_alone_does_it_all(self):
+        d = self.desktop
+        self.open_panel(*map(todo, "abc"))
+        d.click(TODO_LEFT + 60, 110)  # for the keyboard, on nothing
+        d.key("F6")
+        self.type("d")
+        d.key("Return", "Down")
+        self.expect("a", "b", "c", "d")
+        d.key("Down", "space")
+        self.expect("a", "c", "d", "b.")
+        d.key("space")
+        self.expect("a", "c", "d", "b")
+        d.key("alt+Up", "alt+Up")
+        self.expect("a", "b", "c", "d")
+        d.key("F2")
+        self.type("B")
+        d.key("Return")
+        self.expect("a", "B", "c", "d")
+        d.key("p")
+        self.expect("B!", "a", "c", "d")
+        d.key("alt+Down")
+        self.expect("B!", "a", "c", "d")
+        d.key("shift+Right")
+        self.expect("B", "a", "c", "d")
+        d.key("Down", "Delete")
+        self.expect("B", "c", "d")
+        d.key("ctrl+z")
+        self.expect("B", "a", "c", "d")
+        d.key("End", "m", "Up", "Return")
+        self.expect("B", "a", "c")
+
+        # A time of one's own, weekly; an hour later than the sheet suggests.
+        d.key("Home", "r", "Up", "Return")
+        time.sleep(0.6)
+        d.key("Tab", "Tab", "Tab", "Up", "Tab", "Tab", "Right", "Right", "Return")
+        d.wait_for(lambda: self.reminder(0)[0] is not None, "the reminder", 3)
+        seconds, rule = self.reminder(0)
+        self.assertEqual(rule, "weekly")
+        self.assertTrue(1.5 * 3600 - 5 <= seconds <= 2.5 * 3600 + 65, seconds)
+        d.key("r", "Up", "Return")
+        d.wait_for(lambda: self.reminder(0) == (None, None), "the menu to clear it", 2)
+        d.key("Escape")
+        d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)
+
+    def test_a_card_is_dropped_once(self):
+        d = self.desktop
+        self.open_panel(todo("Reply to legal"), briefing="# Morning\n### Schedule\n- **Reply to Legal**\n- **Call** Anna\n")
+        card = (BRIEF_LEFT + 300, 187)
+        self.drag(card, (TEXT_X, 300))
+        self.expect("Reply to legal", "Call Anna")
+        added = self.todos()[1]
+        self.assertEqual((added["source"], added["sourceItemKey"][:4]), ("item", "call"))
+        self.drag(card, (TEXT_X, 300))
+        self.drag((BRIEF_LEFT + 300, 146), (TEXT_X, 300))  # the same text as one that is there: linked to it
+        d.wait_for(lambda: "sourceItemKey" in self.todos()[0], "the link", 3)
+        self.expect("Reply to legal", "Call Anna")
+
+    def test_a_long_list_scrolls_with_the_wheel(self):
+        d = self.desktop
+        self.open_panel(*[todo("todo %d" % i) for i in range(60)])
+        for _ in range(30):
+            d.click(TEXT_X, row_y(3), button=5)
+        time.sleep(0.5)
+        d.click(TICK_X, row_y(3))
+        d.wait_for(lambda: sum(entry["done"] for entry in self.todos()) == 1, "a tick far down the list", 3)
+        ticked = next(entry["text"] for entry in self.todos() if entry["done"])
+        self.assertGreater(int(ticked.split()[1]), 20)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
