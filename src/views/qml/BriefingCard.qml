@@ -204,11 +204,8 @@ Item {
         id: announcer
     }
 
-    // From one column to the other.
-    Keys.onPressed: (event) => {
-        if (event.key !== Qt.Key_F6)
-            return;
-        event.accepted = true;
+    // Takes the keyboard from one column to the other.
+    function switchColumn() {
         if (todos.hasFocus)
             column.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason);
         else

@@ -121,6 +121,11 @@ FocusScope {
         next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
     }
     Keys.onEscapePressed: presenter.collapse()
+    Keys.onPressed: (event) => {
+        event.accepted = event.key === Qt.Key_F6 && content.item !== null;
+        if (event.accepted)
+            content.item.switchColumn();
+    }
     Keys.onDownPressed: moveFocus(true)
     Keys.onUpPressed: moveFocus(false)
     Keys.onLeftPressed: presenter.older()
