@@ -32,7 +32,7 @@ Item {
 
     implicitHeight: note.length > 0 ? 38 : presenter.rowHeight
     z: lifted || offsetY !== 0 ? 2 : 0
-    activeFocusOnTab: ListView.isCurrentItem
+    activeFocusOnTab: ListView.isCurrentItem || activeFocus
     onActiveFocusChanged: {
         if (activeFocus)
             column.rowFocused(index);
