@@ -270,11 +270,11 @@ private:
         if (!startsFreely(i)) return false;
         std::size_t next = i + 1;
         static constexpr std::array<std::string_view, 4> endings{"st", "nd", "rd", "th"};
-        if (touches(next) && isAny(next, endings)) {
+        const bool hasEnding = touches(next) && isAny(next, endings);
+        const bool hasPoint = touches(next) && is(next, ".") && at(next + 1).isWord() && at(next + 1).followsSpace;
+        if (hasEnding || hasPoint) {
             ++next;
-        } else if (is(next, ".") && touches(next) && at(next + 1).isWord() && at(next + 1).followsSpace) {
-            ++next;
-        } else if (touches(next) && !endsFreely(next)) {
+        } else if (!endsFreely(next)) {
             return false;
         }
         day = number.value;

@@ -62,9 +62,10 @@ void CardPresenter::pointerEntered(int sectionId, int index) {
     if (item != nullptr && !dragged_) coordinator_.pointerEntered(*item);
 }
 
-void CardPresenter::pointerLeft(int sectionId, int index) {
-    const auto* item = column_.item(sectionId, index);
-    if (item != nullptr && !dragged_) coordinator_.pointerLeft(*item);
+void CardPresenter::pointerLeft(const QString& key) {
+    // A copy: the coordinator lets go of its own.
+    const auto item = coordinator_.hoveredItem();
+    if (item && !dragged_ && toQt(item->id()) == key) coordinator_.pointerLeft(*item);
 }
 
 void CardPresenter::dragTo(int sectionId, int index, qreal x) {

@@ -53,7 +53,8 @@ public:
 
     // The pointer over the cards. While one is dragged the others are not noticed.
     Q_INVOKABLE void pointerEntered(int sectionId, int index);
-    Q_INVOKABLE void pointerLeft(int sectionId, int index);
+    /// By its key, since the card may be gone.
+    Q_INVOKABLE void pointerLeft(const QString& key);
     /// A card is dragged sideways by `x` points from where it was.
     Q_INVOKABLE void dragTo(int sectionId, int index, qreal x);
     /// The card is let go of: far enough, and that counts as a swipe. Returns what happened, in words for the screen

@@ -127,13 +127,19 @@ Item {
         }
     }
 
+    // Hidden, or folded away, under the pointer.
+    Component.onDestruction: {
+        if (cards)
+            cards.pointerLeft(key);
+    }
+
     HoverHandler {
         id: hover
         onHoveredChanged: {
             if (hovered)
                 card.cards.pointerEntered(card.sectionId, card.index);
             else
-                card.cards.pointerLeft(card.sectionId, card.index);
+                card.cards.pointerLeft(card.key);
         }
     }
 }
