@@ -66,6 +66,7 @@ public:
     void connectCalendar();
     void openCalendarSettings();
     void openAccountSettings() { with_.workspace.openAccountSettings(); }
+    void quit() { with_.workspace.terminate(); }
 
     /// The tour was gone through and does not come back.
     void complete();

@@ -25,6 +25,11 @@ FocusScope {
         }
     }
 
+    Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: root.presenter.quit()
+    }
+
     function between(from, to) {
         return from + (to - from) * unfolding;
     }

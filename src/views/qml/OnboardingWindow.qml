@@ -19,6 +19,10 @@ Window {
     y: Screen.virtualY + (Screen.height - height) / 2
 
     Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: window.tour.quit()
+    }
+    Shortcut {
         sequence: "Ctrl+W"
         onActivated: window.close()
     }
@@ -67,6 +71,7 @@ Window {
                 anchors.top: parent.top
                 anchors.topMargin: 32
                 anchors.bottom: footer.top
+                anchors.bottomMargin: Style.inset
                 padding: 24
 
                 Loader {
@@ -107,6 +112,7 @@ Window {
                 TextButton {
                     anchors.horizontalCenter: parent.horizontalCenter
                     visible: window.tour.step === 0
+                    onPanel: false
                     text: qsTr("Set up later in Settings")
                     onClicked: {
                         // Before this button goes, and the keyboard with it.

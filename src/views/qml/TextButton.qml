@@ -6,6 +6,8 @@ Item {
 
     required property string text
     readonly property bool inColumn: true
+    // Windows beside the panel have a background of their own.
+    property bool onPanel: true
     signal clicked
 
     implicitWidth: label.implicitWidth + 2 * Style.inset
@@ -21,6 +23,7 @@ Item {
     Keys.onSpacePressed: clicked()
 
     Scrim {
+        visible: button.onPanel
         anchors.margins: 0
     }
     Text {
