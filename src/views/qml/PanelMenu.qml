@@ -54,7 +54,7 @@ Item {
         name = title;
         heading = title;
         entries = choices;
-        sheet.y = Math.max(8, Math.min(sheet.y, height - sheet.height - 8));
+        keepInside();
         if (hadRow)
             current = 0;
     }
@@ -117,6 +117,12 @@ Item {
     readonly property int rowHeight: 28
     // Where a menu has room neither below nor above its item, it opens to the right of the hand that holds the item.
     readonly property int besideHand: 64
+
+    // The briefing may change, and the panel's height with it, while a menu is open.
+    function keepInside() {
+        sheet.y = Math.max(8, Math.min(sheet.y, height - sheet.height - 8));
+    }
+    onHeightChanged: keepInside()
 
     onCurrentChanged: {
         const row = rows.itemAt(current);
