@@ -2,6 +2,7 @@
 #include <QLoggingCategory>
 #include <QQuickWindow>
 #include <cstdlib>
+#include <iostream>
 #include <optional>
 
 #include "app/AppDelegate.h"
@@ -144,9 +145,7 @@ private:
     sunpane::X11Hotkeys hotkeys_{x11Events_};
     sunpane::HotkeyManager hotkey_{&hotkeys_, defaults_, notifications_};
     sunpane::X11WindowSpaces spaces_{x11Events_};
-    sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) {
-                                          qCInfo(programLog).noquote() << QString::fromStdString(line);
-                                      }};
+    sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
     sunpane::NotchController controller_{
         {clock_, runLoop_, screens_, monitors_, windows_, workspace_, &spaces_, pinnedSpace_, distributed_,
          notifications_, viewModel_, [this] { return theme_.themeName(); },

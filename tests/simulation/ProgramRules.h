@@ -54,7 +54,6 @@ private:
     std::string lastImportDay_;
     Subscription todoChanges_;
     std::string zoneOfLastTodoChange_;
-    std::string localDayOfLastTodoChange_;
 };
 
 }  // namespace sunpane::testing

@@ -504,6 +504,7 @@ private:
 
     void prepareEnd() {
         endFault();
+        rules_.check(*program_);
         if (isAway_) note(changeFolder());
         // A change like any other: it takes what has lapsed out of the file, where a clock that was set back would find
         // it alive.
