@@ -230,6 +230,14 @@ class Desktop:
         with open(self.home + "/config/dawnly/defaults.json") as file:
             return json.load(file)
 
+    def todos(self):
+        """The texts on the todo list, as its file has them."""
+        path = os.path.join(self.briefings, "todos.json")
+        if not os.path.exists(path):
+            return []
+        with open(path) as file:
+            return [todo["text"] for todo in json.load(file)["todos"]]
+
     def screenshot(self):
         with open(self.framebuffer, "rb") as dump:
             return Screenshot(dump.read())

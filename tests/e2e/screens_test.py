@@ -68,6 +68,19 @@ class Screens:
         self.folds_and_opens((960, 5), (100, 700))
         self.assert_notch(960, 200, 32)
 
+    def test_a_todo_that_is_half_typed_outlives_the_change(self):
+        d = self.desktop
+        d.key("ctrl+space")
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold", 3)
+        time.sleep(0.5)
+        d.run("xdotool", "type", "buy ")
+        d.plug(d.FIRST, (1920, 1080))
+        self.wait_for_screen("{{0, 0}, {1920, 1080}}")
+        time.sleep(0.5)
+        d.run("xdotool", "type", "milk")
+        d.key("Return")
+        d.wait_for(lambda: d.todos() == ["buy milk"], "the todo", 3)
+
     def test_it_survives_a_while_without_any_screen(self):
         d = self.desktop
         d.unplug(d.FIRST)

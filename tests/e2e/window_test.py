@@ -1,7 +1,5 @@
 """The panel among other programs' windows: who gets the keyboard, what folds it, what it stays above."""
 
-import json
-import os
 import time
 import unittest
 
@@ -42,13 +40,6 @@ class Windows:
         """Until springs are at rest and events have gone round."""
         time.sleep(0.8)
 
-    def todos(self):
-        path = self.desktop.briefings + "/todos.json"
-        if not os.path.exists(path):
-            return []
-        with open(path) as file:
-            return [todo["text"] for todo in json.load(file)["todos"]]
-
     def panel_shows(self):
         return self.desktop.screenshot().at(*NOTCH) == (0, 0, 0)
 
@@ -85,7 +76,7 @@ class Keyboard(Windows):
         # One command: the letters follow the hotkey within milliseconds.
         d.run("xdotool", "key", "ctrl+space", "sleep", "0.03", "type", "--delay", "8", "buy milk")
         d.key("Return")
-        d.wait_for(lambda: "buy milk" in self.todos(), "the todo", 3)
+        d.wait_for(lambda: "buy milk" in d.todos(), "the todo", 3)
         self.wait_until(False)
         d.wait_for(self.neighbour.has_keyboard, "the keyboard to go back", 2)
         self.assertEqual(self.neighbour.typed(), "")

@@ -89,9 +89,12 @@ void X11PanelWindow::orderFrontRegardless() {
     window_->show();
     window_->raise();
     applyShape();
+    if (std::exchange(keyAgain_, false)) makeKey();
 }
 
 void X11PanelWindow::orderOut() {
+    if (!window_->isVisible()) return;
+    keyAgain_ = previousFocus_ && focusedWindow() == window_->winId();
     resignKey();
     window_->hide();
 }
@@ -103,9 +106,9 @@ void X11PanelWindow::makeKey() {
         return;
     }
     const auto ours = static_cast<xcb_window_t>(window_->winId());
-    const auto focus = own(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    if (!focus || focus->focus == ours) return;
-    previousFocus_ = focus->focus;
+    const auto focused = focusedWindow();
+    if (!focused || focused == ours) return;
+    previousFocus_ = focused;
     // Not by way of the toolkit, whose clock knows nothing of a key that was grabbed elsewhere: a request that is older
     // than the last change of the focus has no effect.
     keySince_ = events_.serverTime();
@@ -121,6 +124,12 @@ void X11PanelWindow::resignKey() {
     // click that folded the panel may do at this very moment.
     xcb_set_input_focus(connection, XCB_INPUT_FOCUS_POINTER_ROOT, heir(*previous), keySince_);
     xcb_flush(connection);
+}
+
+std::optional<xcb_window_t> X11PanelWindow::focusedWindow() {
+    xcb_connection_t* connection = toolkitConnection();
+    const auto reply = own(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return reply ? std::optional(reply->focus) : std::nullopt;
 }
 
 xcb_window_t X11PanelWindow::heir(xcb_window_t previous) const {

@@ -44,6 +44,7 @@ public:
 
 private:
     void applyShape();
+    static std::optional<xcb_window_t> focusedWindow();
     /// Who gets the keyboard after the panel: the window that had it, or else the one that is active.
     xcb_window_t heir(xcb_window_t previous) const;
 
@@ -52,6 +53,7 @@ private:
     QPolygonF outline_;
     std::optional<xcb_window_t> previousFocus_;  // since the panel took the keyboard
     xcb_timestamp_t keySince_ = XCB_CURRENT_TIME;
+    bool keyAgain_ = false;  // it was taken off the screen while it had the keyboard
 };
 
 }  // namespace sunpane

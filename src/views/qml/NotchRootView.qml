@@ -14,7 +14,10 @@ FocusScope {
     readonly property bool folded: !open && unfolding === 0
     property real openHeight: presenter.expandedHeight
     readonly property real cardWidth: between(presenter.notchWidth, presenter.cardWidth)
-    readonly property real cardHeight: between(presenter.notchHeight, openHeight)
+    readonly property real cardHeight: between(foldedHeight, openHeight)
+    // What is drawn in the notch itself would be behind the camera on a laptop that has one, so the light for a new
+    // briefing hangs below.
+    readonly property real foldedHeight: presenter.notchHeight + (presenter.hasUnread ? 12 : 0)
 
     focus: true
     // A panel that is made anew while it is open, because the screens changed, is open at once.
@@ -72,7 +75,7 @@ FocusScope {
         id: outline
         width: parent.width
         // Drawn into an image of its own; a folded notch needs only a small one.
-        height: root.folded ? root.presenter.notchHeight : parent.height
+        height: root.folded ? root.foldedHeight : parent.height
         cardWidth: root.cardWidth
         cardHeight: root.cardHeight
         bottomRadius: root.between(8, 22)
@@ -107,8 +110,8 @@ FocusScope {
 
     UnreadIndicator {
         visible: root.presenter.hasUnread
-        x: (root.width + root.presenter.notchWidth) / 2 - width - 14
-        y: (root.presenter.notchHeight - height) / 2
+        x: Math.round((root.width - width) / 2)
+        y: root.foldedHeight - height - 4
     }
 
     // The first unfolding must not wait for the content to be made.
