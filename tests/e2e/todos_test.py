@@ -112,6 +112,13 @@ class Todos(unittest.TestCase):
         self.expect("Pay the rent", "Plants", "Call mum.")
         d.key("Down", "ctrl+z", "ctrl+z")
         self.expect("Pay rent", "Water", "Call mum.")
+        self.choose(1, EDIT)
+        self.type("Juice")
+        d.run("xdotool", "mousemove", "100", "700", "click", "1")  # turning away keeps it too
+        self.expect("Pay rent", "Juice", "Call mum.")
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
         d.click(*FIELD)
         d.key("Escape")
         d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)

@@ -7,6 +7,13 @@ Rectangle {
     signal committed(string text)
     signal discarded
 
+    // The keyboard went to another program, or the panel folded.
+    readonly property bool hasKeyboard: Window.active
+    onHasKeyboardChanged: {
+        if (!hasKeyboard)
+            committed(input.text);
+    }
+
     radius: 6
     color: Qt.rgba(1, 1, 1, 0.1)
     border.color: Style.focus
