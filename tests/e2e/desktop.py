@@ -249,7 +249,10 @@ class Desktop:
         return found.stdout.decode().split()
 
     def focused_window(self):
-        return self.run("xdotool", "getwindowfocus").decode().strip()
+        """Empty while nothing has the keyboard, as when a window has just gone."""
+        found = subprocess.run(["xdotool", "getwindowfocus"], env=self.environment, stdout=subprocess.PIPE,
+                               stderr=subprocess.DEVNULL, check=False)
+        return found.stdout.decode().strip()
 
     @staticmethod
     def wait_for(condition, what, seconds=10):
