@@ -80,7 +80,7 @@ void TodoColumnPresenter::refresh() {
 
 void TodoColumnPresenter::beginCapture() {
     capturing_ = true;
-    // At once, so that a quick typist loses no letter, and again when the panel's content surely exists.
+    // At once, so that a quick typist loses no letter, and again when the panel has opened.
     emit captureFocusRequested();
     captureFocus_ = with_.runLoop.after(captureDelay, [this] { emit captureFocusRequested(); });
 }

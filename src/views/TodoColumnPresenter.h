@@ -76,7 +76,7 @@ public:
     static qreal dragDistance();
 
     /// Whether the panel is open only to write down one todo.
-    bool isCapturing() const { return capturing_; }
+    Q_INVOKABLE bool isCapturing() const { return capturing_; }
 
     /// Adds what was typed; that ends a capture and folds the panel.
     Q_INVOKABLE void submit(const QString& text);

@@ -367,6 +367,12 @@ Rectangle {
         z: 10
     }
 
+    // The hotkey was pressed before there was a field.
+    Component.onCompleted: {
+        if (presenter.isCapturing())
+            capture.takeFocus();
+    }
+
     // The row that two fingers swipe.
     property Item swiped: null
     Connections {
