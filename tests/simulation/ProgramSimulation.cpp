@@ -279,7 +279,7 @@ private:
                 return "delete " + todo.text;
             case 5: {
                 static const std::optional<std::string> rules[] = {std::nullopt, "daily", "weekly"};
-                const Instant date = now() + static_cast<double>(below(3 * 86400)) - 3600;
+                const Instant date = now() + static_cast<double>(below(259200)) - 3600;  // within three days
                 todos().setReminder(todo.id, date, pick(rules));
                 return "remind of " + todo.text;
             }
@@ -464,6 +464,8 @@ private:
             case 2: {
                 static constexpr const char* zones[] = {"Europe/Amsterdam", "America/New_York", "Asia/Tokyo",
                                                         "Australia/Lord_Howe"};
+                // What the last change brought about is told in the zone that the rules believe it to be told in.
+                world_.platform.time.advance(2 * NotchViewModel::storeDebounce);
                 world_.platform.clock.zone = pick(zones);
                 return "zone " + world_.platform.clock.zone;
             }
