@@ -1,5 +1,5 @@
-"""Other programs on the desktop of a test: a window that notes the keys it gets, one that hides the whole screen, and
-one that owns Control+Space. Run as a program, this file is one of the last two."""
+"""Other programs on the desktop of a test: a window that notes the keys it gets; a curtain that hides the whole screen;
+a bar across its top; an owner of Control+Space. Run as a program, this file is one of the last three."""
 
 import ctypes
 import os
@@ -71,7 +71,7 @@ def main(kind):
         x11.XGrabKey(display, space, control | num_lock, root, 0, asynchronous, asynchronous)
     else:
         white = 0xFFFFFF
-        window = x11.XCreateSimpleWindow(display, root, 0, 0, 4000, 4000, 0, white, white)
+        window = x11.XCreateSimpleWindow(display, root, 0, 0, 4000, 4000 if kind == "curtain" else 100, 0, white, white)
         attributes = (ctypes.c_ulong * 15)()  # an XSetWindowAttributes; its override_redirect is the 12th of its words
         attributes[11] = 1
         x11.XChangeWindowAttributes(display, window, 1 << 9, attributes)

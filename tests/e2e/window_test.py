@@ -202,6 +202,13 @@ class Stacking(Windows):
         self.hover()
         self.assertGreaterEqual(d.screenshot().card_count(), 1)
 
+    def test_it_comes_up_again_when_it_is_covered(self):
+        d = self.desktop
+        self.start()
+        neighbours.start(d, "bar")  # no window manager keeps this one below
+        d.wait_for(lambda: d.screenshot().at(10, 10) == (255, 255, 255), "the bar", 3)
+        d.wait_for(self.panel_shows, "the notch above the bar", 2)
+
     def test_a_locked_screen_stays_above_it(self):
         d = self.desktop
         self.start()
