@@ -6,6 +6,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "base/Dates.h"
@@ -50,12 +51,21 @@ std::vector<std::string> remindersByHand(const TodoStore& todos, const Clock& cl
 
 void ProgramRules::follow(Program& program) {
     zoneOfLastTodoChange_ = world_.platform.clock.zone;
+    followed_ = std::make_shared<Program*>(&program);
+    modelChanges_ = program.model.onWillChange([this] {
+        world_.platform.time.post([this, weak = std::weak_ptr(followed_)] {
+            const auto followed = weak.lock();
+            if (followed && (*followed)->model.todoStore().lastImportDay() != lastImportDay_) sawAnotherDay_ = true;
+        });
+    });
     todoChanges_ =
         program.model.todoStore().onWillChange([this] { zoneOfLastTodoChange_ = world_.platform.clock.zone; });
 }
 
 void ProgramRules::forget() {
     todoChanges_.cancel();
+    modelChanges_.cancel();
+    followed_.reset();
     require(world_.windows.count() == 0, "no window outlives the program");
     require(world_.folderEvents.watcherCount() == 0, "no folder is watched after the program's end");
     require(world_.hotkeys.registrations == 0, "the hotkey is given back at the program's end");
@@ -93,7 +103,7 @@ void ProgramRules::checkTodos(Program& program) {
     std::map<Uuid, Expected> now;
     for (const Todo& todo : store.todos())
         now[todo.id] = {todo.text, todo.done};
-    const bool isNewDay = store.lastImportDay() != lastImportDay_;
+    const bool isNewDay = std::exchange(sawAnotherDay_, false) || store.lastImportDay() != lastImportDay_;
     for (const auto& [id, before] : expected_) {
         const auto found = now.find(id);
         if (found == now.end()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -52,6 +53,10 @@ private:
     /// The todos that were there after the last step.
     std::map<Uuid, Expected> expected_;
     std::string lastImportDay_;
+    /// Whether it was another one meanwhile, as when midnight passes or the folder changes within one step.
+    bool sawAnotherDay_ = false;
+    std::shared_ptr<Program*> followed_;
+    Subscription modelChanges_;
     Subscription todoChanges_;
     std::string zoneOfLastTodoChange_;
 };

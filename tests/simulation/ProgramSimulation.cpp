@@ -466,6 +466,7 @@ private:
                                                         "Australia/Lord_Howe"};
                 // What the last change brought about is told in the zone that the rules believe it to be told in.
                 world_.platform.time.advance(2 * NotchViewModel::storeDebounce);
+                rules_.check(*program_);
                 world_.platform.clock.zone = pick(zones);
                 return "zone " + world_.platform.clock.zone;
             }
