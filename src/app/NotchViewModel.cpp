@@ -221,8 +221,10 @@ void NotchViewModel::setExpanded(bool expanded) {
 }
 
 bool NotchViewModel::holds(Instant until, Seconds longest) const {
+    // An instant counts seconds in the hundreds of millions, so that a difference is off by a fraction of a microsecond.
+    constexpr Seconds rounding = 0.001;
     const Seconds left = until - with_.clock.now();
-    return left >= 0 && left <= longest;
+    return left >= 0 && left <= longest + rounding;
 }
 
 const Briefing* NotchViewModel::current() const {

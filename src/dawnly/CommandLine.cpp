@@ -1,8 +1,11 @@
 #include "dawnly/CommandLine.h"
 
+#include <xcb/xcb.h>
+
 #include <QLoggingCategory>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <string_view>
 
 namespace sunpane {
@@ -20,9 +23,13 @@ constexpr std::string_view help =
     "\n"
     "Options of the Qt toolkit, such as -platform, are understood too. dawnlyctl speaks to the running program.\n";
 
-// The toolkit would dump a core without one.
-bool hasDisplay() {
-    return std::getenv("DISPLAY") != nullptr || std::getenv("QT_QPA_PLATFORM") != nullptr;
+// Why there is no display; empty when there is one. The toolkit would dump a core without one.
+std::string_view missingDisplay() {
+    if (std::getenv("QT_QPA_PLATFORM") != nullptr) return {};
+    if (std::getenv("DISPLAY") == nullptr) return "DISPLAY is not set";
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(xcb_connect(nullptr, nullptr),
+                                                                                  &xcb_disconnect);
+    return xcb_connection_has_error(connection.get()) == 0 ? "" : "nothing answers at DISPLAY";
 }
 
 }  // namespace
@@ -39,9 +46,11 @@ CommandLine readCommandLine(int argc, const char* const* argv) {
         commandLine.exitCode = std::cout ? 0 : 1;
         break;
     }
-    if (!commandLine.exitCode && argc == (commandLine.isVerbose ? 2 : 1) && !hasDisplay()) {
-        std::cerr << "dawnly: there is no X display: DISPLAY is not set. A Wayland session needs XWayland.\n";
-        commandLine.exitCode = EXIT_FAILURE;
+    if (!commandLine.exitCode && argc == (commandLine.isVerbose ? 2 : 1)) {
+        if (const auto reason = missingDisplay(); !reason.empty()) {
+            std::cerr << "dawnly: there is no X display: " << reason << ". A Wayland session needs XWayland.\n";
+            commandLine.exitCode = EXIT_FAILURE;
+        }
     }
     return commandLine;
 }

@@ -1,16 +1,23 @@
 #include "notch/StateReport.h"
 
 #include <array>
-#include <cstdio>
+#include <cassert>
+#include <charconv>
 #include <nlohmann/json.hpp>
 
 namespace sunpane {
 namespace {
 
+// With a point whatever the user's locale writes.
+std::string numberText(double number) {
+    std::array<char, 32> buffer{};
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
+    assert(written.ec == std::errc());
+    return {buffer.data(), written.ptr};
+}
+
 std::string pairText(double first, double second) {
-    std::array<char, 80> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "{%.17g, %.17g}", first, second);
-    return buffer.data();
+    return "{" + numberText(first) + ", " + numberText(second) + "}";
 }
 
 std::string text(Point point) {

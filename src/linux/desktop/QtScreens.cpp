@@ -24,8 +24,10 @@ void QtScreens::watch(QScreen* screen) {
 
 std::vector<Screen> QtScreens::all() const {
     std::vector<Screen> screens;
-    for (const QScreen* screen : QGuiApplication::screens())
-        screens.push_back(describe(*screen));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        // The toolkit keeps an empty placeholder while none is connected.
+        if (!screen->geometry().isEmpty()) screens.push_back(describe(*screen));
+    }
     return screens;
 }
 
