@@ -49,27 +49,19 @@ void ItemSwipeCoordinator::end() {
 void ItemSwipeCoordinator::finish(const BriefingItem& item) {
     const auto flags = flags_.lock();
     if (swipeX_ > decisionDistance && flags) {
-        undo_.push(restoring(item, *flags));
-        flags->togglePrio(item);
-    } else if (swipeX_ < -decisionDistance && flags) {
-        undo_.push(restoring(item, *flags));
-        flags->isCleared(item.id()) ? flags->hide(item) : flags->toggleCleared(item);
+        actWithUndo([&] { flags->togglePrio(item); });
+    } else if (swipeX_ < -decisionDistance) {
+        actWithUndo([&] { flags->isCleared(item.id()) ? flags->hide(item) : flags->toggleCleared(item); });
     }
     setSwipeX(0);
 }
 
-NotchUndo::Action ItemSwipeCoordinator::restoring(const BriefingItem& item, const ItemFlagStore& flags) const {
-    return [weak = flags_, item, wasPrio = flags.isPrio(item.id()), wasCleared = flags.isCleared(item.id()),
-            wasHidden = flags.isHidden(item.id())] {
-        const auto store = weak.lock();
-        if (!store) return;
-        const auto key = item.id();
-        if (!wasHidden && store->isHidden(key)) store->unhide(item);
-        if (!wasCleared && store->isCleared(key)) store->unclear(item);
-        // Each of the next two takes the other flag off, so the one that is to be on comes last.
-        if (wasPrio != store->isPrio(key)) store->togglePrio(item);
-        if (wasCleared && !store->isCleared(key)) store->toggleCleared(item);
-    };
+void ItemSwipeCoordinator::actWithUndo(const std::function<void()>& operation) {
+    const auto flags = flags_.lock();
+    const FlagChange change = flags ? flags->during(operation) : FlagChange{};
+    undo_.push([weak = flags_, change] {
+        if (const auto store = weak.lock()) store->takeBack(change);
+    });
 }
 
 void ItemSwipeCoordinator::setSwipeX(double x) {

@@ -60,8 +60,8 @@ public:
 
 private:
     void end();
-    // What brings back the flags that the card has now.
-    NotchUndo::Action restoring(const BriefingItem& item, const ItemFlagStore& flags) const;
+    // Without the store there is nothing to do and nothing that the undo would bring back.
+    void actWithUndo(const std::function<void()>& operation);
     void setSwipeX(double x);
     void run(const Spring& spring, const Change& change);
 

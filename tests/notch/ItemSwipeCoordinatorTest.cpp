@@ -217,9 +217,13 @@ TEST_F(ItemSwipeCoordinatorTest, OutlivesTheStoreAndLeavesTheHubWithItsColumn) {
     swipes->pointerEntered(card);
     swipe(-100);
     flags.reset();
+    EXPECT_EQ(undo.size(), 1U);
     swipe(100);
+    EXPECT_EQ(undo.size(), 1U);
     swipe(-100);
+    EXPECT_EQ(undo.size(), 2U) << "a swipe to the left leaves an action, which does nothing";
     EXPECT_EQ(swipes->swipeX(), 0);
+    EXPECT_TRUE(undo.undo());
     EXPECT_TRUE(undo.undo());
     swipes->uninstall();
     EXPECT_EQ(play({event(began)}), "-");

@@ -124,7 +124,11 @@ std::optional<Value> valueAt(const std::map<std::string, Value>& map, const std:
 
 template <class Value>
 void setAt(std::map<std::string, Value>& map, const std::string& key, const std::optional<Value>& value) {
-    if (value) map.insert_or_assign(key, *value);
+    if (value) {
+        map.insert_or_assign(key, *value);
+    } else {
+        map.erase(key);
+    }
 }
 
 /// All that is known of one card.
@@ -147,7 +151,11 @@ struct Card {
     void putInto(FlagState& state, const std::string& key) const {
         setAt(state.prio, key, prio);
         setAt(state.cleared, key, cleared);
-        if (hidden) state.hidden.insert(key);
+        if (hidden) {
+            state.hidden.insert(key);
+        } else {
+            state.hidden.erase(key);
+        }
         setAt(state.dates, key, date);
         setAt(state.firstFlagged, key, firstFlagged);
     }
@@ -208,6 +216,21 @@ FlagState mergeFlags(const FlagState& base, const FlagState& ours, const FlagSta
     for (const std::string& key : keys)
         merged({base, key}, {ours, key}, {theirs, key}).putInto(state, key);
     return state;
+}
+
+FlagChange flagChange(const FlagState& before, const FlagState& after) {
+    FlagChange change;
+    collectKeys(before, change.keys);
+    collectKeys(after, change.keys);
+    std::erase_if(change.keys, [&](const std::string& key) { return Card(before, key) == Card(after, key); });
+    for (const std::string& key : change.keys)
+        Card(before, key).putInto(change.before, key);
+    return change;
+}
+
+void takeBack(FlagState& state, const FlagChange& change) {
+    for (const std::string& key : change.keys)
+        Card(change.before, key).putInto(state, key);
 }
 
 StoreFormat flagFormat() {

@@ -39,6 +39,18 @@ FlagState mergeFlags(const FlagState& base, const FlagState& ours, const FlagSta
 
 StoreFormat flagFormat();
 
+/// What became of some cards, to take it back: their keys, and what was known of those cards before.
+struct FlagChange {
+    std::set<std::string> keys;
+    FlagState before;
+};
+
+/// The cards of which the two states differ.
+FlagChange flagChange(const FlagState& before, const FlagState& after);
+
+/// The state with those cards as they were before the change.
+void takeBack(FlagState& state, const FlagChange& change);
+
 /// The file that tells the agent what became of its cards.
 struct Feedback {
     struct Priority {

@@ -55,6 +55,8 @@ ItemFlagStore::ItemFlagStore(StoreFiles& files, const std::string& directory)
     file_.onConflict([this](const StoreFile::Incoming& incoming) {
         if (take(incoming)) save();
     });
+    // A file that appears where there was none is newer than nothing.
+    if (!file_.modificationTime()) lastKnownMtime_ = FileTime{};
     reloadTimer_ = files_.ports().runLoop.every(reloadInterval, [this] { reloadIfChangedExternally(); });
 }
 
@@ -113,6 +115,21 @@ void ItemFlagStore::setPrio(const std::string& key, std::string_view text, bool 
     } else {
         state_.prio.erase(validKey);
     }
+    save();
+}
+
+FlagChange ItemFlagStore::during(const std::function<void()>& operation) {
+    // What others did to the file meanwhile is none of the operation's doing.
+    adoptForeignChanges();
+    const FlagState before = state_;
+    operation();
+    return flagChange(before, state_);
+}
+
+void ItemFlagStore::takeBack(const FlagChange& change) {
+    adoptForeignChanges();
+    beginChange();
+    sunpane::takeBack(state_, change);
     save();
 }
 

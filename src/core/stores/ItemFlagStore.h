@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -64,6 +65,11 @@ public:
 
     /// Follows the priority of a todo that was made from a card.
     void setPrio(const std::string& key, std::string_view text, bool on);
+
+    /// What an operation on this store does to the flags, lapses and retired dismissals included.
+    FlagChange during(const std::function<void()>& operation);
+    /// Puts the cards of a change back, with the dates that they had.
+    void takeBack(const FlagChange& change);
 
     /// Keeps priorities alive whose topic one of the texts still speaks of.
     void refreshPrioReferences(const std::vector<std::string>& texts);

@@ -35,6 +35,8 @@ TodoStore::TodoStore(StoreFiles& files, const std::string& directory)
     file_.onConflict([this](const StoreFile::Incoming& incoming) {
         if (take(incoming)) save();
     });
+    // A file that appears where there was none is newer than nothing.
+    if (!file_.modificationTime()) lastKnownMtime_ = FileTime{};
     reloadTimer_ = files_.ports().runLoop.every(reloadInterval, [this] { reloadIfChangedExternally(); });
 }
 

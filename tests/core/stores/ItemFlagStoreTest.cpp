@@ -87,6 +87,56 @@ TEST_F(ItemFlagStoreTest, ClearingAndFlaggingDisplaceEachOther) {
     EXPECT_THAT(state().cleared, IsEmpty());
 }
 
+TEST_F(ItemFlagStoreTest, TakingBackRestoresEveryCardThatAnOperationTouched) {
+    const auto hideApril = [this] {
+        store->toggleCleared(april);
+        store->hide(april);
+    };
+    const auto toggleMarch = [this] { store->togglePrio(march); };
+    struct Case {
+        const char* what;
+        std::function<void()> before;
+        std::function<void()> operation;
+    };
+    for (const auto& [what, before, operation] : std::vector<Case>{
+             {"flagging retired a hidden card of the topic", hideApril, toggleMarch},
+             {"a priority was taken off", toggleMarch, toggleMarch},
+             {"clearing dropped a priority of the topic", toggleMarch, [this] { store->toggleCleared(april); }},
+             {"hiding renewed the dismissal", hideApril, [this] { store->hide(april); }},
+             {"a first flag", [] {}, toggleMarch},
+         }) {
+        SCOPED_TRACE(what);
+        before();
+        const FlagState was = state();
+        machine.pass(day);
+        const FlagChange change = store->during(operation);
+        EXPECT_NE(state(), was);
+        store->togglePrio(other);
+        machine.pass(100);
+        store->takeBack(change);
+        store->togglePrio(other);
+        EXPECT_EQ(state(), was);
+        EXPECT_EQ(feedback()["prio"].size(), was.prio.size());
+        EXPECT_EQ(feedback()["cleared"].size(), was.cleared.size());
+        EXPECT_EQ(decodeFlags(machine.content("itemflags.json")), was);
+        store.reset();
+        machine.disk.removeExternally(StoreFixture::path("itemflags.json"));
+        restart();
+    }
+}
+
+TEST_F(ItemFlagStoreTest, TakingBackLeavesAloneWhatAnotherProgramDid) {
+    store->togglePrio(march);
+    machine.pass(4.5);
+    FlagState theirs = state();
+    theirs.cleared["x"] = "theirs";
+    theirs.dates["x"] = now();
+    machine.disk.writeExternally(StoreFixture::path("itemflags.json"), encodeFlags(theirs));
+    const FlagChange change = store->during([this] { store->togglePrio(march); });
+    store->takeBack(change);
+    EXPECT_EQ(state(), theirs);
+}
+
 TEST_F(ItemFlagStoreTest, FollowsTheStarOfATodo) {
     store->toggleCleared(march);
     store->setPrio("the-key", "**text** as it is, invoice ACME", true);
@@ -309,6 +359,15 @@ TEST_F(ItemFlagStoreTest, TakesOverWhatAnotherProgramWrote) {
     EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
     EXPECT_THAT(state().prio, IsEmpty());
     EXPECT_GT(announcements, 0);
+}
+
+TEST_F(ItemFlagStoreTest, TakesOverAFileThatAppearsWhereThereWasNone) {
+    machine.pass(5);
+    machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
+                                 R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" +
+                                     std::to_string(static_cast<long long>(now().sinceReference)) + "}}");
+    machine.pass(2);
+    EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
 }
 
 TEST_F(ItemFlagStoreTest, AFeedbackCutOffByACrashIsWholeAfterTheNextStart) {

@@ -271,6 +271,13 @@ TEST_F(TodoStoreTest, TakesOverWhatAnotherProgramWroteWithinTwoSeconds) {
     EXPECT_THAT(texts(), ElementsAre("theirs")) << "a time that did not advance is not looked behind";
 }
 
+TEST_F(TodoStoreTest, TakesOverAFileThatAppearsWhereThereWasNone) {
+    machine.pass(1);
+    machine.disk.writeExternally(StoreFixture::path("todos.json"), fileWith("theirs"));
+    machine.pass(2);
+    EXPECT_THAT(texts(), ElementsAre("theirs"));
+}
+
 TEST_F(TodoStoreTest, KnowsItsOwnWritesAndOnlyNotesTheTimeAtFirst) {
     store->add("mine");
     machine.settle();
