@@ -66,6 +66,7 @@ void TodoColumnPresenter::scheduleRefresh() {
 void TodoColumnPresenter::refresh() {
     refreshPosted_ = false;
     list_.show(todos().todos());
+    if (!hoveredId_.isEmpty() && list_.rowOf(hoveredId_) < 0) pointerLeft(QString(hoveredId_));
     doneCount_ = static_cast<int>(todos().doneCount());
     const auto& highlight = with_.viewModel.highlightTodoID();
     const QString highlighted = highlight ? QString::fromStdString(highlight->toString()) : QString();
@@ -185,6 +186,11 @@ void TodoColumnPresenter::setSwipe(const QString& id, qreal dx) {
     swipedId_ = id;
     swipeX_ = dx;
     emit swipeChanged();
+}
+
+void TodoColumnPresenter::pointerEntered(const QString& id) {
+    // A row that was deleted is still seen for a moment.
+    if (list_.rowOf(id) >= 0) hoveredId_ = id;
 }
 
 void TodoColumnPresenter::pointerLeft(const QString& id) {

@@ -92,7 +92,7 @@ public:
     /// Ends a swipe of `dx`; false when it did not go far enough.
     Q_INVOKABLE bool swipe(const QString& id, qreal dx);
     /// The pointer rests on a row, or left it: two fingers swipe the row under the pointer.
-    Q_INVOKABLE void pointerEntered(const QString& id) { hoveredId_ = id; }
+    Q_INVOKABLE void pointerEntered(const QString& id);
     Q_INVOKABLE void pointerLeft(const QString& id);
 
     /// Reminds at `time` (s since 1970) and again by `rule`; an empty one means once.

@@ -160,6 +160,16 @@ TEST_F(TodoColumnPresenterTest, TwoFingersFlagAndDeleteTheRowUnderThePointer) {
     EXPECT_EQ(column->swipeX(), 0);
     EXPECT_FALSE(scroll(ended));
     EXPECT_EQ(order(), "bac");
+    // A row that was deleted is no longer under the pointer, though it is seen while it goes.
+    const QString gone = id(0);
+    swipeRow(0, -71);
+    platform.time.advance(0.1);
+    EXPECT_FALSE(scroll(began));
+    EXPECT_EQ(column->swipedId(), gone);
+    platform.time.advance(0.3);
+    column->pointerEntered(gone);
+    EXPECT_FALSE(scroll(began));
+    EXPECT_EQ(column->swipedId(), "");
 }
 
 TEST_F(TodoColumnPresenterTest, RowsMoveByDragAndKeyWithinTheirGroup) {
