@@ -213,9 +213,21 @@ class Stacking(Windows):
         d = self.desktop
         self.start()
         self.assertTrue(self.panel_shows())
-        neighbours.start(d, "curtain")
+        lock = neighbours.start(d, "curtain")
         self.settle()
-        self.assertEqual(d.screenshot().at(*NOTCH), (255, 255, 255))
+        white = (255, 255, 255)
+        self.assertEqual(d.screenshot().at(*NOTCH), white)
+        d.run("wmctrl", "-s", "1")  # whereupon the panel is built anew
+        d.wait_for(lambda: d.report()["spaceID"] == 2, "the other desktop", 3)
+        self.settle()
+        self.assertEqual(d.screenshot().at(*NOTCH), white)
+        d.wait_for(lambda: not d.report()["suppressed"], "the panel to rest")
+        self.hover()
+        self.assertEqual(d.screenshot().at(*CARD), white)
+        d.move(*AWAY)
+        self.wait_until(False)
+        lock.terminate()
+        d.wait_for(self.panel_shows, "the notch after the lock has gone", 3)
 
 
 class KeyboardWithoutCompositor(Keyboard, unittest.TestCase):

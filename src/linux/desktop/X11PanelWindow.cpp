@@ -86,8 +86,8 @@ bool X11PanelWindow::isOnScreen() const {
 }
 
 void X11PanelWindow::orderFrontRegardless() {
+    // Not raised: its private space knows what it must stay below.
     window_->show();
-    window_->raise();
     applyShape();
     if (std::exchange(keyAgain_, false)) makeKey();
 }

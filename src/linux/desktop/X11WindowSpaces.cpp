@@ -15,6 +15,9 @@ constexpr std::uint32_t mostStates = 32;
 // A window manager's frame may hold the client in another window of its own.
 constexpr int deepestFrame = 3;
 
+// More windows than a screen locker shows.
+constexpr std::size_t mostCurtains = 32;
+
 }  // namespace
 
 X11WindowSpaces::X11WindowSpaces(X11Events& events) : events_(events), lastPrivate_(firstPrivate) {
@@ -27,10 +30,7 @@ X11WindowSpaces::X11WindowSpaces(X11Events& events) : events_(events), lastPriva
     readDesktop();
     connect(&events_, &X11Events::rootPropertyChanged, this, &X11WindowSpaces::rootPropertyChanged);
     connect(&events_, &X11Events::windowShown, this, &X11WindowSpaces::coveredBy);
-    connect(&events_, &X11Events::windowStacked, this, [this](xcb_window_t window, xcb_window_t below) {
-        const auto kept = keptOnTop();
-        if (std::find(kept.begin(), kept.end(), below) != kept.end()) coveredBy(window);
-    });
+    connect(&events_, &X11Events::windowStacked, this, &X11WindowSpaces::stacked);
     afterRest_.setSingleShot(true);
     afterRest_.setInterval(restMilliseconds);
     connect(&afterRest_, &QTimer::timeout, this, [this] {
@@ -62,9 +62,9 @@ void X11WindowSpaces::rootPropertyChanged(xcb_atom_t property) {
         const auto before = desktop_;
         readDesktop();
         if (desktop_ != before) handlers_.call();
-    } else if (property == clientsAtom_ && curtain_ != XCB_NONE && isManaged(curtain_)) {
+    } else if (property == clientsAtom_ &&
+               std::erase_if(curtains_, [this](auto each) { return isManaged(each); }) > 0) {
         // The window manager showed the window before it said that it knows it.
-        curtain_ = XCB_NONE;
         raise();
     }
 }
@@ -94,6 +94,8 @@ void X11WindowSpaces::moveWindow(std::uint64_t windowNumber, SpaceID space) {
     const auto found = private_.find(space);
     if (found == private_.end()) return;
     found->second.windows.push_back(window);
+    // Once, whatever the level.
+    putOnTop({window});
     raise();
 }
 
@@ -113,12 +115,22 @@ std::vector<xcb_window_t> X11WindowSpaces::keptOnTop() const {
     return windows;
 }
 
+void X11WindowSpaces::stacked(xcb_window_t window, xcb_window_t below) {
+    // What is put at the very bottom is a wallpaper.
+    if (below == XCB_NONE && std::erase(curtains_, window) > 0) return raise();
+    const auto kept = keptOnTop();
+    if (std::find(kept.begin(), kept.end(), below) != kept.end()) coveredBy(window);
+}
+
 void X11WindowSpaces::coveredBy(xcb_window_t cover) {
     const auto kept = keptOnTop();
-    if (kept.empty() || events_.isOurTopLevel(cover)) return;
+    if (kept.empty() || !isViewable(cover) || events_.isOurTopLevel(cover)) return;
     if (isCurtain(cover, kept.back())) {
-        curtain_ = cover;
-        return;
+        std::erase(curtains_, cover);
+        if (curtains_.size() == mostCurtains) curtains_.erase(curtains_.begin());
+        curtains_.push_back(cover);
+        // We may have come up above it before we heard of it.
+        return raise();
     }
     if (sinceRaised_.isValid() && sinceRaised_.elapsed() > restMilliseconds) raisesInARow_ = 0;
     if (++raisesInARow_ > mostRaisesInARow) {
@@ -130,12 +142,38 @@ void X11WindowSpaces::coveredBy(xcb_window_t cover) {
 }
 
 void X11WindowSpaces::raise() {
-    if (!events_.isConnected()) return;
-    for (const xcb_window_t window : keptOnTop()) {
-        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-        xcb_configure_window(events_.connection(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    putOnTop(keptOnTop());
+}
+
+void X11WindowSpaces::putOnTop(const std::vector<xcb_window_t>& windows) {
+    if (!events_.isConnected() || windows.empty()) return;
+    const xcb_window_t limit = lowestCurtain();
+    for (const xcb_window_t window : windows) {
+        if (limit == XCB_NONE) {
+            const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+            xcb_configure_window(events_.connection(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        } else {
+            const std::uint32_t below[] = {limit, XCB_STACK_MODE_BELOW};
+            xcb_configure_window(events_.connection(), window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE,
+                                 below);
+        }
     }
     xcb_flush(events_.connection());
+}
+
+xcb_window_t X11WindowSpaces::lowestCurtain() {
+    std::erase_if(curtains_, [this](auto each) { return !isViewable(each); });
+    if (curtains_.empty()) return XCB_NONE;
+    const auto stack = events_.childrenOf(events_.root());
+    const auto found = std::find_first_of(stack.begin(), stack.end(), curtains_.begin(), curtains_.end());
+    return found == stack.end() ? XCB_NONE : *found;
+}
+
+bool X11WindowSpaces::isViewable(xcb_window_t window) const {
+    xcb_connection_t* connection = events_.connection();
+    const auto cookie = xcb_get_window_attributes(connection, window);
+    const auto attributes = own(xcb_get_window_attributes_reply(connection, cookie, nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 bool X11WindowSpaces::isCurtain(xcb_window_t cover, xcb_window_t window) const {

@@ -17,8 +17,9 @@ namespace sunpane {
 ///
 /// X11 has one stack of windows and no private spaces. A window in one of ours is put on top of the stack again
 /// whenever another window came above it, a full-screen one included. Two things stay above: our own windows, and
-/// windows that hide the whole panel and that the window manager does not know, because a locked screen looks like
-/// that. A space at level 0 or below keeps nothing on top. Main thread only.
+/// windows that hide the whole panel and that the window manager does not know, the curtains, because a locked screen
+/// looks like that. As long as such a window is on screen, what is kept on top stays below it. A space at level 0 or
+/// below keeps nothing on top. Main thread only.
 class X11WindowSpaces : public QObject, public WindowSpaces {
     Q_OBJECT
 
@@ -50,8 +51,13 @@ private:
     void rootPropertyChanged(xcb_atom_t property);
     void readDesktop();
     std::vector<xcb_window_t> keptOnTop() const;
+    void stacked(xcb_window_t window, xcb_window_t below);
     void coveredBy(xcb_window_t cover);
     void raise();
+    void putOnTop(const std::vector<xcb_window_t>& windows);
+    /// None when no curtain is on screen.
+    xcb_window_t lowestCurtain();
+    bool isViewable(xcb_window_t window) const;
     bool isCurtain(xcb_window_t cover, xcb_window_t window) const;
     bool isManaged(xcb_window_t topLevel) const;
 
@@ -66,7 +72,7 @@ private:
 
     std::map<SpaceID, PrivateSpace> private_;
     SpaceID lastPrivate_;
-    xcb_window_t curtain_ = XCB_NONE;  // the last one that was left above the panel
+    std::vector<xcb_window_t> curtains_;  // those that are no longer on screen are dropped when it is asked for
     QElapsedTimer sinceRaised_;
     QTimer afterRest_;
     int raisesInARow_ = 0;
