@@ -120,7 +120,7 @@ void PanelBackground::paint(QPainter& painter, const QPainterPath& outline, cons
     painter.setRenderHint(QPainter::Antialiasing);
     const qreal openness = std::clamp(measures.openness, 0.0, 1.0);
     const auto coating = panel_paint::coating(with_.theme, openness);
-    if (!shown_ || coating.front().color == ThemeColor{}) {
+    if (!shown_ || panel_paint::isBlack(coating)) {
         painter.fillPath(outline, Qt::black);
     } else {
         paintBackdrop(painter, outline);

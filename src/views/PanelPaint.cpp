@@ -30,6 +30,11 @@ GradientStops coating(const ThemeStore& theme, double openness) {
     return stops;
 }
 
+bool isBlack(const GradientStops& coating) {
+    return std::all_of(coating.begin(), coating.end(),
+                       [](const GradientStop& stop) { return stop.color == ThemeColor{}; });
+}
+
 double scrimOpacity(const ThemeStore& theme, double backdrop) {
     double brightest = backdrop * (1 - theme.baseOpacity());
     if (const auto wash = theme.washStops()) {

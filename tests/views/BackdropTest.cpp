@@ -259,10 +259,20 @@ TEST(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
                 EXPECT_NEAR(over(below, coating[i].color.red, coating[i].color.opacity), expected, 1e-9)
                     << theme.themeName() << " at " << translucency;
             }
-            for (const GradientStop& stop : panel_paint::coating(theme, 0))
-                EXPECT_EQ(stop.color, ThemeColor{}) << "the folded panel is the black notch";
+            EXPECT_TRUE(panel_paint::isBlack(panel_paint::coating(theme, 0))) << "the folded panel is the black notch";
         }
     }
+}
+
+TEST(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
+    SimulatedUserDefaults defaults;
+    ThemeStore theme(defaults);
+    theme.setTheme(NotchTheme::custom);
+    theme.setTranslucency(0);
+    theme.setCustomTopHex(0);
+    EXPECT_FALSE(panel_paint::isBlack(panel_paint::coating(theme, 1)));
+    theme.setCustomBottomHex(0);
+    EXPECT_TRUE(panel_paint::isBlack(panel_paint::coating(theme, 1)));
 }
 
 TEST(PanelPaintTest, TheScrimKeepsEveryBackgroundDarkUnderText) {
