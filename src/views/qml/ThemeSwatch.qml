@@ -11,7 +11,7 @@ Item {
     signal clicked
 
     implicitWidth: 44
-    implicitHeight: 34 + 4 + name.implicitHeight
+    implicitHeight: name.y + name.implicitHeight
     activeFocusOnTab: true
 
     function stop(index) {
