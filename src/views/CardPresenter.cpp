@@ -69,9 +69,9 @@ void CardPresenter::pointerLeft(const QString& key) {
 }
 
 void CardPresenter::dragTo(int sectionId, int index, qreal x) {
-    if (!dragged_) {
-        const auto* item = column_.item(sectionId, index);
-        if (item == nullptr) return;
+    const auto* item = column_.item(sectionId, index);
+    if (item == nullptr) return;
+    if (!dragged_ || dragged_->id() != item->id()) {
         dragged_ = *item;
         coordinator_.pointerEntered(*item);
         springs_ = false;

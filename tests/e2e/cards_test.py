@@ -108,6 +108,17 @@ class Cards(unittest.TestCase):
             self.expect_flags(**flags)
         self.desktop.wait_for(lambda: self.desktop.screenshot().card_count() == 5, "the card to come back")
 
+    def test_a_second_button_ends_a_drag(self):
+        d = self.desktop
+        d.drag((HAND_X, CARD_Y[1]), (HAND_X + 80, CARD_Y[1]), release=False)
+        d.run("xdotool", "click", "3", "mousemove_relative", "9", "0")
+        time.sleep(0.1)
+        d.run("xdotool", "mouseup", "1")
+        time.sleep(0.5)
+        self.assertFalse(os.path.exists(d.briefings + "/itemflags.json"))
+        self.swipe(0, 80)  # hits the card that it is made on
+        self.expect_flags(prio=["alpha-report"])
+
     def test_a_vertical_drag_does_nothing(self):
         self.desktop.drag((HAND_X, CARD_Y[0]), (HAND_X + 5, CARD_Y[3]))
         self.desktop.drag((HAND_X, CARD_Y[0]), (HAND_X + 20, CARD_Y[0] + 40), hold=0.1)
@@ -174,9 +185,10 @@ class Cards(unittest.TestCase):
     def test_the_menu_copies_and_adds(self):
         d = self.desktop
         self.swipe(1, 80)
-        d.click(HAND_X, CARD_Y[1], button=3)
+        d.run("xdotool", "mousemove", str(HAND_X), str(CARD_Y[1]), "mousedown", "3")
         time.sleep(0.3)
-        d.key("Return")
+        d.key("Return")  # the button is still down
+        d.run("xdotool", "mouseup", "3")
         time.sleep(0.3)
         copied = subprocess.run(["timeout", "5", "xclip", "-o", "-selection", "clipboard"], env=d.environment,
                                 stdout=subprocess.PIPE, check=True).stdout.decode()

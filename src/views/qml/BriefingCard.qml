@@ -14,7 +14,7 @@ Item {
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.RightButton
-        onClicked: (mouse) => {
+        onPressed: (mouse) => {
             menu.openAt(card, mouse.x, mouse.y, qsTr("Panel"), [
                 {
                     label: qsTr("Open Briefings Folder"),

@@ -31,8 +31,16 @@ MouseArea {
     }
 
     onPressed: (mouse) => {
+        if (mouse.buttons !== mouse.button) {
+            // Another button is down already: whatever that one began ends with nothing done.
+            ring.cancel();
+            card.cards.cancelDrag();
+            doing = CardHand.Ignoring;
+            return;
+        }
         if (mouse.button === Qt.RightButton) {
             doing = CardHand.Ignoring;
+            card.host.openCardMenu(card, mouse.x, mouse.y, false);
             return;
         }
         start = Qt.point(mouse.x, mouse.y);
@@ -64,13 +72,13 @@ MouseArea {
     onReleased: (mouse) => {
         const at = mapToItem(card, mouse.x, mouse.y);
         const did = doing;
+        if (pressed)
+            return;
         finish();
         if (did === CardHand.Swiping)
             card.host.announce(card.cards.drop());
         else if (did === CardHand.Choosing)
             card.host.menu.release(card, at.x, at.y);
-        else if (mouse.button === Qt.RightButton && containsMouse)
-            card.host.openCardMenu(card, at.x, at.y, false);
         else if (did === CardHand.Pressing && linkAt(mouse.x, mouse.y).length > 0)
             card.cards.openLink(card.sectionId, card.index, parseInt(linkAt(mouse.x, mouse.y)));
     }

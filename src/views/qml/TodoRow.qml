@@ -151,6 +151,11 @@ Item {
             // The list is scrolled by the wheel; dragging moves its rows.
             preventStealing: true
             onPressed: (mouse) => {
+                if (mouse.buttons !== mouse.button) {
+                    // Another button is down already: whatever that one began ends with nothing done.
+                    letGo();
+                    return;
+                }
                 if (mouse.button === Qt.RightButton) {
                     row.column.openActions(row, mouse.x, mouse.y, false);
                     return;
