@@ -140,6 +140,29 @@ class Swipes(unittest.TestCase):
         self.fingers(6.5)
         self.expect("no priority")
 
+    def test_swipes_go_through_no_menu(self):
+        d = self.desktop
+        d.click(*CARD, button=3)
+        time.sleep(0.3)
+        d.move(CARD[0] - 200, CARD[1] + 164)
+        time.sleep(0.2)
+        self.fingers(6.5)
+        self.expect_nothing_flagged("a swipe beside the menu of a card")
+        d.key("Escape")
+        time.sleep(0.3)
+        self.fingers(6.5)
+        self.expect("the swipe once the menu is gone", prio=["Card number 5"])
+        # The same for a menu that comes while the pointer rests on a card.
+        d.key(*["Tab"] * 4, "m")
+        time.sleep(0.3)
+        self.fingers(6.5)
+        time.sleep(0.7)
+        self.expect("a swipe beside a menu opened by a key", prio=["Card number 5"])
+        d.key("Escape")
+        time.sleep(0.3)
+        self.fingers(6.5)
+        self.expect("the swipe once that menu is gone")
+
     def test_two_fingers_swipe_todos_too(self):
         d = self.desktop
 

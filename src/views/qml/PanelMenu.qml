@@ -152,6 +152,8 @@ Item {
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.AllButtons
+        // Nothing below notices the pointer, or two fingers would swipe it.
+        hoverEnabled: true
         onPressed: menu.close()
         onWheel: {}
     }
