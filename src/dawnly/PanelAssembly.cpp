@@ -39,7 +39,7 @@ std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& 
     const PanelPresenter::Measures measures{notchSize, cardWidth, maxCardHeight};
     if (window_) {
         root_->presenter().setMeasures(measures);
-        window_->setFrame(frame);
+        if (window_->setFrame(frame)) root_->background().windowMoved();
     } else {
         auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures),
                                                  background_);

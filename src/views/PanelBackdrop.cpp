@@ -67,7 +67,7 @@ void PanelBackdrop::take() {
     if (!capture || capture->image.pixels.empty()) return;
     if (capture->hasWindowInIt) {
         // Only the folded panel can be taken out of a picture.
-        if (taken_) return;
+        if (taken_ || !window_.isFolded) return;
         removeNotch(capture->image, window_);
     }
     if (taken_ && taken_->image == capture->image) return;

@@ -38,6 +38,9 @@ public:
         std::uint64_t number = 0;
         Size size;
         Size notch;
+        /// Whether the panel is still folded. Without a compositor an open one is in every picture and cannot be taken
+        /// out of it.
+        bool isFolded = true;
     };
 
     /// `changed` is called after another picture has come in its place.

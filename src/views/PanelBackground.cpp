@@ -66,7 +66,7 @@ PanelBackground::~PanelBackground() = default;
 void PanelBackground::setShown(bool shown) {
     if (std::exchange(shown_, shown) == shown) return;
     if (shown) {
-        refresh();
+        refresh(true);
     } else {
         backdrop_.release();
         image_ = {};
@@ -85,7 +85,12 @@ void PanelBackground::scheduleRefresh() {
     });
 }
 
-void PanelBackground::refresh() {
+void PanelBackground::windowMoved() {
+    backdrop_.release();
+    refresh();
+}
+
+void PanelBackground::refresh(bool isFolded) {
     if (!shown_) return;
     // Nothing shows through an opaque panel.
     if (with_.theme.baseOpacity() == 1) {
@@ -93,7 +98,9 @@ void PanelBackground::refresh() {
     } else if (backdrop_.isShown()) {
         backdrop_.update(with_.theme.translucency());
     } else {
-        backdrop_.show(window_(), with_.theme.translucency());
+        auto window = window_();
+        window.isFolded = isFolded;
+        backdrop_.show(window, with_.theme.translucency());
     }
     adopt();
 }

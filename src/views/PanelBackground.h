@@ -40,13 +40,16 @@ public:
         qreal openness = 0;
     };
 
-    /// `window` tells which window is painted; asked when the panel unfolds.
+    /// `window` tells which window is painted.
     PanelBackground(const Collaborators& collaborators, std::function<PanelBackdrop::Window()> window);
     ~PanelBackground() override;
 
     bool shown() const { return shown_; }
     void setShown(bool shown);
     qreal scrim() const { return scrim_; }
+
+    /// The window has another place or size: what is behind it is another picture.
+    void windowMoved();
 
     /// Paints into `outline`, in the window's points.
     void paint(QPainter& painter, const QPainterPath& outline, const Measures& measures) const;
@@ -58,7 +61,7 @@ signals:
 
 private:
     void scheduleRefresh();
-    void refresh();
+    void refresh(bool isFolded = false);
     void adopt();
     void paintBackdrop(QPainter& painter, const QPainterPath& outline) const;
 

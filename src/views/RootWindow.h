@@ -22,6 +22,7 @@ public:
     ~RootWindow() override;
 
     PanelPresenter& presenter() { return *presenter_; }
+    PanelBackground& background() { return background_; }
 
     /// Before the first window: registers the panel's types with QML.
     static void registerTypes();

@@ -190,6 +190,17 @@ TEST_F(PanelBackdropTest, AScreenThatShowsThePanelItselfIsTakenOnce) {
     EXPECT_EQ(shownPixel(), 0x808080U);
 }
 
+TEST_F(PanelBackdropTest, AnOpenPanelIsInNoPicture) {
+    const PanelBackdrop::Window open{7, {312, 296}, {100, 30}, false};
+    backdrop.show(open, 0.9);
+    platform.time.advance(1);
+    EXPECT_EQ(backdrop.image(), nullptr) << "the panel cannot be taken out of it";
+    screen.live = true;
+    backdrop.show(open, 0.9);
+    platform.time.runPending();
+    EXPECT_NE(backdrop.image(), nullptr);
+}
+
 TEST_F(PanelBackdropTest, ANewSpaceMakesItAnew) {
     screen.live = true;
     show();

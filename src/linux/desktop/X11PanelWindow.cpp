@@ -67,9 +67,13 @@ X11PanelWindow::~X11PanelWindow() {
     window_->removeEventFilter(this);
 }
 
-void X11PanelWindow::setFrame(const Rect& frame) {
+bool X11PanelWindow::setFrame(const Rect& frame) {
     const QRect geometry = coordinates::fromScreenPoints(frame);
-    if (geometry != window_->geometry()) window_->setGeometry(geometry);
+    if (geometry == window_->geometry()) return false;
+    window_->setGeometry(geometry);
+    // Whoever looks at the window over another connection is to find it where it is now.
+    focusedWindow();
+    return true;
 }
 
 Rect X11PanelWindow::frame() const {

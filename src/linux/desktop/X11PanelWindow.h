@@ -34,8 +34,8 @@ public:
     void makeKey() override;
     void resignKey() override;
 
-    /// Moves the window to another place, or another screen.
-    void setFrame(const Rect& frame);
+    /// Moves the window to another place, or another screen. Tells whether it was elsewhere.
+    bool setFrame(const Rect& frame);
 
     /// The visible outline, in the window's device-independent pixels.
     void setOutline(const QPolygonF& outline);
