@@ -217,6 +217,33 @@ class Cards(unittest.TestCase):
         self.swipe(0, 80)  # the hand is free again
         self.expect_flags(prio=["alpha-report"])
 
+    def test_a_carried_card_may_go_from_the_briefing(self):
+        d = self.desktop
+        d.drag((HAND_X, CARD_Y[3]), (TODOS_X, 160), steps=30, release=False)
+        d.write_briefing("2026-11-22.md", "# Later\n### Other\n- Something else\n")
+        d.wait_for(lambda: d.screenshot().card_count() == 1, "the new briefing")
+        for x in (TODOS_X + 4, TODOS_X + 8):
+            d.move(x, 162)
+            time.sleep(0.2)
+        d.run("xdotool", "mouseup", "1")
+        d.wait_for(self.todos, "the todo")
+        self.assertEqual(self.todos()[0]["text"], "Delta review")
+        self.assertIsNone(d.program.poll())
+
+    def test_a_menu_that_another_replaces_does_not_keep_the_panel_open(self):
+        d = self.desktop
+        self.click_into_panel()
+        self.focus_card(0)
+        d.run("xdotool", "mousemove", str(HAND_X), str(CARD_Y[1]), "mousedown", "1", "key", "m")
+        time.sleep(0.7)  # until holding opens the other
+        d.run("xdotool", "mouseup", "1")
+        time.sleep(0.3)
+        d.key("Escape")
+        time.sleep(0.3)
+        self.assertTrue(d.report()["expanded"])
+        d.run("xdotool", "mousemove", "100", "700", "sleep", "0.1", "mousemove", "110", "700")
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 3)
+
     def test_flags_by_keyboard_alone(self):
         d = self.desktop
         self.click_into_panel()

@@ -228,6 +228,15 @@ class Todos(unittest.TestCase):
         d.key("Escape")
         d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)
 
+    def test_a_long_todo_is_edited_whole(self):
+        d = self.desktop
+        self.open_panel(todo("a " + "very " * 600 + "long one"))
+        self.choose(0, EDIT)
+        d.key("End")
+        self.type(" indeed")
+        d.key("Return")
+        self.expect("a " + "very " * 600 + "long one indeed")
+
     def drop_card(self, y):
         d = self.desktop
         d.drag((BRIEF_LEFT + 300, y), (TEXT_X, 195), steps=30, release=False)

@@ -8,6 +8,9 @@ Flickable {
     required property ReminderMenu menu
     required property ReminderSheet sheet
     readonly property var cards: presenter.cards
+    readonly property CarriedCard carried: CarriedCard {
+        parent: column
+    }
     // What happened, for the screen reader.
     signal announced(string text)
 

@@ -27,7 +27,13 @@ MouseArea {
     }
     function finish() {
         ring.cancel();
+        card.host.carried.letGo();
         doing = CardHand.Nothing;
+    }
+    function carry() {
+        doing = CardHand.Ignoring;
+        card.cards.cancelDrag();
+        card.host.carried.carry(card.cards.dragData(card.sectionId, card.index), start);
     }
 
     onPressed: (mouse) => {
@@ -60,12 +66,12 @@ MouseArea {
             ring.cancel();
             doing = Math.abs(dx) > Math.abs(dy) ? CardHand.Swiping : CardHand.Ignoring;
             if (doing === CardHand.Swiping)
-                carried.prepare();
+                card.host.carried.prepare(card);
         }
         if (doing === CardHand.Choosing)
             card.host.menu.track(card, at.x, at.y);
         else if (doing === CardHand.Swiping && card.host.isBeside(card, at.x))
-            carried.carry();
+            carry();
         else if (doing === CardHand.Swiping)
             card.cards.dragTo(card.sectionId, card.index, dx);
     }
@@ -91,29 +97,6 @@ MouseArea {
         target: hand.ring
         function onHeld() {
             hand.doing = CardHand.Choosing;
-        }
-    }
-
-    // What other windows and the todo column get of the card.
-    Item {
-        id: carried
-        property url picture
-        Drag.dragType: Drag.Automatic
-        Drag.supportedActions: Qt.CopyAction
-        Drag.imageSource: picture
-        Drag.hotSpot: hand.start
-
-        function prepare() {
-            picture = "";
-            hand.card.grabToImage((result) => picture = result.url);
-        }
-        function carry() {
-            Drag.mimeData = hand.card.cards.dragData(hand.card.sectionId, hand.card.index);
-            hand.doing = CardHand.Ignoring;
-            hand.card.cards.cancelDrag();
-            // Returns once the card was dropped somewhere.
-            Drag.active = true;
-            Drag.active = false;
         }
     }
 }

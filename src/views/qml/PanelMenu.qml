@@ -30,9 +30,11 @@ Item {
         entries = choices;
         returnTo = byKeyboard ? item : null;
         heldAt = null;
+        // A second hand, or the keyboard, may open another menu while a button holds this one open.
+        if (!isOpen)
+            presenter.setMenuOpen(true);
         isOpen = true;
         place(item, x, y, y);
-        presenter.setMenuOpen(true);
         sheet.forceActiveFocus();
         current = 0;
     }

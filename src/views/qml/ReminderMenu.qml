@@ -21,12 +21,15 @@ PanelMenu {
         return choices;
     }
 
-    // The sheet comes once the menu has gone.
+    // The sheet comes once the menu has gone, unless the panel has gone with it.
     Timer {
         id: afterwards
         property var action: null
         interval: 180
-        onTriggered: action()
+        onTriggered: {
+            if (menu.presenter.expanded)
+                action();
+        }
         function call(next) {
             action = next;
             restart();

@@ -350,6 +350,9 @@ Rectangle {
     Timer {
         id: tipDelay
         onTriggered: {
+            // The row may have gone meanwhile.
+            if (!tip.over)
+                return;
             const at = tip.over.mapToItem(todoColumn, 0, tip.over.height + 2);
             tip.x = Math.max(Style.gap, Math.min(at.x, todoColumn.width - tip.width - Style.gap));
             tip.y = at.y + tip.height <= todoColumn.height ? at.y : at.y - tip.over.height - tip.height - 6;

@@ -20,6 +20,8 @@ Rectangle {
     border.width: 2
 
     function begin(text) {
+        // A text that another program wrote may be longer than what one types.
+        input.maximumLength += text.length;
         input.text = text;
         input.forceActiveFocus(Qt.OtherFocusReason);
         input.selectAll();
