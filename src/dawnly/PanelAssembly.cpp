@@ -18,6 +18,7 @@ public:
     bool isOnScreen() const override { return window_.isOnScreen(); }
     void orderFrontRegardless() override { window_.orderFrontRegardless(); }
     void orderOut() override { window_.orderOut(); }
+    void prepare() override { window_.prepare(); }
     void makeKey() override { window_.makeKey(); }
     void resignKey() override { window_.resignKey(); }
 
@@ -46,6 +47,7 @@ std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& 
         root_ = root.get();
         window_ = std::make_unique<X11PanelWindow>(std::move(root), frame, events_);
         QObject::connect(root_, &RootWindow::outlineChanged, window_.get(), &X11PanelWindow::setOutline);
+        QObject::connect(window_.get(), &X11PanelWindow::unfoldingExpected, root_, &RootWindow::makeContent);
     }
     return std::make_unique<PanelOnScreen>(*window_);
 }

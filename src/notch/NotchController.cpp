@@ -177,6 +177,7 @@ void NotchController::pointerMoved() {
         if (!model.expanded() && !model.isExpandSuppressed()) model.setExpanded(true);
         return;
     }
+    if (!model.expanded() && zone.grownBy(approachMargin).contains(pointer)) panel_->prepare();
     if (mayFold() && !panel_->frame().grownBy(foldMargin).contains(pointer)) model.setExpanded(false);
 }
 

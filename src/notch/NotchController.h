@@ -41,6 +41,8 @@ public:
     static constexpr Seconds settledDelay = 0.8;
     /// How far (points) the pointer may stray from the open panel's window before it folds.
     static constexpr double foldMargin = 24;
+    /// How near (points) to the notch the pointer is when the panel is expected to unfold soon.
+    static constexpr double approachMargin = 160;
 
     struct Collaborators {
         Clock& clock;

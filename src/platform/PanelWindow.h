@@ -25,6 +25,9 @@ public:
     virtual void orderFrontRegardless() = 0;
     virtual void orderOut() = 0;
 
+    /// The panel may unfold any moment: what it shows then is made now.
+    virtual void prepare() = 0;
+
     /// Takes the keyboard.
     virtual void makeKey() = 0;
     /// Hands the keyboard back to the window that had it before, if the panel has it now.

@@ -54,4 +54,8 @@ RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> prese
 
 RootWindow::~RootWindow() = default;
 
+void RootWindow::makeContent() {
+    QMetaObject::invokeMethod(rootView_.get(), "makeContent");
+}
+
 }  // namespace sunpane

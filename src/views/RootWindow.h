@@ -24,6 +24,9 @@ public:
     PanelPresenter& presenter() { return *presenter_; }
     PanelBackground& background() { return background_; }
 
+    /// Makes what the open panel shows, if it is not there yet.
+    void makeContent();
+
     /// Before the first window: registers the panel's types with QML.
     static void registerTypes();
 

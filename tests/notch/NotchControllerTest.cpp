@@ -19,6 +19,16 @@ TEST_F(NotchControllerTest, UnfoldsAtTheNotchAndFoldsWellOutsideThePanel) {
     EXPECT_FALSE(model->expanded());
 }
 
+TEST_F(NotchControllerTest, HasThePanelMadeReadyWhenThePointerComesNear) {
+    show();
+    moveTo({720, 600});
+    moveTo({300, 880});
+    EXPECT_FALSE(windows.last->prepared);
+    moveTo({600, 760});
+    EXPECT_TRUE(windows.last->prepared);
+    EXPECT_FALSE(model->expanded());
+}
+
 TEST_F(NotchControllerTest, SeesAPointerThatNoEventTellsOf) {
     show();
     pointer.location = atNotch;

@@ -101,6 +101,7 @@ public:
         bool isOnScreen() const override { return visible; }
         void orderFrontRegardless() override { visible = true; }
         void orderOut() override { visible = false; }
+        void prepare() override { prepared = true; }
         void makeKey() override { key = true; }
         void resignKey() override { key = false; }
         Rect rectangle;
@@ -108,6 +109,7 @@ public:
         std::shared_ptr<void> alive;
         bool visible = false;
         bool key = false;
+        bool prepared = false;
     };
 
     std::unique_ptr<PanelWindow> make(const Rect& frame, const Size& notchSize, double /*cardWidth*/,

@@ -31,6 +31,7 @@ public:
     bool isOnScreen() const override;
     void orderFrontRegardless() override;
     void orderOut() override;
+    void prepare() override { emit unfoldingExpected(); }
     void makeKey() override;
     void resignKey() override;
 
@@ -41,6 +42,9 @@ public:
     void setOutline(const QPolygonF& outline);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+signals:
+    void unfoldingExpected();
 
 private:
     void applyShape();

@@ -10,6 +10,9 @@ Item {
     readonly property real columnGap: 14
     readonly property real briefWidth: width - 2 * Style.margin - columnGap - todoWidth
 
+    // Text that the user began and that would be lost with the card.
+    readonly property bool holdsText: todos.holdsText
+
     // Wherever no card has a menu of its own.
     MouseArea {
         anchors.fill: parent

@@ -8,6 +8,7 @@ Rectangle {
     signal submitted(string text)
     signal dismissed
     readonly property alias focused: input.activeFocus
+    readonly property alias text: input.text
 
     function takeFocus() {
         input.forceActiveFocus(Qt.OtherFocusReason);

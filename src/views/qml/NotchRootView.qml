@@ -114,11 +114,22 @@ FocusScope {
         y: root.foldedHeight - height - 4
     }
 
-    // The first unfolding must not wait for the content to be made.
+    // A folded panel holds no content: it is made when the pointer comes near, so that unfolding need not wait for it,
+    // and given up when the panel was left alone for a while.
+    function makeContent() {
+        content.active = true;
+        idle.restart();
+    }
     Timer {
-        interval: 400
-        running: true
-        onTriggered: content.active = true
+        id: idle
+        interval: 30000
+        running: root.folded && content.active
+        onTriggered: {
+            if (content.item.holdsText)
+                restart();
+            else
+                content.active = false;
+        }
     }
 
     function moveFocus(forward) {

@@ -38,6 +38,11 @@ Item {
             column.rowFocused(index);
     }
     onIndexChanged: area.letGo()
+    onEditingChanged: column.edits += editing ? 1 : -1
+    Component.onDestruction: {
+        if (editing)
+            --column.edits;
+    }
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
