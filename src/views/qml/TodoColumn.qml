@@ -276,6 +276,19 @@ Rectangle {
             column: todoColumn
         }
 
+        // Where a dragged row will land: rows with a note are higher than a drag's steps, so it may not be over it.
+        Rectangle {
+            parent: rows.contentItem
+            readonly property Item target: todoColumn.dragFrom < 0 ? null : rows.itemAtIndex(todoColumn.dragTo)
+            visible: target !== null
+            width: rows.width
+            height: todoColumn.dragHeight
+            y: !target ? 0 : todoColumn.dragTo > todoColumn.dragFrom ? target.y + target.height - height : target.y
+            radius: 7
+            color: "transparent"
+            border.color: Style.focus
+        }
+
         component Glide: NumberAnimation {
             properties: "y"
             duration: todoColumn.presenter.motion.duration

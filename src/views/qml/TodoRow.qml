@@ -127,7 +127,8 @@ Item {
         Rectangle {
             anchors.fill: parent
             radius: 7
-            color: area.pressed || row.lifted ? Style.pressed : Style.hover
+            // Over other rows nothing may show through.
+            color: area.mode === "vertical" ? "#2b2729" : area.pressed || row.lifted ? Style.pressed : Style.hover
             visible: hover.hovered || row.lifted || row.offsetX !== 0 || row.offsetY !== 0
         }
         Rectangle {
