@@ -225,6 +225,10 @@ class Todos(unittest.TestCase):
         self.assertTrue(1.5 * 3600 - 5 <= seconds <= 2.5 * 3600 + 65, seconds)
         d.key("r", "Up", "Return")
         d.wait_for(lambda: self.reminder(0) == (None, None), "the menu to clear it", 2)
+        d.key("Home", "Delete", "Delete", "Delete")
+        self.expect()
+        d.key("ctrl+z", "ctrl+z", "ctrl+z")
+        self.expect("B", "a", "c")
         d.key("Escape")
         d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)
 

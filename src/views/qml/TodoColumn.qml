@@ -25,8 +25,8 @@ Rectangle {
 
     radius: Style.sectionRadius
     color: Style.section
-    border.color: dropArea.containsDrag ? Style.focus : Style.hairline
-    border.width: dropArea.containsDrag ? 2 : 1
+    border.color: dropArea.containsDrag || activeFocus ? Style.focus : Style.hairline
+    border.width: dropArea.containsDrag || activeFocus ? 2 : 1
 
     Accessible.role: Accessible.Grouping
     Accessible.name: qsTr("Todos")
@@ -176,8 +176,11 @@ Rectangle {
     }
     function removeFromKeyboard(row) {
         const id = row.todoId;
-        // The keyboard goes on to a row that stays.
-        focusRow(row.index + 1 < rows.count ? row.index + 1 : row.index - 1);
+        // The keyboard goes on to a row that stays. Not to the field, which has an undo of its own.
+        if (rows.count > 1)
+            focusRow(row.index + 1 < rows.count ? row.index + 1 : row.index - 1);
+        else
+            forceActiveFocus(Qt.OtherFocusReason);
         presenter.remove(id);
     }
     function rowLetter(row, key) {
