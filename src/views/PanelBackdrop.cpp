@@ -35,7 +35,16 @@ void PanelBackdrop::show(const Window& window, double translucency) {
     if (blurredByDesktop_) return;
     current_ = std::make_shared<PanelBackdrop*>(this);
     take();
-    if (taken_ && with_.screen.isLive()) refreshTimer_ = with_.runLoop.every(refreshInterval, [this] { take(); });
+    looksToLeaveOut_ = window.isFolded ? looksLeftOut : 0;
+    if (taken_ && with_.screen.isLive()) refreshTimer_ = with_.runLoop.every(refreshInterval, [this] { look(); });
+}
+
+void PanelBackdrop::look() {
+    if (looksToLeaveOut_ > 0) {
+        --looksToLeaveOut_;
+    } else {
+        take();
+    }
 }
 
 void PanelBackdrop::update(double translucency) {

@@ -24,6 +24,9 @@ public:
     static constexpr int reduction = 4;
     /// How often a live backdrop is looked at anew (s).
     static constexpr Seconds refreshInterval = 0.2;
+    /// So many looks are left out at first: the panel unfolds meanwhile, and waiting for a busy server would cost it
+    /// frames.
+    static constexpr int looksLeftOut = 3;
 
     struct Collaborators {
         ScreenBackdrop& screen;
@@ -67,6 +70,7 @@ private:
     };
 
     void take();
+    void look();
     void make();
     void accept(Made made);
 
@@ -80,6 +84,7 @@ private:
     std::shared_ptr<const ScreenBackdrop::Capture> taken_;
     std::shared_ptr<const ScreenImage> image_;
     double brightest_ = 1;
+    int looksToLeaveOut_ = 0;
     bool making_ = false;
     bool outdated_ = false;  // while one is being made: another is wanted
     Subscription refreshTimer_;
