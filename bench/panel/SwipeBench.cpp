@@ -17,7 +17,7 @@ constexpr int stepsOfASwipe = 24;
 constexpr int stepMilliseconds = 8;  // a touchpad tells its movements 125 times a second
 constexpr double stepPoints = 4;     // so that every swipe counts
 constexpr int restMilliseconds = 700;
-constexpr QPointF card{200, 146};  // the first one, in the window
+constexpr QPointF card{200, 160};  // the first one, in the window
 
 /// Swipes a card to the right, again and again.
 class Fingers : public QObject {

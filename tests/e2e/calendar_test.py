@@ -6,10 +6,10 @@ import os
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, NOTCH, Desktop
+from desktop import BRIEF_RIGHT, COLUMNS_TOP, NOTCH, Desktop
 
 LINK = "https://acme.zoom.us/j/123?pwd=x"
-STRIP_Y = 107
+STRIP_Y = COLUMNS_TOP + 17
 JOIN_X = BRIEF_RIGHT - 6 - 25
 # What tells a meeting from a task: somebody was invited.
 INVITED = ("ORGANIZER:mailto:a@example.org", "ATTENDEE:mailto:b@example.org")

@@ -7,10 +7,10 @@ import subprocess
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, NOTCH, PANEL_RIGHT, WIDTH, Desktop
+from desktop import BRIEF_RIGHT, COLUMNS_TOP, NOTCH, PANEL_RIGHT, WIDTH, Desktop
 
 CARD_LEFT = (WIDTH - 720) // 2 + 20 + 12
-CARD_Y = (146, 187, 228, 269, 310)
+CARD_Y = tuple(COLUMNS_TOP + 56 + 41 * card for card in range(5))
 HAND_X = CARD_LEFT + 150
 TODOS_X = BRIEF_RIGHT + 120
 FOCUS = (10, 132, 255)

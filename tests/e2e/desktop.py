@@ -17,6 +17,8 @@ CARD_RIGHT = PANEL_RIGHT - 30  # within the window's margin
 # The columns: the briefing's left and the todos' right one.
 BRIEF_LEFT, BRIEF_RIGHT = PANEL_LEFT + 30 + 20, PANEL_LEFT + 30 + 20 + 412
 TODO_LEFT, TODO_RIGHT = CARD_RIGHT - 20 - 254, CARD_RIGHT - 20
+# The middle of the header, and where both columns begin below it.
+HEADER_Y, COLUMNS_TOP = 62, 104
 NOTCH = (WIDTH // 2, 10)
 AWAY = (100, 700)
 
@@ -53,7 +55,7 @@ class Screenshot:
         """How many cards the open section shows, counted by their surfaces in a column that no text reaches."""
         x, beside = BRIEF_RIGHT - 12 - 5, BRIEF_RIGHT - 6  # inside the cards, and right of them
         cards, run = 0, 0
-        for y in range(90, self.lowest_panel_row() - 20):
+        for y in range(COLUMNS_TOP, self.lowest_panel_row() - 20):
             lighter = sum(self.at(x, y)) - sum(self.at(beside, y)) >= 12
             run = run + 1 if lighter else 0
             cards += run == 20  # a symbol in the column is smaller than any card

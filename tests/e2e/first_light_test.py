@@ -5,7 +5,7 @@ import subprocess
 import time
 import unittest
 
-from desktop import AWAY, HEIGHT, NOTCH, PANEL_LEFT, PANEL_RIGHT, REPORT, WIDTH, Desktop
+from desktop import AWAY, HEADER_Y, HEIGHT, NOTCH, PANEL_LEFT, PANEL_RIGHT, REPORT, WIDTH, Desktop
 
 MORNING = "# Morning\n### 📅 Schedule\n- one\n- two **bold**\n- three\n### 🔴 Urgent\n- four\n- five\n"
 
@@ -170,9 +170,9 @@ class FirstLight:
         d.start_program()
         self.open_panel()
         card_right = PANEL_RIGHT - 30
-        d.click(card_right - 20 - 2 * (26 + 6) - 13, 54)
+        d.click(card_right - 20 - 2 * (26 + 6) - 13, HEADER_Y)
         d.wait_for(lambda: d.screenshot().card_count() == 1, "yesterday's card")
-        d.click(card_right - 20 - (26 + 6) - 13, 54)
+        d.click(card_right - 20 - (26 + 6) - 13, HEADER_Y)
         d.wait_for(lambda: d.screenshot().card_count() == 3, "today's cards")
 
 

@@ -5,10 +5,10 @@ import os
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, NOTCH, WIDTH, Desktop
+from desktop import BRIEF_RIGHT, COLUMNS_TOP, NOTCH, WIDTH, Desktop
 
 MORNING = "# Morning\n### Schedule\n- **Alpha** report\n- **Beta** call\n- **Gamma** lunch\n- [ ] 💼 Send the deck\n"
-CARD_Y = (146, 187, 228)
+CARD_Y = tuple(COLUMNS_TOP + 56 + 41 * card for card in range(3))
 
 
 class Flags(unittest.TestCase):
@@ -78,7 +78,7 @@ class Flags(unittest.TestCase):
         # And everything back again, the hidden card by the button under the sections. A priority is not cleared.
         self.swipe(0, 80)
         self.swipe(1, 80, 80)
-        d.click(330, 244)
+        d.click(330, COLUMNS_TOP + 154)
         d.wait_for(lambda: d.screenshot().card_count() == 3, "the hidden card to come back")
         d.wait_for(lambda: self.feedback().get("cleared") == ["Gamma lunch"], "the cleared card to be restored")
         self.assertEqual(self.feedback()["prio"], [])

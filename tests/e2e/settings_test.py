@@ -5,9 +5,9 @@ import re
 import time
 import unittest
 
-from desktop import AWAY, NOTCH, PANEL_RIGHT, Desktop
+from desktop import AWAY, HEADER_Y, NOTCH, PANEL_RIGHT, Desktop
 
-GEAR = (PANEL_RIGHT - 30 - 20 - 13, 54)
+GEAR = (PANEL_RIGHT - 30 - 20 - 13, HEADER_Y)
 FIRST_RUN = {"didWriteWelcomeBrief": False, "didCompleteOnboarding": False}
 
 # In the settings window, from its upper left corner.

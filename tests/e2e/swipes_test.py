@@ -5,13 +5,13 @@ import os
 import time
 import unittest
 
-from desktop import AWAY, BRIEF_RIGHT, NOTCH, TODO_LEFT
+from desktop import AWAY, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, TODO_LEFT
 from input_devices import HORIZONTAL, VERTICAL, DesktopWithDevices
 
 CARD_COUNT = 40  # more than the panel has room for
-CARD = (BRIEF_RIGHT - 120, 146)  # the first one
-TODO = (TODO_LEFT + 150, 181)
-TITLE = (BRIEF_RIGHT - 120, 60)
+CARD = (BRIEF_RIGHT - 120, COLUMNS_TOP + 56)  # the first one
+TODO = (TODO_LEFT + 150, COLUMNS_TOP + 91)
+TITLE = (BRIEF_RIGHT - 120, HEADER_Y)
 SCROLL_METHODS = "libinput Scroll Methods Available"  # two fingers, edge, button
 NATURAL_SCROLLING = "libinput Natural Scrolling Enabled"
 

@@ -21,13 +21,13 @@ BRIEFING = ("# The briefing of a colourful day\n### Schedule\n- Standup with the
 # Content Accessibility Guidelines ask of text (AA), 3 of large text and of parts that one must be able to see. What is
 # measured lies below what the colours give, because no stroke of small text fills its pixels.
 TEXTS = {
-    "title": ((332, 38, 560, 58), 4.5),
-    "date": ((332, 60, 388, 72), 3.0),
-    "section": ((328, 104, 384, 122), 4.5),
-    "first card": ((324, 138, 560, 156), 4.5),
-    "second card": ((324, 178, 600, 198), 4.5),
-    "third card": ((324, 220, 600, 238), 4.5),
-    "folded section": ((314, 278, 354, 294), 4.5),
+    "title": ((332, 46, 560, 66), 4.5),
+    "date": ((332, 68, 388, 80), 3.0),
+    "section": ((328, 118, 384, 136), 4.5),
+    "first card": ((324, 152, 560, 170), 4.5),
+    "second card": ((324, 192, 600, 212), 4.5),
+    "third card": ((324, 234, 600, 252), 4.5),
+    "folded section": ((314, 292, 354, 308), 4.5),
 }
 WINDOW = 28  # wider than any gap between two words
 # Beside the cards, where nothing but the background is.
@@ -145,7 +145,7 @@ class Themes(unittest.TestCase):
         d = self.desktop(False, notchTheme="glass", **{"translucency.glass": 1.0})
         d.run("hsetroot", "-solid", "#c0c0c0")
         screen = self.open_panel(d)
-        row = [screen.at(x, 130)[0] for x in (MARGIN_X, WIDTH // 2 + 77, PANEL_RIGHT - 40)]  # between the cards
+        row = [screen.at(x, 144)[0] for x in (MARGIN_X, WIDTH // 2 + 77, PANEL_RIGHT - 40)]  # between the cards
         self.assertGreater(min(row), 120)
         self.assertLess(max(row) - min(row), 6)
 

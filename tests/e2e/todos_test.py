@@ -6,10 +6,10 @@ import time
 import unittest
 import uuid
 
-from desktop import BRIEF_LEFT, NOTCH, TODO_LEFT, TODO_RIGHT, Desktop
+from desktop import BRIEF_LEFT, COLUMNS_TOP, NOTCH, TODO_LEFT, TODO_RIGHT, Desktop
 
 REFERENCE_DATE = 978307200  # the dates of the file count from here, in seconds since 1970
-FIELD = (TODO_LEFT + 60, 142)
+FIELD = (TODO_LEFT + 60, COLUMNS_TOP + 52)
 TICK_X = TODO_LEFT + 20
 TEXT_X = TODO_LEFT + 90
 # A row's last badge.
@@ -18,7 +18,7 @@ EDIT, PRIO, REMIND, DELETE = range(4)
 
 
 def row_y(row):
-    return 180 + 28 * row
+    return COLUMNS_TOP + 90 + 28 * row
 
 
 def todo(text, **fields):
@@ -128,7 +128,7 @@ class Todos(unittest.TestCase):
         self.open_panel(*map(todo, "abcd"), todo("e", done=True))
         d.drag((TEXT_X, row_y(0)), (TEXT_X + 20, row_y(2)))
         self.expect("b", "c", "a", "d", "e.")
-        d.drag((TEXT_X, row_y(3)), (TEXT_X, 160))
+        d.drag((TEXT_X, row_y(3)), (TEXT_X, row_y(0) - 20))
         self.expect("d", "b", "c", "a", "e.")
         d.drag((TEXT_X, row_y(0)), (TEXT_X, row_y(6)))  # not among the done ones
         self.expect("b", "c", "a", "d", "e.")
@@ -187,7 +187,7 @@ class Todos(unittest.TestCase):
     def test_the_keyboard_alone_does_it_all(self):
         d = self.desktop
         self.open_panel(*map(todo, "abc"))
-        d.click(TODO_LEFT + 60, 110)  # for the keyboard, on nothing
+        d.click(TODO_LEFT + 60, COLUMNS_TOP + 20)  # for the keyboard, on nothing
         d.key("F6")
         self.type("d")
         d.key("Return", "Down")
@@ -243,20 +243,20 @@ class Todos(unittest.TestCase):
 
     def drop_card(self, y):
         d = self.desktop
-        d.drag((BRIEF_LEFT + 300, y), (TEXT_X, 195), steps=30, release=False)
+        d.drag((BRIEF_LEFT + 300, y), (TEXT_X, row_y(0) + 15), steps=30, release=False)
         for x in (TEXT_X + 4, TEXT_X + 8):  # until the desktop has noticed where the card is
-            d.move(x, 197)
+            d.move(x, row_y(0) + 17)
             time.sleep(0.2)
         d.run("xdotool", "mouseup", "1")
 
     def test_a_card_becomes_a_todo_or_is_linked_to_one(self):
         d = self.desktop
         self.open_panel(todo("Reply  to legal"), briefing="# Morning\n### Schedule\n- Reply to Legal\n- Call Anna\n")
-        self.drop_card(187)
+        self.drop_card(COLUMNS_TOP + 97)
         self.expect("Reply  to legal", "Call Anna")
         added = self.todos()[1]
         self.assertEqual((added["source"], added["sourceItemKey"]), ("item", "call-anna"))
-        self.drop_card(146)
+        self.drop_card(COLUMNS_TOP + 56)
         d.wait_for(lambda: self.todos()[0].get("sourceItemKey") == "reply-to-legal", "the link", 3)
         self.expect("Reply  to legal", "Call Anna")
 

@@ -4,10 +4,10 @@ import time
 import unittest
 
 import neighbours
-from desktop import AWAY, NOTCH, WIDTH, Desktop
+from desktop import AWAY, COLUMNS_TOP, NOTCH, WIDTH, Desktop
 
 BRIEFING = "# Morning\n### Schedule\n- one\n- two\n- three\n"
-CARD = (WIDTH // 2 - 200, 200)
+CARD = (WIDTH // 2 - 200, COLUMNS_TOP + 110)
 
 
 class Windows:

@@ -167,11 +167,14 @@ Flickable {
         Scrim {}
     }
 
+    HoverHandler {
+        id: over
+    }
     Rectangle {
         parent: column
         anchors.right: parent.right
         anchors.rightMargin: -10
-        visible: column.interactive
+        visible: column.interactive && (over.hovered || column.moving)
         width: 4
         radius: 2
         color: Qt.rgba(1, 1, 1, 0.25)

@@ -38,7 +38,7 @@ Item {
     Item {
         id: header
         x: Style.margin
-        y: card.presenter.notchHeight
+        y: card.presenter.notchHeight + Style.gap
         width: parent.width - 2 * Style.margin
         height: 44
 
@@ -117,7 +117,7 @@ Item {
         property real shownPart: shown ? 1 : 0
         x: Style.margin
         anchors.top: header.bottom
-        anchors.topMargin: 14
+        anchors.topMargin: Style.margin
         width: card.briefWidth
         height: (strip.implicitHeight + Style.gap) * shownPart
         visible: shownPart > 0
@@ -147,7 +147,7 @@ Item {
         anchors.top: schedule.bottom
         // As high as its content, so that what plays stands right below it.
         height: playing.shown && card.presenter.hasBriefing ? Math.min(contentHeight, room) : room
-        readonly property real room: parent.height - y - Style.margin - 8 - playing.height
+        readonly property real room: parent.height - y - Style.margin - playing.height
         width: card.briefWidth
         menu: menu
         sheet: sheet
@@ -188,11 +188,11 @@ Item {
         reminderSheet: sheet
         speaker: announcer
         anchors.top: header.bottom
-        anchors.topMargin: 14
+        anchors.topMargin: Style.margin
         anchors.right: parent.right
         anchors.rightMargin: Style.margin
         width: card.todoWidth
-        height: parent.height - y - Style.margin - 8
+        height: parent.height - y - Style.margin
     }
 
     ReminderMenu {

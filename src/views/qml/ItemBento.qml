@@ -66,6 +66,7 @@ Item {
         anchors.fill: parent
         offset: card.shownX
         removes: card.cleared
+        flagged: card.priority
     }
 
     Rectangle {
@@ -77,6 +78,14 @@ Item {
         color: card.priority ? Style.priorityCard : Style.card
         border.color: card.priority ? Style.priorityEdge : "transparent"
 
+        // Off its place it covers most of the hint's colour, so that its words stay readable.
+        Rectangle {
+            anchors.fill: parent
+            z: -1
+            radius: parent.radius
+            color: Style.lifted
+            visible: card.shownX !== 0
+        }
         Rectangle {
             anchors.fill: parent
             radius: parent.radius

@@ -139,6 +139,12 @@ Rectangle {
                 Keys.onEnterPressed: press()
                 Keys.onSpacePressed: press()
 
+                Rectangle {
+                    anchors.fill: parent
+                    radius: 6
+                    color: area.pressed ? Qt.rgba(1, 1, 1, 0.18) : Qt.rgba(1, 1, 1, 0.1)
+                    visible: area.containsMouse
+                }
                 SymbolIcon {
                     anchors.centerIn: parent
                     width: transport.look.symbolSize

@@ -21,6 +21,8 @@ QtObject {
     readonly property color hairline: Qt.rgba(1, 1, 1, 0.07)
     readonly property color card: Qt.rgba(1, 1, 1, 0.04)
     readonly property color hover: Qt.rgba(1, 1, 1, 0.04)
+    // A card on its way over a colour.
+    readonly property color lifted: "#e61c1a1b"
     readonly property color pressed: Qt.rgba(1, 1, 1, 0.08)
 
     readonly property color priority: "#ff9f0a"
@@ -35,6 +37,7 @@ QtObject {
     readonly property color joinEdge: Qt.rgba(0.188, 0.82, 0.345, 0.45)
     // Words on an accent's own colour.
     readonly property color onAccent: "#0b1f10"
+    readonly property color starInk: "#2b1a00"
 
     readonly property color priorityCard: Qt.rgba(1, 0.624, 0.039, 0.17)
     readonly property color priorityEdge: Qt.rgba(1, 0.624, 0.039, 0.55)

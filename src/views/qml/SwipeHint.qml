@@ -9,6 +9,9 @@ Item {
     required property real offset
     // Whether a swipe to the left removes the card for good.
     required property bool removes
+    // Whether a swipe to the right takes a flag away.
+    required property bool flagged
+    readonly property color ink: offset < 0 && !removes ? Style.onAccent : "white"
     readonly property color wash: offset > 0 ? Style.priority : removes ? Style.remove : Style.clear
 
     visible: Math.abs(offset) > 0.5
@@ -18,6 +21,15 @@ Item {
         radius: Style.cardRadius
         color: hint.wash
         opacity: Math.min(1, Math.abs(hint.offset) / 90)
+    }
+    SymbolIcon {
+        anchors.verticalCenter: parent.verticalCenter
+        x: Style.inset
+        width: 14
+        height: 14
+        visible: hint.offset > x + width
+        symbol: hint.flagged ? "star.slash.fill" : "star.fill"
+        color: Style.starInk
     }
     // The words appear as the card uncovers them.
     Item {
@@ -35,7 +47,7 @@ Item {
             Text {
                 id: word
                 text: hint.removes ? qsTr("REMOVE") : qsTr("CLEAR")
-                color: "white"
+                color: hint.ink
                 font.family: Style.family
                 font.pixelSize: Style.captionSize
                 font.weight: Font.Bold
@@ -45,7 +57,7 @@ Item {
                 width: 13
                 height: 13
                 symbol: hint.removes ? "trash.fill" : "checkmark"
-                color: "white"
+                color: hint.ink
             }
         }
     }

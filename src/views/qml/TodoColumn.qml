@@ -259,7 +259,7 @@ Rectangle {
         anchors.top: capture.bottom
         anchors.topMargin: Style.gap
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: Style.gap
+        anchors.bottomMargin: 4
         x: 6
         width: parent.width - 12
         model: todoColumn.list
@@ -331,7 +331,7 @@ Rectangle {
     Rectangle {
         anchors.right: parent.right
         anchors.rightMargin: 2
-        visible: rows.interactive
+        visible: rows.interactive && (over.hovered || rows.moving)
         width: 3
         radius: 1.5
         color: Qt.rgba(1, 1, 1, 0.25)
@@ -349,6 +349,10 @@ Rectangle {
             todoColumn.presenter.addDropped(drop.formats.includes(card) ? drop.getDataAsString(card) : drop.text);
             drop.accept(Qt.CopyAction);
         }
+    }
+
+    HoverHandler {
+        id: over
     }
 
     // One tooltip for all rows, outside the list, which would cut it off.

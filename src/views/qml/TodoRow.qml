@@ -30,7 +30,7 @@ Item {
     readonly property real room: column.roomFor(index)
     property real shownRoom: room
 
-    implicitHeight: note.length > 0 ? 38 : presenter.rowHeight
+    implicitHeight: note.length > 0 ? 36 : presenter.rowHeight
     z: lifted || offsetY !== 0 ? 2 : 0
     activeFocusOnTab: ListView.isCurrentItem || activeFocus
     onActiveFocusChanged: {
@@ -263,7 +263,7 @@ Item {
             anchors.left: label.left
             anchors.right: parent.right
             anchors.rightMargin: 6
-            y: 22
+            y: 21
             visible: row.note.length > 0
             text: row.note
             textFormat: Text.PlainText
