@@ -18,6 +18,13 @@ namespace fs = std::filesystem;
 
 constexpr const char* ending = ".app";
 
+// The kernel tells the running program's path without links, so that a folder to compare it with must have none either.
+std::string withoutLinks(const fs::path& folder) {
+    std::error_code error;
+    const fs::path resolved = fs::weakly_canonical(folder, error);
+    return (error ? folder : resolved).string();
+}
+
 }  // namespace
 
 InstalledBundle::InstalledBundle(std::string program, std::string home)
@@ -33,7 +40,9 @@ std::string InstalledBundle::runningProgram() {
 }
 
 std::vector<std::string> InstalledBundle::applicationFolders() const {
-    return {"/usr/", "/opt/", home_ + "/.local/"};  // "/usr/local/" is in the first
+    const fs::path place = fs::path(installedPath()).parent_path();
+    return {"/usr/", "/opt/",  // "/usr/local/" is in the first
+            withoutLinks(home_ + "/.local") + "/", withoutLinks(place) + "/"};
 }
 
 std::string InstalledBundle::installedPath() const {
