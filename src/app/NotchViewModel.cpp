@@ -111,32 +111,40 @@ void NotchViewModel::reapply() {
 }
 
 void NotchViewModel::apply(std::vector<Briefing> items) {
-    const std::uint64_t application = ++applications_;
     std::stable_sort(items.begin(), items.end(), [](const Briefing& a, const Briefing& b) { return a.date > b.date; });
     const LocalCalendar calendar(with_.clock);
     const Instant now = with_.clock.now();
     const bool isForToday = std::any_of(
         items.begin(), items.end(), [&](const Briefing& briefing) { return calendar.isSameDay(briefing.date, now); });
+    // An older list that waits for the user's answer is void.
     if (isForToday) {
+        awaitingAccess_.reset();
         publish(std::move(items));
         return;
     }
-    with_.calendar.ensureAccess(
-        [weak = std::weak_ptr(self_), application, items = std::move(items)](bool granted) mutable {
-            const auto self = weak.lock();
-            if (!self || (*self)->applications_ != application) return;
-            if (granted) {
-                if (auto schedule = (*self)->with_.calendar.todayBriefing()) {
-                    limitToPanel(*schedule);
-                    items.insert(items.begin(), std::move(*schedule));
-                }
-            }
-            if ((*self)->with_.calendar.isLoading()) {
-                (*self)->show(std::move(items));
-            } else {
-                (*self)->publish(std::move(items));
-            }
-        });
+    awaitingAccess_ = std::move(items);
+    if (with_.calendar.isUndecided() && std::exchange(isAskingForAccess_, true)) return;
+    with_.calendar.ensureAccess([weak = std::weak_ptr(self_)](bool granted) {
+        if (const auto self = weak.lock()) (*self)->applyWithSchedule(granted);
+    });
+}
+
+void NotchViewModel::applyWithSchedule(bool granted) {
+    isAskingForAccess_ = false;
+    auto waiting = std::exchange(awaitingAccess_, std::nullopt);
+    if (!waiting) return;
+    std::vector<Briefing> items = std::move(*waiting);
+    if (granted) {
+        if (auto schedule = with_.calendar.todayBriefing()) {
+            limitToPanel(*schedule);
+            items.insert(items.begin(), std::move(*schedule));
+        }
+    }
+    if (with_.calendar.isLoading()) {
+        show(std::move(items));
+    } else {
+        publish(std::move(items));
+    }
 }
 
 void NotchViewModel::show(std::vector<Briefing> items) {
@@ -221,7 +229,8 @@ void NotchViewModel::setExpanded(bool expanded) {
 }
 
 bool NotchViewModel::holds(Instant until, Seconds longest) const {
-    // An instant counts seconds in the hundreds of millions, so that a difference is off by a fraction of a microsecond.
+    // An instant counts seconds in the hundreds of millions, so that a difference is off by a fraction of a
+    // microsecond.
     constexpr Seconds rounding = 0.001;
     const Seconds left = until - with_.clock.now();
     return left >= 0 && left <= longest + rounding;

@@ -123,6 +123,8 @@ private:
     bool holds(Instant until, Seconds longest) const;
     void startProvider();
     void apply(std::vector<Briefing> items);
+    // Goes on with the list that waited, if there still is one.
+    void applyWithSchedule(bool granted);
     // Lists `items` and brings the newest one's contents into the stores.
     void publish(std::vector<Briefing> items);
     // Only lists them: while the calendars are being read the newest may be an earlier day's, whose todos and cards
@@ -155,8 +157,9 @@ private:
 
     std::unique_ptr<BriefingProvider> provider_;
     std::vector<Briefing> lastProviderItems_;
-    // Counts the applications: one that waited for the user's answer is void when another came meanwhile.
-    std::uint64_t applications_ = 0;
+    // The newest list, while it waits for the user to say whether the calendars may be read.
+    std::optional<std::vector<Briefing>> awaitingAccess_;
+    bool isAskingForAccess_ = false;
     std::optional<std::size_t> lastNewestHash_;
     // Whether the newest of the list is the one that the stores work with; not before the calendars were read.
     bool isNewestKnown_ = false;

@@ -78,11 +78,6 @@ void CalendarFallback::ensureAccess(std::function<void(bool granted)> done) {
         return;
     }
     waiting_.push_back(std::move(done));
-    if (waiting_.size() > maximumWaiting) {
-        const AccessHandler oldest = std::move(waiting_.front());
-        waiting_.erase(waiting_.begin());
-        oldest(false);
-    }
     if (waiting_.size() > 1) return;
     store_.requestFullAccess([weak = std::weak_ptr(self_)](bool granted) {
         const auto self = weak.lock();

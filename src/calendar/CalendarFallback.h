@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,8 +31,6 @@ public:
     /// A new event whose length is not known, or is at most `shortestDuration` (s), gets this length (s).
     static constexpr Seconds defaultDuration = 3600;
     static constexpr Seconds shortestDuration = 60;
-    /// Of more calls that wait for the user's answer the oldest are told that there is no access.
-    static constexpr std::size_t maximumWaiting = 16;
 
     CalendarFallback(CalendarStore& store, const UserDefaults& defaults, const Clock& clock);
 
@@ -43,8 +40,12 @@ public:
     std::function<bool(const std::string& title)> isDismissedTodo;
 
     /// Finds out whether the calendars may be read, and asks the user if that was never decided. Calls back at once
-    /// when it is decided, otherwise with the user's answer; calls meanwhile wait for the same answer.
+    /// when it is decided, otherwise with the user's answer; calls meanwhile wait for the same answer. Whoever asks
+    /// without a click of the user's keeps one call waiting and no more.
     void ensureAccess(std::function<void(bool granted)> done);
+
+    /// Whether the user has yet to say if the calendars may be read.
+    bool isUndecided() const { return store_.access() == CalendarAccess::notDetermined; }
 
     /// Whether the calendars may be read and their first reading is still under way.
     bool isLoading() const;

@@ -315,6 +315,21 @@ TEST_F(NotchViewModelAgendaTest, AListThatWaitedForAnAnswerGivesWayToALaterOne) 
     EXPECT_THAT(ids(), ElementsAre("calendar-fallback", "2026-11-21.md"));
 }
 
+TEST_F(NotchViewModelAgendaTest, TheLatestOfManyListsIsShownAfterARefusal) {
+    agenda.store.status = CalendarAccess::notDetermined;
+    folder.write("2026-11-21.md", "# Yesterday");
+    start();
+    agentWrites("2026-11-20.md", "# Earlier");
+    calendarChanges();
+    EXPECT_EQ(agenda.store.questions, 1);
+    EXPECT_THAT(ids(), ElementsAre());
+    agenda.store.answer(false);
+    platform.time.runPending();
+    EXPECT_THAT(ids(), ElementsAre("2026-11-21.md", "2026-11-20.md"));
+    agentWrites("2026-11-19.md", "# Before");
+    EXPECT_EQ(ids().size(), 3U);
+}
+
 TEST_F(NotchViewModelAgendaTest, APriorityStaysWhileTheCalendarSpeaksOfIt) {
     agenda.store.all = {testing::timedEvent("Board meeting agenda", today(9), 7200)};
     start();

@@ -191,6 +191,15 @@ TEST_F(CalendarFallbackTest, AsksOnceForEveryoneWhoWaits) {
     store.answer(false);
     EXPECT_THAT(answers, ElementsAre(false));
     EXPECT_EQ(store.questions, 2);
+
+    // Nobody is told anything before the user was, however many wait.
+    store.status = CalendarAccess::notDetermined;
+    answers.clear();
+    for (int i = 0; i < 100; ++i)
+        ask();
+    EXPECT_THAT(answers, ElementsAre());
+    store.answer(true);
+    EXPECT_EQ(answers, std::vector<bool>(100, true));
 }
 
 TEST_F(CalendarFallbackTest, SaysNothingBeforeTheCalendarsWereRead) {
