@@ -148,7 +148,7 @@ private:
     sunpane::PinnedSpace pinnedSpace_{&spaces_, defaults_, [](const std::string& line) { std::cerr << line << '\n'; }};
     sunpane::NotchController controller_{
         {clock_, runLoop_, screens_, monitors_, windows_, workspace_, &spaces_, pinnedSpace_, distributed_,
-         notifications_, viewModel_, [this] { return theme_.themeName(); },
+         notifications_, viewModel_, [] { return sunpane::ThemeStore::shared().themeName(); },
          [](const std::string& json) { sunpane::replaceReport(sunpane::StateReport::path, json); }}};
     sunpane::InstalledBundle bundle_{sunpane::InstalledBundle::runningProgram(), sunpane::xdg::homeFolder()};
     sunpane::AutostartLoginService loginService_{sunpane::AutostartLoginService::defaultFolder(),
@@ -157,7 +157,7 @@ private:
     sunpane::QtPasteboard pasteboard_;
     sunpane::AlertWindows alerts_{windows_.engine()};
     sunpane::FolderPickerWindow folderPicker_{windows_.engine()};
-    sunpane::Tour tour_{{defaults_, runLoop_, calendars_, calendar_, workspace_, pasteboard_,
+    sunpane::Tour tour_{{defaults_, notifications_, runLoop_, calendars_, calendar_, workspace_, pasteboard_,
                          [this](const std::function<void()>& done) { openCalendarPrivacy(done); }}};
     sunpane::OnboardingWindowController tourWindow_{windows_.engine(), tour_, runLoop_};
     sunpane::SettingsModel settings_{{defaults_, notifications_, loginItem_, calendars_, workspace_, folderPicker_,

@@ -2,13 +2,19 @@
 
 #include <utility>
 
+#include "app/NotificationNames.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "onboarding/Prompts.h"
 #include "onboarding/WelcomeBrief.h"
 
 namespace sunpane {
 
-Tour::Tour(Collaborators collaborators) : with_(std::move(collaborators)), self_(std::make_shared<Tour*>(this)) {}
+Tour::Tour(Collaborators collaborators)
+    : with_(std::move(collaborators)),
+      folderChanges_(with_.notifications.observe(notification::briefingsFolderChanged,
+                                                 // The task names the folder.
+                                                 [this](const auto&) { announceChange(); })),
+      self_(std::make_shared<Tour*>(this)) {}
 
 template <class T>
 void Tour::change(T& field, T value) {

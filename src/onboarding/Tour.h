@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "base/LocalNotifications.h"
 #include "base/Observable.h"
 #include "base/RunLoop.h"
 #include "calendar/CalendarFallback.h"
@@ -31,6 +32,7 @@ public:
     /// Everything outlives it.
     struct Collaborators {
         UserDefaults& defaults;
+        LocalNotifications& notifications;
         RunLoop& runLoop;
         const CalendarStore& calendars;
         CalendarFallback& calendar;
@@ -85,6 +87,7 @@ private:
     bool skippedAI_ = false;
     CalendarAccess calendarStatus_ = CalendarAccess::notDetermined;
     Subscription copiedTimer_;
+    Subscription folderChanges_;
     std::shared_ptr<Tour*> self_;
 };
 

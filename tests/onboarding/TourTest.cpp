@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "app/NotificationNames.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "onboarding/WelcomeBrief.h"
 #include "support/SimulatedApplication.h"
@@ -26,7 +27,8 @@ protected:
     CalendarFallback calendar{calendars, defaults, platform.clock};
     testing::SimulatedWorkspace workspace;
     testing::SimulatedPasteboard pasteboard;
-    Tour tour{{defaults, platform.runLoop, calendars, calendar, workspace, pasteboard,
+    LocalNotifications notifications;
+    Tour tour{{defaults, notifications, platform.runLoop, calendars, calendar, workspace, pasteboard,
                [this](const std::function<void()>& done) {
                    calendars.status = CalendarAccess::full;
                    done();
@@ -54,6 +56,11 @@ TEST_F(TourTest, CopiesTheTaskThatIsChosenAroundTheFolderOfNow) {
     defaults.set(FolderBriefingProvider::folderDefaultsKey, std::string("/elsewhere"));
     tour.copy();
     EXPECT_THAT(pasteboard.content, ::testing::HasSubstr("\n/elsewhere/\n"));
+    // The text on screen follows.
+    bool isTold = false;
+    const auto changes = tour.onWillChange([&] { isTold = true; });
+    notifications.post(notification::briefingsFolderChanged);
+    EXPECT_TRUE(isTold);
 }
 
 TEST_F(TourTest, ConfirmsACopyForTwoSecondsAfterTheLast) {
