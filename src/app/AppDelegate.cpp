@@ -31,8 +31,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     expandRequests_ = with_.distributed.observe(std::string(appIdentifier) + ".expand",
                                                 [this] { with_.notifications.post(notification::revealTodo); });
     with_.loginItem.registerOnFirstRun();
+    with_.loginItem.followMove();
     onboarding::writeWelcomeBriefIfNeeded(with_.defaults, with_.files, with_.clock);
     steps_.showPanel();
+    if (with_.spaces != nullptr)
+        spaceChanges_ =
+            with_.spaces->onActiveSpaceChanged([this] { with_.notifications.post(notification::collapseNotch); });
     offerMoveToApplications([this] { finishLaunching(); });
 }
 
@@ -52,8 +56,8 @@ void AppDelegate::moveToApplications(const std::function<void()>& otherwise) {
     if (!with_.bundle.install()) {
         with_.alerts.show({"Couldn't move automatically",
                            "Drag Dawnly to the Applications folder in Finder, then open it from there.", "OK", ""},
-                          [](bool) {});
-        return otherwise();
+                          [otherwise](bool) { otherwise(); });
+        return;
     }
     with_.bundle.openInstalled();
     relaunch_ = with_.runLoop.after(relaunchDelay, [this] { with_.workspace.terminate(); });
@@ -67,9 +71,6 @@ void AppDelegate::finishLaunching() {
         if (delegate.with_.calendars.access() == CalendarAccess::notDetermined)
             delegate.showCalendarRequestSwallowedAlert();
     });
-    if (with_.spaces != nullptr)
-        spaceChanges_ =
-            with_.spaces->onActiveSpaceChanged([this] { with_.notifications.post(notification::collapseNotch); });
     if (!with_.defaults.read<bool>(onboarding::didCompleteOnboardingKey).valueOr(false)) steps_.showTour();
 }
 

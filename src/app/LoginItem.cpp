@@ -15,6 +15,10 @@ void LoginItem::registerOnFirstRun() {
     service_.setEnabled(true);
 }
 
+void LoginItem::followMove() {
+    if (isEnabled() && service_.startsAnotherCopy()) service_.setEnabled(true);
+}
+
 bool LoginItem::isEnabled() const {
     return isAvailable() && service_.isEnabled();
 }

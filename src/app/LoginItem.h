@@ -23,6 +23,9 @@ public:
     /// Registers the program, once in a user's life: whoever takes it out again is not asked a second time.
     void registerOnFirstRun();
 
+    /// Leads an entry that starts another copy to this one: the program was moved. One that is off stays off.
+    void followMove();
+
     bool isEnabled() const;
 
     /// What went wrong, or nothing. Does nothing where it is not available.

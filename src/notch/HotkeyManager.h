@@ -19,7 +19,7 @@ public:
     HotkeyManager(Hotkeys* hotkeys, const UserDefaults& defaults, const LocalNotifications& notifications);
 
     /// The user's setting; on unless it was switched off.
-    bool isEnabled() const;
+    static bool isEnabled(const UserDefaults& defaults);
 
     /// Gives the key up and, if the user wants it, asks for it anew. For the start, and after each change of the
     /// setting.

@@ -13,6 +13,9 @@ public:
     /// Whether this program is in the list and not switched off there.
     virtual bool isEnabled() const = 0;
 
+    /// Whether the entry in the list starts another copy of the program than this one.
+    virtual bool startsAnotherCopy() const = 0;
+
     /// Puts this program into the list or takes it out. Nothing on success, otherwise what went wrong, in a sentence.
     virtual std::optional<std::string> setEnabled(bool enabled) = 0;
 };

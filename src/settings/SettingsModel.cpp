@@ -8,32 +8,29 @@
 #include "base/Text.h"
 #include "calendar/CalendarFallback.h"
 #include "core/briefing/FolderBriefingProvider.h"
+#include "notch/HotkeyManager.h"
 #include "onboarding/Prompts.h"
 
 namespace sunpane {
-namespace {
-
-constexpr std::string_view quickCaptureKey = "quickCaptureEnabled";
-
-}  // namespace
-
 SettingsModel::SettingsModel(Collaborators collaborators)
-    : with_(std::move(collaborators)),
-      launchAtLogin_(with_.loginItem.isEnabled()),
-      self_(std::make_shared<SettingsModel*>(this)) {}
+    : with_(std::move(collaborators)), self_(std::make_shared<SettingsModel*>(this)) {}
+
+bool SettingsModel::launchAtLogin() const {
+    return loginItemError_ ? refusedLaunchAtLogin_ : with_.loginItem.isEnabled();
+}
 
 void SettingsModel::setLaunchAtLogin(bool on) {
     announceChange();
-    launchAtLogin_ = on;
+    refusedLaunchAtLogin_ = on;
     loginItemError_ = with_.loginItem.set(on);
 }
 
 bool SettingsModel::quickCapture() const {
-    return with_.defaults.read<bool>(quickCaptureKey).valueOr(true);
+    return HotkeyManager::isEnabled(with_.defaults);
 }
 
 void SettingsModel::setQuickCapture(bool on) {
-    setBool(quickCaptureKey, on);
+    setBool(HotkeyManager::enabledKey, on);
     with_.registerHotkeyAnew();
 }
 

@@ -43,8 +43,8 @@ public:
     explicit SettingsModel(Collaborators collaborators);
 
     bool canLaunchAtLogin() const { return with_.loginItem.isAvailable(); }
-    /// As the user left the switch, also where the desktop refused.
-    bool launchAtLogin() const { return launchAtLogin_; }
+    /// As the user left the switch where the desktop refused, otherwise as the desktop has it.
+    bool launchAtLogin() const;
     void setLaunchAtLogin(bool on);
     /// Why the last change failed; nothing when it did not.
     const std::optional<std::string>& loginItemError() const { return loginItemError_; }
@@ -81,7 +81,8 @@ private:
     void setBool(std::string_view key, bool on);
 
     Collaborators with_;
-    bool launchAtLogin_;
+    // Counts only while there is an error.
+    bool refusedLaunchAtLogin_ = false;
     std::optional<std::string> loginItemError_;
     std::shared_ptr<SettingsModel*> self_;
 };

@@ -90,6 +90,23 @@ TEST_F(Launch, DoesTheFirstRunsWorkOnceAndOpensTheTourUntilItIsCompleted) {
     EXPECT_THAT(steps, ElementsAre("hotkeys", "panel with welcome"));
 }
 
+TEST_F(Launch, LeadsTheLoginItemOfACopyElsewhereHereUnlessTheUserTookItOut) {
+    launch();
+    service.isForAnotherCopy = true;
+    launch();
+    EXPECT_FALSE(service.isForAnotherCopy);
+    EXPECT_TRUE(service.enabled);
+
+    service.enabled = false;
+    service.isForAnotherCopy = true;
+    launch();
+    EXPECT_FALSE(service.enabled);
+    service.enabled = true;
+    bundle.where = "/home/ada/src/build/bin/dawnly";
+    launch();
+    EXPECT_TRUE(service.isForAnotherCopy);
+}
+
 TEST_F(Launch, OfAProgramThatWasOnlyBuiltRegistersNothingAndOffersNoMove) {
     bundle.where = "/home/ada/src/build/bin/dawnly";
     launch();
@@ -106,6 +123,9 @@ TEST_F(Launch, WaitsForTheAnswerToTheMoveBeforeAnythingElseAsks) {
     EXPECT_EQ(alerts.message(), "Move Dawnly to Applications?");
     EXPECT_EQ(calendars.questions, 0);
     EXPECT_EQ(steps.back(), "panel with welcome");
+    // The panel is on screen, so it folds for another space already.
+    spaces.switchTo(2);
+    EXPECT_EQ(steps.back(), notification::collapseNotch);
     alerts.answer(false);
     EXPECT_EQ(calendars.questions, 1);
     EXPECT_EQ(steps.back(), "tour");
@@ -131,6 +151,8 @@ TEST_F(Launch, GoesOnWhereItIsWhenItCannotBeMoved) {
     launch();
     alerts.answer(true);
     EXPECT_EQ(alerts.message(), "Couldn't move automatically");
+    // Nothing lies over it until it was read.
+    EXPECT_EQ(steps.back(), "panel with welcome");
     alerts.answer(true);
     platform.time.advance(5);
     EXPECT_EQ(bundle.opened, 0);

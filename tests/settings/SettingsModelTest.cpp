@@ -45,6 +45,11 @@ TEST_F(Settings, RegisterTheHotkeyAnewOnceTheNewChoiceIsKept) {
     EXPECT_THAT(registrations, ElementsAre("off", "on"));
 }
 
+TEST_F(Settings, ShowALoginItemThatWasRegisteredAfterTheyWereMade) {
+    loginItem.registerOnFirstRun();
+    EXPECT_TRUE(settings.launchAtLogin());
+}
+
 TEST_F(Settings, KeepTheSwitchWhereTheUserPutItWhenTheDesktopRefuses) {
     service.error = "No room.";
     settings.setLaunchAtLogin(true);
@@ -54,6 +59,9 @@ TEST_F(Settings, KeepTheSwitchWhereTheUserPutItWhenTheDesktopRefuses) {
     settings.setLaunchAtLogin(true);
     EXPECT_TRUE(service.enabled);
     EXPECT_FALSE(settings.loginItemError());
+    // From then on it follows the desktop again.
+    service.enabled = false;
+    EXPECT_FALSE(settings.launchAtLogin());
 }
 
 TEST_F(Settings, KeepAnEmptyListWhenTheLastCalendarIsUnchecked) {

@@ -84,7 +84,7 @@ void ProgramRules::check(Program& program) {
                                       (a.id == CalendarFallback::briefingID || a.date > b.date);
                            }),
             "the newest briefing comes first");
-    const bool isWanted = program.hotkey.isEnabled();
+    const bool isWanted = HotkeyManager::isEnabled(world_.defaults);
     require(world_.hotkeys.registrations <= (isWanted ? 1 : 0), "the hotkey is registered once, and only when wanted");
     require(world_.windows.count() <= 1, "there is never more than one panel");
     require(world_.spaces.levels.size() <= 1, "there is never more than one private space");

@@ -30,14 +30,17 @@ public:
 class SimulatedLoginService : public LoginService {
 public:
     bool isEnabled() const override { return enabled; }
+    bool startsAnotherCopy() const override { return isForAnotherCopy; }
     std::optional<std::string> setEnabled(bool on) override {
         ++changes;
         if (error) return error;
         enabled = on;
+        isForAnotherCopy = false;
         return std::nullopt;
     }
 
     bool enabled = false;
+    bool isForAnotherCopy = false;
     std::optional<std::string> error;
     int changes = 0;
 };

@@ -1,5 +1,6 @@
 #include "linux/system/AutostartLoginService.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -44,9 +45,14 @@ std::string escaped(std::string_view path) {
     return value;
 }
 
-bool switchesOff(std::string_view line) {
+struct Setting {
+    std::string_view key;
+    std::string_view value;
+};
+
+Setting settingIn(std::string_view line) {
     const auto equals = line.find('=');
-    if (equals == std::string_view::npos) return false;
+    if (equals == std::string_view::npos) return {};
     const auto trim = [](std::string_view text) {
         while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
             text.remove_prefix(1);
@@ -54,8 +60,11 @@ bool switchesOff(std::string_view line) {
             text.remove_suffix(1);
         return text;
     };
-    const auto key = trim(line.substr(0, equals));
-    const auto value = trim(line.substr(equals + 1));
+    return {trim(line.substr(0, equals)), trim(line.substr(equals + 1))};
+}
+
+bool switchesOff(std::string_view line) {
+    const auto [key, value] = settingIn(line);
     return (key == "Hidden" && value == "true") || (key == "X-GNOME-Autostart-enabled" && value == "false");
 }
 
@@ -70,16 +79,34 @@ std::string AutostartLoginService::defaultFolder() {
     return xdg::configHome() + "/autostart";
 }
 
-bool AutostartLoginService::isEnabled() const {
+std::vector<std::string> AutostartLoginService::lines() const {
     const auto entry = PosixFileSystem().read(path_, maximumEntryBytes);
-    if (entry.status != FileReading::Status::read) return false;
-    std::string_view rest = entry.bytes;
-    while (!rest.empty()) {
-        const auto end = std::min(rest.find('\n'), rest.size());
-        if (switchesOff(rest.substr(0, end))) return false;
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (entry.status != FileReading::Status::read) return {};
+    std::vector<std::string> lines{""};
+    for (const char c : entry.bytes) {
+        if (c == '\n') {
+            lines.emplace_back();
+        } else {
+            lines.back() += c;
+        }
     }
-    return true;
+    return lines;
+}
+
+bool AutostartLoginService::isEnabled() const {
+    const auto entry = lines();
+    return !entry.empty() && std::none_of(entry.begin(), entry.end(), switchesOff);
+}
+
+bool AutostartLoginService::startsAnotherCopy() const {
+    const auto entry = lines();
+    return std::any_of(entry.begin(), entry.end(), [this](const std::string& line) {
+        const auto [key, value] = settingIn(line);
+        // Whoever put something before or after the program keeps it.
+        const std::string command = " " + std::string(value) + " ";
+        return key == "Exec" && command.find(" " + quotedForExec(program_) + " ") == std::string::npos &&
+               command.find(" " + program_ + " ") == std::string::npos;
+    });
 }
 
 std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {

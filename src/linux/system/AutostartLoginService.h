@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/LoginService.h"
 
@@ -17,9 +19,13 @@ public:
     static std::string defaultFolder();
 
     bool isEnabled() const override;
+    bool startsAnotherCopy() const override;
     std::optional<std::string> setEnabled(bool enabled) override;
 
 private:
+    // The lines of the entry; none without a readable one.
+    std::vector<std::string> lines() const;
+
     std::string folder_;
     std::string path_;
     std::string program_;

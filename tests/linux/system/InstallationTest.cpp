@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -45,6 +46,26 @@ TEST(AutostartLoginService, HeedsWhoeverSwitchesTheEntryOff) {
     }
 }
 
+TEST(AutostartLoginService, KnowsAnEntryThatStartsAnotherCopy) {
+    const testing::TemporaryFolder folder;
+    AutostartLoginService moved(folder.path(), "/home/ada/my apps/Dawnly.app/bin/dawnly");
+    AutostartLoginService service(folder.path(), "/opt/Dawnly.app/bin/dawnly");
+    EXPECT_FALSE(service.startsAnotherCopy());
+    moved.setEnabled(true);
+    EXPECT_FALSE(moved.startsAnotherCopy());
+    EXPECT_TRUE(service.startsAnotherCopy());
+    service.setEnabled(true);
+    EXPECT_FALSE(service.startsAnotherCopy());
+    for (const auto& [command, isAnother] :
+         std::initializer_list<std::pair<const char*, bool>>{{"env LANG=C /opt/Dawnly.app/bin/dawnly --verbose", false},
+                                                             {"env LANG=C \"/opt/Dawnly.app/bin/dawnly\"", false},
+                                                             {"/mnt/opt/Dawnly.app/bin/dawnly", true},
+                                                             {"/opt/Dawnly.app/bin/dawnly.old", true}}) {
+        folder.write("app.dawnly.Dawnly.desktop", "[Desktop Entry]\nExec=" + std::string(command) + "\n");
+        EXPECT_EQ(service.startsAnotherCopy(), isAnother) << command;
+    }
+}
+
 TEST(AutostartLoginService, TellsWhyItFailed) {
     const testing::TemporaryFolder folder;
     folder.write("file", "");
@@ -71,6 +92,24 @@ TEST(InstalledBundle, GoesToItsPlaceAsAWholeAndInPlaceOfAnOlderOne) {
     EXPECT_NE(fs::status(target + "/bin/dawnly").permissions() & fs::perms::owner_exec, fs::perms::none);
     EXPECT_FALSE(fs::exists(target + "/old"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "home/.local/lib"), {}), 1);
+}
+
+TEST(InstalledBundle, IsInItsPlaceWhereverTheLinksLead) {
+    const testing::TemporaryFolder folder;
+    for (const char* made : {"data/ada", "elsewhere/lib"})
+        fs::create_directories(folder / made);
+    fs::create_directory_symlink(folder / "data", folder / "home");
+    const auto isInPlace = [&](const std::string& program) {
+        const InstalledBundle bundle(program, folder / "home/ada/");
+        const auto places = bundle.applicationFolders();
+        return std::any_of(places.begin(), places.end(),
+                           [&](const std::string& place) { return bundle.path().starts_with(place); });
+    };
+    EXPECT_TRUE(isInPlace(folder / "data/ada/.local/lib/Dawnly.app/bin/dawnly"));
+    EXPECT_FALSE(isInPlace(folder / "data/ada/Downloads/Dawnly.app/bin/dawnly"));
+    fs::create_directories(folder / "data/ada/.local");
+    fs::create_directory_symlink(folder / "elsewhere/lib", folder / "data/ada/.local/lib");
+    EXPECT_TRUE(isInPlace(folder / "elsewhere/lib/Dawnly.app/bin/dawnly"));
 }
 
 TEST(InstalledBundle, KeepsWhatIsThereWhenItCannotBeCopied) {
