@@ -42,6 +42,9 @@ Item {
     Component.onDestruction: {
         if (editing)
             --column.edits;
+        // Folded away under the pointer.
+        if (presenter)
+            presenter.pointerLeft(todoId);
     }
 
     Accessible.role: Accessible.CheckBox
