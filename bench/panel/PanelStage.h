@@ -79,6 +79,7 @@ struct PanelStage {
     QtWorkspace workspace{events};
     testing::SimulatedPointer pointer;
     ScrollSwipeHub scrollSwipes{pointer};
+    testing::SimulatedMotion motion;
     X11Backdrop backdrop{events};
     ThemeStore theme{defaults};
     QQmlEngine engine;
@@ -93,7 +94,7 @@ struct PanelStage {
         engine.addImportPath(QStringLiteral("qrc:/"));
         auto presenter = std::make_unique<PanelPresenter>(
             PanelPresenter::Collaborators{model, agenda.meetings, agenda.fallback, players.nowPlaying, runLoop, clock,
-                                          notifications, defaults, workspace, scrollSwipes},
+                                          notifications, defaults, workspace, scrollSwipes, motion},
             PanelPresenter::Measures{{200, 32}, 720, 680});
         auto root = std::make_unique<RootWindow>(
             engine, std::move(presenter),

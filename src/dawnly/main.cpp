@@ -23,6 +23,7 @@
 #include "linux/desktop/BusName.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
 #include "linux/desktop/DesktopNotificationService.h"
+#include "linux/desktop/PortalMotion.h"
 #include "linux/desktop/QtArtworkLoader.h"
 #include "linux/desktop/QtPasteboard.h"
 #include "linux/desktop/QtRunLoop.h"
@@ -137,9 +138,10 @@ private:
     sunpane::ScrollSwipeHub scrollSwipes_{monitors_};
     sunpane::UndoKey undoKey_{monitors_, sunpane::NotchUndo::shared()};
     sunpane::X11Backdrop backdrop_{x11Events_};
+    sunpane::PortalMotion motion_;
     sunpane::PanelAssembly windows_{
         {viewModel_, meetings_, calendar_, nowPlaying_, runLoop_, clock_, notifications_, defaults_, workspace_,
-         scrollSwipes_},
+         scrollSwipes_, motion_},
         {theme_, backdrop_, runLoop_, queues_, [this] { return pinnedSpace_.generation(); }},
         x11Events_};
     sunpane::X11Hotkeys hotkeys_{x11Events_};

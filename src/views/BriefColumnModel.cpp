@@ -73,7 +73,7 @@ void BriefColumnModel::replaceRows(std::vector<NextRow> next) {
         if (rows_[i].header == next[i].header) continue;
         rows_[i].header = std::move(next[i].header);
         const QModelIndex changed = index(static_cast<int>(i));
-        emit dataChanged(changed, changed, {titleRole, spokenTitleRole, introRole, itemCountRole});
+        emit dataChanged(changed, changed, {titleRole, spokenTitleRole, introRole, spokenIntroRole, itemCountRole});
     }
     if (count() != before) emit countChanged();
 }
@@ -115,6 +115,8 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
             return toQt(plainText(row.header.title));
         case introRole:
             return toQt(rendered(row.header.intro));
+        case spokenIntroRole:
+            return toQt(plainText(row.header.intro));
         case cardsRole:
             return QVariant::fromValue<QObject*>(row.cards.get());
         case itemCountRole:
@@ -129,9 +131,15 @@ QVariant BriefColumnModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> BriefColumnModel::roleNames() const {
-    return {{sectionIdRole, "sectionId"}, {titleRole, "title"},  {spokenTitleRole, "spokenTitle"},
-            {introRole, "intro"},         {cardsRole, "cards"},  {itemCountRole, "itemCount"},
-            {recapRole, "recap"},         {missedRole, "missed"}};
+    return {{sectionIdRole, "sectionId"},
+            {titleRole, "title"},
+            {spokenTitleRole, "spokenTitle"},
+            {introRole, "intro"},
+            {spokenIntroRole, "spokenIntro"},
+            {cardsRole, "cards"},
+            {itemCountRole, "itemCount"},
+            {recapRole, "recap"},
+            {missedRole, "missed"}};
 }
 
 }  // namespace sunpane

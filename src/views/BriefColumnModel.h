@@ -31,6 +31,7 @@ public:
         titleRole,
         spokenTitleRole,
         introRole,
+        spokenIntroRole,
         cardsRole,
         itemCountRole,
         recapRole,

@@ -26,6 +26,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     flagChanges_ = with_.viewModel.flagStore().onWillChange([this] { scheduleRefresh(); });
     meetingChanges_ = with_.meetings.onWillChange([this] { scheduleRefresh(); });
+    motionChanges_ = with_.motion.onChange([this] { scheduleRefresh(); });
     // The strip of what plays and the todos make the panel higher.
     connect(&nowPlaying_, &NowPlayingPresenter::changed, this, &PanelPresenter::changed);
     connect(todos_.list(), &TodoListModel::countChanged, this, &PanelPresenter::changed);
@@ -57,6 +58,7 @@ void PanelPresenter::refresh() {
     showBriefing(with_.viewModel.current());
     showColumn();
     showMeeting();
+    reducedMotion_ = with_.defaults.read<bool>(reduceMotionKey).valueOr(with_.motion.isReduced());
     if (std::exchange(ticking_, expanded()) != expanded()) {
         clockTimer_ = expanded() ? with_.runLoop.every(clockInterval, [this] { refresh(); }) : Subscription();
         cards_.setShown(expanded());

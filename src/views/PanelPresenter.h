@@ -9,6 +9,7 @@
 #include "app/NotchViewModel.h"
 #include "calendar/MeetingWatcher.h"
 #include "notch/ScrollSwipeHub.h"
+#include "platform/MotionPreference.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
 #include "views/CardPresenter.h"
@@ -47,6 +48,8 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(sunpane::CardPresenter* cards READ cards CONSTANT)
     Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
     Q_PROPERTY(sunpane::TodoColumnPresenter* todos READ todos CONSTANT)
+    /// Whether things come and go without moving, because the user or the desktop says so.
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
     Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
     Q_PROPERTY(qreal notchHeight READ notchHeight NOTIFY measuresChanged)
     Q_PROPERTY(qreal cardWidth READ cardWidth NOTIFY measuresChanged)
@@ -67,7 +70,11 @@ public:
         const UserDefaults& defaults;
         Workspace& workspace;
         ScrollSwipeHub& scrollSwipes;
+        MotionPreference& motion;
     };
+
+    /// A setting of the user's own, which the desktop's gives way to: true or false.
+    static constexpr const char* reduceMotionKey = "reduceMotion";
 
     /// The panel's measures on its screen, in points.
     struct Measures {
@@ -105,6 +112,7 @@ public:
     const QString& meetingTime() const { return meetingTime_; }
     bool canJoinMeeting() const { return meeting_ && meeting_->joinURL; }
     bool meetingImminent() const { return meetingImminent_; }
+    bool reducedMotion() const { return reducedMotion_; }
     qreal notchWidth() const { return measures_.notch.width; }
     qreal notchHeight() const { return measures_.notch.height; }
     qreal cardWidth() const { return measures_.cardWidth; }
@@ -172,6 +180,8 @@ private:
     // Ticks only while the panel is open.
     Subscription clockTimer_;
     bool ticking_ = false;
+    bool reducedMotion_ = false;
+    Subscription motionChanges_;
     Subscription meetingChanges_;
     Subscription modelChanges_;
     Subscription flagChanges_;

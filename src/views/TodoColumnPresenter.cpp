@@ -99,7 +99,10 @@ std::optional<Todo> TodoColumnPresenter::find(const QString& id) {
 
 void TodoColumnPresenter::submit(const QString& text) {
     moveWith(addSpring);
+    const auto before = todos().todos().size();
     todos().add(text.toStdString());
+    // Nothing but spaces is no todo.
+    if (todos().todos().size() > before) emit announced(tr("Added: %1").arg(text.trimmed()));
     if (capturing_) collapse();
 }
 

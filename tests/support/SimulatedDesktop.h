@@ -11,6 +11,7 @@
 #include "platform/DistributedNotifications.h"
 #include "platform/EventMonitors.h"
 #include "platform/Hotkeys.h"
+#include "platform/MotionPreference.h"
 #include "platform/PanelWindow.h"
 #include "platform/Screens.h"
 #include "platform/WindowSpaces.h"
@@ -35,6 +36,21 @@ public:
     std::vector<Screen> screens{{Rect{0, 0, 1440, 900}, 0, {}, {}}};
 
 private:
+    HandlerList<> observers_;
+};
+
+/// A desktop whose user minds motion or not.
+class SimulatedMotion : public MotionPreference {
+public:
+    bool isReduced() const override { return reduced_; }
+    Subscription onChange(std::function<void()> handler) override { return observers_.add(std::move(handler)); }
+    void reduce(bool reduced) {
+        reduced_ = reduced;
+        observers_.call();
+    }
+
+private:
+    bool reduced_ = false;
     HandlerList<> observers_;
 };
 

@@ -58,11 +58,17 @@ Flickable {
         menu.openAt(card, x, y, qsTr("Card"), [
             {
                 label: qsTr("Copy"),
-                run: () => cards.copyChosen()
+                run: () => {
+                    cards.copyChosen();
+                    announce(qsTr("Copied"));
+                }
             },
             {
                 label: qsTr("Add to Todos"),
-                run: () => cards.addChosenToTodos()
+                run: () => {
+                    cards.addChosenToTodos();
+                    announce(qsTr("Added to the todos"));
+                }
             }
         ], byKeyboard);
     }
@@ -70,12 +76,15 @@ Flickable {
     function openReminderMenu(card, x, byKeyboard) {
         if (!cards.choose(card.sectionId, card.index))
             return;
-        const setTime = (time) => cards.remindOfChosen(time, "");
-        menu.openBeside(card, x, qsTr("Remind me · adds to todos"), menu.times(setTime, () => openSheet(card, byKeyboard), null), byKeyboard);
+        menu.openBeside(card, x, qsTr("Remind me · adds to todos"), menu.times((time) => remind(time, ""), () => openSheet(card, byKeyboard), null), byKeyboard);
     }
 
+    function remind(time, rule) {
+        cards.remindOfChosen(time, rule);
+        announce(qsTr("Reminder set"));
+    }
     function openSheet(card, byKeyboard) {
-        sheet.openFor(cards.chosenText(), 0, "", (time, rule) => cards.remindOfChosen(time, rule), null, byKeyboard ? card : null);
+        sheet.openFor(cards.chosenText(), 0, "", remind, null, byKeyboard ? card : null);
     }
 
     function openLinks(card) {
@@ -137,6 +146,8 @@ Flickable {
             font.family: Style.family
             font.pixelSize: Style.captionSize
             onVisibleChanged: Qt.callLater(rows.measure)
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
 
             Scrim {}
         }

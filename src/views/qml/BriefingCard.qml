@@ -17,22 +17,29 @@ Item {
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.RightButton
-        onPressed: (mouse) => {
-            menu.openAt(card, mouse.x, mouse.y, qsTr("Panel"), [
-                {
-                    label: qsTr("Open Briefings Folder"),
-                    run: () => card.presenter.openBriefingsFolder()
-                },
-                {
-                    label: qsTr("Settings…"),
-                    run: () => card.presenter.openSettings()
-                },
-                {
-                    label: qsTr("Quit Sunpane"),
-                    run: () => card.presenter.quit()
-                }
-            ], false);
-        }
+        onPressed: (mouse) => card.openMenu(mouse.x, mouse.y, null)
+    }
+
+    // `item` is what the keyboard is on, null when the pointer asked.
+    function openMenu(x, y, item) {
+        menu.openAt(card, x, y, qsTr("Panel"), [
+            {
+                label: qsTr("Open Briefings Folder"),
+                run: () => presenter.openBriefingsFolder()
+            },
+            {
+                label: qsTr("Settings…"),
+                run: () => presenter.openSettings()
+            },
+            {
+                label: qsTr("Quit Sunpane"),
+                run: () => presenter.quit()
+            }
+        ], false);
+        menu.returnTo = item;
+    }
+    function openMenuFromKeyboard(item) {
+        openMenu(header.x, header.y + header.height, item);
     }
 
     Item {
@@ -127,7 +134,7 @@ Item {
         Behavior on shownPart {
             enabled: card.presenter.expanded
             NumberAnimation {
-                duration: card.presenter.scheduleSpring.duration
+                duration: Style.motion(card.presenter.scheduleSpring)
                 easing: card.presenter.scheduleSpring.curve
             }
         }
@@ -168,7 +175,7 @@ Item {
         Behavior on shownPart {
             enabled: card.presenter.expanded
             NumberAnimation {
-                duration: card.presenter.nowPlaying.spring.duration
+                duration: Style.motion(card.presenter.nowPlaying.spring)
                 easing: card.presenter.nowPlaying.spring.curve
             }
         }

@@ -30,7 +30,7 @@ Item {
     Behavior on shownX {
         enabled: !card.cards.inHand
         NumberAnimation {
-            duration: card.cards.spring.duration
+            duration: Style.motion(card.cards.spring)
             easing: card.cards.spring.curve
         }
     }
@@ -39,20 +39,41 @@ Item {
     Accessible.name: spoken
     Accessible.description: cleared ? qsTr("cleared") : priority ? qsTr("priority") : ""
     Accessible.focusable: true
-    Accessible.onPressAction: host.openCardMenu(card, Style.inset, height, true)
+    Accessible.onPressAction: openMenu()
+    Accessible.onIncreaseAction: flag()
+    Accessible.onDecreaseAction: dismiss()
 
-    Keys.onReturnPressed: host.openCardMenu(card, Style.inset, height, true)
-    Keys.onEnterPressed: host.openCardMenu(card, Style.inset, height, true)
-    Keys.onMenuPressed: host.openCardMenu(card, Style.inset, height, true)
+    function openMenu() {
+        host.openCardMenu(card, Style.inset, height, true);
+    }
+    function flag() {
+        host.announce(cards.flag(sectionId, index));
+    }
+    function dismiss() {
+        // A card that goes hands the keyboard on to what follows it.
+        if (cleared && activeFocus)
+            focusNext();
+        host.announce(cards.dismiss(sectionId, index));
+    }
+    function focusNext() {
+        let next = nextItemInFocusChain(true);
+        if (next === join)
+            next = join.nextItemInFocusChain(true);
+        next.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
+    Keys.onReturnPressed: openMenu()
+    Keys.onEnterPressed: openMenu()
+    Keys.onMenuPressed: openMenu()
     Keys.onPressed: (event) => {
         const plain = event.modifiers === Qt.NoModifier;
         const shifted = event.modifiers === Qt.ShiftModifier;
         if (shifted && event.key === Qt.Key_Right)
-            host.announce(cards.flag(sectionId, index));
+            flag();
         else if (shifted && event.key === Qt.Key_Left)
-            host.announce(cards.dismiss(sectionId, index));
-        else if (plain && event.key === Qt.Key_M)
-            host.openCardMenu(card, Style.inset, height, true);
+            dismiss();
+        else if (plain && event.key === Qt.Key_M || shifted && event.key === Qt.Key_F10)
+            openMenu();
         else if (plain && event.key === Qt.Key_R)
             host.openReminderMenu(card, Style.inset, true);
         else if (plain && event.key === Qt.Key_O)

@@ -41,7 +41,7 @@ FocusScope {
         motion.stop();
         const spring = open ? presenter.unfoldSpring : presenter.foldSpring;
         motion.to = open ? 1 : 0;
-        motion.duration = spring.duration;
+        motion.duration = Style.motion(spring);
         motion.easing = spring.curve;
         content.active = true;
         motion.start();
@@ -51,6 +51,11 @@ FocusScope {
         target: root.background
         property: "shown"
         value: !root.folded
+    }
+    Binding {
+        target: Style
+        property: "reducedMotion"
+        value: root.presenter.reducedMotion
     }
     Binding {
         target: Style
@@ -66,7 +71,7 @@ FocusScope {
     Behavior on openHeight {
         enabled: root.open && root.unfolding > 0
         NumberAnimation {
-            duration: root.presenter.accordionSpring.duration
+            duration: Style.motion(root.presenter.accordionSpring)
             easing: root.presenter.accordionSpring.curve
         }
     }
@@ -102,6 +107,13 @@ FocusScope {
             active: false
             asynchronous: false
             opacity: Math.max(0, Math.min(1, (root.unfolding - 0.25) / 0.6))
+            // A panel that is open at once lets its content fade in.
+            Behavior on opacity {
+                enabled: Style.reducedMotion && root.open
+                NumberAnimation {
+                    duration: 150
+                }
+            }
             sourceComponent: BriefingCard {
                 presenter: root.presenter
             }
@@ -141,8 +153,13 @@ FocusScope {
     }
     Keys.onEscapePressed: presenter.collapse()
     Keys.onPressed: (event) => {
-        event.accepted = event.key === Qt.Key_F6 && content.item !== null;
-        if (event.accepted)
+        const menu = event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier;
+        event.accepted = content.item !== null && (menu || event.key === Qt.Key_F6);
+        if (!event.accepted)
+            return;
+        if (menu)
+            content.item.openMenuFromKeyboard(Window.activeFocusItem);
+        else
             content.item.switchColumn();
     }
     Keys.onDownPressed: moveFocus(true)

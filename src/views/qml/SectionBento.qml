@@ -9,6 +9,7 @@ Item {
     required property string title
     required property string spokenTitle
     required property string intro
+    required property string spokenIntro
     required property int sectionId
     required property var cards
     required property int itemCount
@@ -51,7 +52,7 @@ Item {
             property: "scale"
             from: 0.92
             to: 1
-            duration: section.spring.duration
+            duration: Style.motion(section.spring)
             easing: section.spring.curve
         }
     }
@@ -59,7 +60,7 @@ Item {
     Behavior on shownHeight {
         enabled: section.animated
         NumberAnimation {
-            duration: section.spring.duration
+            duration: Style.motion(section.spring)
             easing: section.spring.curve
         }
     }
@@ -133,7 +134,7 @@ Item {
             Behavior on rotation {
                 enabled: section.animated
                 NumberAnimation {
-                    duration: section.spring.duration
+                    duration: Style.motion(section.spring)
                     easing: section.spring.curve
                 }
             }
@@ -178,6 +179,8 @@ Item {
                 font.family: Style.family
                 font.pixelSize: Style.bodySize
                 lineHeight: 1.15
+                Accessible.role: Accessible.StaticText
+                Accessible.name: section.spokenIntro
             }
             Column {
                 id: stack
@@ -200,6 +203,8 @@ Item {
                     color: Style.tertiaryText
                     font.family: Style.family
                     font.pixelSize: Style.captionSize
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
                 }
             }
         }

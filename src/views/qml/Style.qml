@@ -16,6 +16,9 @@ QtObject {
     // on them stays readable in every theme.
     property real scrim: 0
 
+    // Whether things come and go without moving; the root view sets it.
+    property bool reducedMotion: false
+
     readonly property color panelBottom: "#1f1b1d"
     readonly property color section: onScrim(1, 1, 1, 0.06)
     readonly property color hairline: Qt.rgba(1, 1, 1, 0.07)
@@ -54,6 +57,10 @@ QtObject {
         const whole = 1 - (1 - scrim) * (1 - opacity);
         const part = opacity / whole;
         return Qt.rgba(red * part, green * part, blue * part, whole);
+    }
+    // How long what a spring drives is on its way (ms). Fades do not ask: they move nothing.
+    function motion(spring) {
+        return reducedMotion ? 0 : spring.duration;
     }
     function counted(count, one, many) {
         return count === 1 ? one : many.arg(count);

@@ -294,7 +294,7 @@ Rectangle {
 
         component Glide: NumberAnimation {
             properties: "y"
-            duration: todoColumn.presenter.motion.duration
+            duration: Style.motion(todoColumn.presenter.motion)
             easing: todoColumn.presenter.motion.curve
         }
         // An interrupted motion of another kind must leave no row half transparent or beside its place.

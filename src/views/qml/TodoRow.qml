@@ -55,6 +55,7 @@ Item {
     Accessible.focusable: true
     Accessible.onPressAction: presenter.toggle(todoId)
     Accessible.onToggleAction: presenter.toggle(todoId)
+    Accessible.onIncreaseAction: presenter.togglePriority(todoId)
 
     Keys.onPressed: (event) => {
         event.accepted = !editing && column.rowKey(row, event);
@@ -63,7 +64,7 @@ Item {
     Behavior on shownRoom {
         enabled: !row.column.settling
         NumberAnimation {
-            duration: row.presenter.liftSpring.duration
+            duration: Style.motion(row.presenter.liftSpring)
             easing: row.presenter.liftSpring.curve
         }
     }
@@ -81,14 +82,14 @@ Item {
             target: row
             property: "offsetX"
             to: 0
-            duration: row.presenter.returnSpring.duration
+            duration: Style.motion(row.presenter.returnSpring)
             easing: row.presenter.returnSpring.curve
         }
         NumberAnimation {
             target: row
             property: "offsetY"
             to: 0
-            duration: row.presenter.returnSpring.duration
+            duration: Style.motion(row.presenter.returnSpring)
             easing: row.presenter.returnSpring.curve
         }
     }
