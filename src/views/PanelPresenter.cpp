@@ -55,10 +55,10 @@ void PanelPresenter::scheduleRefresh() {
 
 void PanelPresenter::refresh() {
     refreshPosted_ = false;
+    judgeMotion();  // before anything begins to move
     showBriefing(with_.viewModel.current());
     showColumn();
     showMeeting();
-    reducedMotion_ = with_.defaults.read<bool>(reduceMotionKey).valueOr(with_.motion.isReduced());
     if (std::exchange(ticking_, expanded()) != expanded()) {
         clockTimer_ = expanded() ? with_.runLoop.every(clockInterval, [this] { refresh(); }) : Subscription();
         cards_.setShown(expanded());
@@ -112,6 +112,11 @@ void PanelPresenter::showMeeting() {
     meetingTitle_ = QString::fromStdString(meeting_->title);
     meetingTime_ = QString::fromStdString(meeting_text::timeLine(*meeting_, now, LocalCalendar(with_.clock)));
     meetingImminent_ = meeting_text::isImminent(meeting_->start, now);
+}
+
+void PanelPresenter::judgeMotion() {
+    const bool reduced = with_.defaults.read<bool>(reduceMotionKey).valueOr(with_.motion.isReduced());
+    if (std::exchange(reducedMotion_, reduced) != reduced) emit reducedMotionChanged();
 }
 
 void PanelPresenter::joinMeeting() {

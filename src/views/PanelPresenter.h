@@ -49,7 +49,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(sunpane::ReminderPresenter* reminders READ reminders CONSTANT)
     Q_PROPERTY(sunpane::TodoColumnPresenter* todos READ todos CONSTANT)
     /// Whether things come and go without moving, because the user or the desktop says so.
-    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
     Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
     Q_PROPERTY(qreal notchHeight READ notchHeight NOTIFY measuresChanged)
     Q_PROPERTY(qreal cardWidth READ cardWidth NOTIFY measuresChanged)
@@ -143,6 +143,7 @@ signals:
     void changed();
     void measuresChanged();
     void openSectionChanged();
+    void reducedMotionChanged();
 
 private:
     /// While the panel is open, what depends on the time is shown anew this often (s).
@@ -153,6 +154,7 @@ private:
     void showBriefing(const Briefing* briefing);
     void showColumn();
     void showMeeting();
+    void judgeMotion();
     bool isHidden(const BriefingItem& item) const;
 
     Collaborators with_;

@@ -58,6 +58,19 @@ double ReminderPresenter::withPart(double time, int part, int value) const {
         .unixTime();
 }
 
+int ReminderPresenter::partValue(double time, int part) const {
+    if (!isPart(part)) return 0;
+    return reminder_times::partValue(Instant::fromUnix(time), reminder_times::Part{part}, LocalCalendar(clock_));
+}
+
+int ReminderPresenter::leastOf(int part) const {
+    return isPart(part) ? reminder_times::rangeOf(reminder_times::Part{part}).least : 0;
+}
+
+int ReminderPresenter::mostOf(int part) const {
+    return isPart(part) ? reminder_times::rangeOf(reminder_times::Part{part}).most : 0;
+}
+
 QString ReminderPresenter::partText(double time, int part) const {
     if (!isPart(part)) return {};
     return QString::fromStdString(

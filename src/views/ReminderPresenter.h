@@ -29,6 +29,10 @@ public:
     Q_INVOKABLE double stepped(double time, int part, int steps) const;
     /// `time` itself when the part cannot have that value.
     Q_INVOKABLE double withPart(double time, int part, int value) const;
+    Q_INVOKABLE int partValue(double time, int part) const;
+    /// The numbers that a part can have.
+    Q_INVOKABLE int leastOf(int part) const;
+    Q_INVOKABLE int mostOf(int part) const;
     Q_INVOKABLE QString partText(double time, int part) const;
     /// The rule of a repetition as the todo store takes it; empty for none. And the other way round.
     Q_INVOKABLE QString ruleOf(int repetition) const;

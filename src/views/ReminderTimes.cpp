@@ -50,6 +50,22 @@ Instant suggestion(Instant now, const LocalCalendar& calendar) {
     return first >= now + hour / 2 ? first : calendar.secondInstant(reading).value_or(first + hour);
 }
 
+Range rangeOf(Part part) {
+    switch (part) {
+        case Part::day:
+            return {1, 31};
+        case Part::month:
+            return {1, 12};
+        case Part::year:
+            return {earliestYear, latestYear};
+        case Part::hour:
+            return {0, 23};
+        case Part::minute:
+            return {0, 59};
+    }
+    return {0, 0};
+}
+
 Instant stepped(Instant time, Part part, int steps, const LocalCalendar& calendar) {
     const CivilTime reading = calendar.civilTime(time);
     Instant result = time;
@@ -81,29 +97,43 @@ Instant stepped(Instant time, Part part, int steps, const LocalCalendar& calenda
 }
 
 std::optional<Instant> withPart(Instant time, Part part, int value, const LocalCalendar& calendar) {
+    const auto [least, most] = rangeOf(part);
+    if (value < least || value > most) return std::nullopt;
     CivilTime reading = calendar.civilTime(time);
     switch (part) {
         case Part::day:
-            if (value < 1 || value > 31) return std::nullopt;
             reading.day.day = std::min(value, daysInMonth(reading.day.year, reading.day.month));
             return calendar.instant(reading);
         case Part::month:
-            if (value < 1 || value > 12) return std::nullopt;
             return inMonth(reading, reading.day.year, value, calendar);
         case Part::year:
-            if (!isKnownYear(value)) return std::nullopt;
             return inMonth(reading, value, reading.day.month, calendar);
         case Part::hour:
-            if (value < 0 || value > 23) return std::nullopt;
             reading.hour = value;
             return calendar.instant(reading);
         case Part::minute:
-            if (value < 0 || value > 59) return std::nullopt;
             reading.minute = value;
             reading.second = 0;
             return calendar.instant(reading);
     }
     return std::nullopt;
+}
+
+int partValue(Instant time, Part part, const LocalCalendar& calendar) {
+    const CivilTime reading = calendar.civilTime(time);
+    switch (part) {
+        case Part::day:
+            return reading.day.day;
+        case Part::month:
+            return reading.day.month;
+        case Part::year:
+            return reading.day.year;
+        case Part::hour:
+            return reading.hour;
+        case Part::minute:
+            return reading.minute;
+    }
+    return 0;
 }
 
 std::string partText(Instant time, Part part, const LocalCalendar& calendar) {

@@ -28,13 +28,23 @@ inline constexpr std::array<Part, 5> parts{Part::day, Part::month, Part::year, P
 inline constexpr int earliestYear = 2000;
 inline constexpr int latestYear = 2199;
 
+/// The least and the greatest number of a part. Not every month has the last days.
+struct Range {
+    int least;
+    int most;
+};
+Range rangeOf(Part part);
+
 /// `steps` days, months, years, hours or steps of five minutes later, earlier when negative, carried over into the
 /// larger parts. A month that lacks the day ends on its last one. Stays within the years above.
 Instant stepped(Instant time, Part part, int steps, const LocalCalendar& calendar);
 
-/// With that part set to `value`, the others kept; a day that the month lacks becomes its last one. Absent when no
-/// month, hour or minute has that number or the year is beyond those above.
+/// With that part set to `value`, the others kept; a day that the month lacks becomes its last one. Absent when
+/// the value is out of the part's range.
 std::optional<Instant> withPart(Instant time, Part part, int value, const LocalCalendar& calendar);
+
+/// A part as a number, within its range.
+int partValue(Instant time, Part part, const LocalCalendar& calendar);
 
 /// A part as it is shown, such as "Sun 22", "Nov", "2026", "14" and "05".
 std::string partText(Instant time, Part part, const LocalCalendar& calendar);

@@ -73,6 +73,14 @@ TEST(ReminderTimes, TypedPartsReplaceTheirs) {
     EXPECT_EQ(withPart(time, Part::hour, 0, amsterdam), at(2027, 2, 10, 0, 5));
     EXPECT_EQ(withPart(time, Part::minute, 59, amsterdam), at(2027, 2, 10, 9, 59));
     EXPECT_EQ(withPart(time, Part::year, 2028, amsterdam), at(2028, 2, 10, 9, 5));
+    for (const Part part : parts) {
+        const auto [least, most] = rangeOf(part);
+        for (const int value : {least, part == Part::day ? 28 : most}) {  // February
+            const auto changed = withPart(time, part, value, amsterdam);
+            ASSERT_TRUE(changed);
+            EXPECT_EQ(partValue(*changed, part, amsterdam), value);
+        }
+    }
     for (const auto& [part, value] : {std::pair{Part::day, 0},
                                       {Part::day, 32},
                                       {Part::month, 13},

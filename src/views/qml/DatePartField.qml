@@ -6,6 +6,10 @@ Rectangle {
 
     required property string label
     required property string text
+    // As a number, for the screen reader.
+    required property int value
+    required property int minimumValue
+    required property int maximumValue
     // How many digits name it fully; 0 where it is not typed.
     property int digits: 2
     signal stepped(int steps)

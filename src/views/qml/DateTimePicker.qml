@@ -32,6 +32,9 @@ Rectangle {
     component Part: DatePartField {
         required property int part
         text: picker.reminders.partText(picker.time, part)
+        value: picker.reminders.partValue(picker.time, part)
+        minimumValue: picker.reminders.leastOf(part)
+        maximumValue: picker.reminders.mostOf(part)
         onStepped: (steps) => picker.step(part, steps)
         onEntered: (value) => picker.enter(part, value)
         onMovedOn: (forward) => picker.moveFrom(part, forward)

@@ -15,12 +15,11 @@ Item {
     width: visible ? 20 : 0
     height: parent.height
 
-    Accessible.role: clickable ? Accessible.Button : Accessible.Graphic
+    // What the others say is in the row's description.
+    Accessible.ignored: !clickable
+    Accessible.role: Accessible.Button
     Accessible.name: label
-    Accessible.onPressAction: {
-        if (clickable)
-            clicked();
-    }
+    Accessible.onPressAction: clicked()
 
     Rectangle {
         anchors.centerIn: parent

@@ -6,6 +6,6 @@ Rectangle {
     height: 7
     radius: 3.5
     color: Style.priority
-    Accessible.role: Accessible.Indicator
+    Accessible.role: Accessible.Graphic
     Accessible.name: qsTr("New briefing")
 }
