@@ -241,6 +241,15 @@ class Todos(unittest.TestCase):
         d.key("Return")
         self.expect("a " + "very " * 600 + "long one indeed")
 
+    def test_an_edit_survives_the_end_of_the_program(self):
+        d = self.desktop
+        self.open_panel(todo("Call"))
+        self.choose(0, EDIT)
+        self.type("Call Anna")
+        d.program.terminate()
+        self.assertEqual(d.program.wait(5), 0)
+        self.assertEqual(self.order(), ["Call Anna"])
+
     def drop_card(self, y):
         d = self.desktop
         d.drag((BRIEF_LEFT + 300, y), (TEXT_X, row_y(0) + 15), steps=30, release=False)

@@ -13,6 +13,13 @@ Rectangle {
         if (!hasKeyboard)
             committed(input.text);
     }
+    // A newer copy of the program takes over, or the session ends.
+    Connections {
+        target: Qt.application
+        function onAboutToQuit() {
+            editor.committed(input.text);
+        }
+    }
 
     radius: 6
     color: Qt.rgba(1, 1, 1, 0.1)
