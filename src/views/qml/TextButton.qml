@@ -12,7 +12,7 @@ Item {
 
     implicitWidth: label.implicitWidth + 2 * Style.inset
     implicitHeight: label.implicitHeight + 10
-    activeFocusOnTab: visible
+    activeFocusOnTab: true
 
     Accessible.role: Accessible.Button
     Accessible.name: text

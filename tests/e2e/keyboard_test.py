@@ -1,0 +1,129 @@
+"""What only the pointer did in the tests of cards and todos, by keyboard alone: days, sections, menus, links between the
+columns, settings. Once the hotkey has opened the panel, the pointer stays where it is."""
+
+import json
+import os
+import time
+import unittest
+import uuid
+
+from desktop import AWAY, Desktop
+
+TODAY = "# Today\n### Schedule\n- Alpha\n- Beta\n### Reading\n- Gamma\n"
+REFERENCE_DATE = 978307200  # the dates of the todo file count from here, in seconds since 1970
+
+
+class Keyboard(unittest.TestCase):
+    def setUp(self):
+        self.desktop = d = Desktop(window_manager=True)
+        self.addCleanup(d.close)
+        self.opened = d.catch_addresses()
+        d.write_briefing(time.strftime("%Y-%m-%d.md"), TODAY)
+        yesterday = time.strftime("%Y-%m-%d.md", time.localtime(time.time() - 86400))
+        d.write_briefing(yesterday, "# Older\n### Schedule\n- Delta\n")
+        with open(d.briefings + "/todos.json", "w") as file:
+            todo = {"id": str(uuid.uuid4()).upper(), "text": "Dentist", "done": False,
+                    "createdAt": time.time() - REFERENCE_DATE}
+            json.dump({"todos": [todo], "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+        d.start_program()
+        self.open_panel()
+
+    def open_panel(self):
+        d = self.desktop
+        d.move(*AWAY)
+        d.key("ctrl+space")
+        d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
+        time.sleep(0.9)
+
+    def read(self, name):
+        for _ in range(50):
+            try:
+                with open(os.path.join(self.desktop.briefings, name)) as file:
+                    return json.load(file)
+            except (FileNotFoundError, ValueError):  # not written yet, or being written
+                time.sleep(0.02)
+        return {}
+
+    def press(self, *keys):
+        for key in keys:
+            self.desktop.key(key)
+            time.sleep(0.05)
+        time.sleep(0.4)
+
+    def await_flags(self, **expected):
+        def flags():
+            state = self.read("itemflags.json")
+            return {kind: sorted(state.get(kind, {})) for kind in ("prio", "cleared", "hidden") if state.get(kind)}
+
+        try:
+            self.desktop.wait_for(lambda: flags() == expected, "the flags", 3)
+        except AssertionError:
+            self.assertEqual(flags(), expected)
+
+    def to_first_card(self):
+        """From the field for todos: over to the briefing, past its first section's header."""
+        self.press("F6", "Down")
+
+    def test_cards_from_one_to_the_next(self):
+        self.to_first_card()
+        self.press("shift+Right")
+        self.await_flags(prio=["alpha"])
+        self.press("Down", "shift+Left")
+        self.await_flags(prio=["alpha"], cleared=["beta"])
+        # A card that goes hands the keyboard on, here to the next section.
+        self.press("shift+Left")
+        self.await_flags(prio=["alpha"], cleared=["beta"], hidden=["beta"])
+        self.press("Return", "Down", "shift+Right")
+        self.await_flags(prio=["alpha", "gamma"], cleared=["beta"], hidden=["beta"])
+        # Below the last card is what brings the hidden ones back.
+        self.press("Down", "space")
+        self.await_flags(prio=["alpha", "gamma"], cleared=["beta"])
+
+    def test_days(self):
+        self.press("F6", "Left")
+        self.press("F6", "F6", "Down", "shift+Right")  # over to the todos and back
+        self.await_flags(prio=["delta"])
+        self.press("Right")
+        self.press("F6", "F6", "Down", "shift+Right")
+        self.await_flags(prio=["alpha", "delta"])
+
+    def test_a_card_becomes_a_todo_with_a_reminder(self):
+        d = self.desktop
+        self.to_first_card()
+        self.press("shift+F10", "Down", "Return")
+        d.wait_for(lambda: "Alpha" in d.todos(), "the todo", 3)
+        self.press("r", "Return")
+        d.wait_for(lambda: any("remindAt" in todo for todo in self.read("todos.json")["todos"]), "the reminder", 3)
+        self.press("r", "Escape")  # the menu alone
+        self.assertTrue(d.report()["expanded"])
+
+    def test_the_panels_menu_and_the_settings(self):
+        d = self.desktop
+        self.press("F6", "Up", "shift+F10", "Return")  # on a button of the header
+        d.wait_for(lambda: os.path.exists(self.opened), "the folder to open")
+        with open(self.opened) as file:
+            self.assertIn(d.briefings, file.read())
+        self.press("Escape")
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
+        time.sleep(0.7)
+        self.open_panel()
+        panels = set(d.search("Dawnly"))
+        self.press("F6", "Up", "Return")  # the gear is above the first section
+        d.wait_for(lambda: d.focused_window() in set(d.search("Dawnly")) - panels, "the settings")
+        time.sleep(0.5)
+        # The second page, then past the other entries to its first control.
+        self.press("Tab", "Tab", "Return")
+        self.press(*["Tab"] * 5)
+        before = d.defaults()
+        for _ in range(8):
+            self.press("space")
+            if d.defaults() != before:
+                break
+            self.press("Tab")
+        self.assertNotEqual(d.defaults(), before, "a switch turns")
+        self.press("ctrl+w")
+        d.wait_for(lambda: not set(d.search("Dawnly")) - panels, "the window to close")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
