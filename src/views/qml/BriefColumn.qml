@@ -184,7 +184,7 @@ Flickable {
     Rectangle {
         parent: column
         anchors.right: parent.right
-        anchors.rightMargin: -10
+        anchors.rightMargin: 4
         visible: column.interactive && (over.hovered || column.moving)
         width: 4
         radius: 2
