@@ -433,6 +433,8 @@ private:
         const int total = (time.hour * 60 + minutes + 24 * 60) % (24 * 60);
         time.hour = total / 60;
         time.minute = total % 60;
+        // Without am or pm, a quarter to one is after noon.
+        if (time.isOpen && time.hour == 0) time.hour = 12;
         return Found<TimeFound>{time, end};
     }
 

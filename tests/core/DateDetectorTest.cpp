@@ -69,6 +69,8 @@ TEST(DateDetector, FindsDaysAndTimesInEverydayText) {
                            {"day after tomorrow 09:00", "2026-11-24 09:00"},
                            {"lunch at noon", "2026-11-22 12:00"},
                            {"half past 3 tomorrow", "2026-11-23 15:30"},
+                           {"quarter to 1 tomorrow", "2026-11-23 12:45"},
+                           {"quarter to 1 am tomorrow", "2026-11-23 00:45"},
                            {"**14:00** Review", "2026-11-22 14:00"},
                            {"3pm on Thursday", "2026-11-26 15:00"},
                            {"12am", "2026-11-22 00:00"},
