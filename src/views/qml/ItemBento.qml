@@ -88,6 +88,7 @@ Item {
         offset: card.shownX
         removes: card.cleared
         flagged: card.priority
+        inHand: card.cards.inHand
     }
 
     Rectangle {

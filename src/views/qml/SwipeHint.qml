@@ -11,10 +11,29 @@ Item {
     required property bool removes
     // Whether a swipe to the right takes a flag away.
     required property bool flagged
-    readonly property color ink: offset < 0 && !removes ? Style.onAccent : "white"
-    readonly property color wash: offset > 0 ? Style.priority : removes ? Style.remove : Style.clear
+    // Whether the card is in the user's hand.
+    required property bool inHand
+    // What this swipe does, still while the card springs back with it done.
+    property bool saysRemove
+    property bool saysUnflag
+    readonly property color ink: offset < 0 && !saysRemove ? Style.onAccent : "white"
+    readonly property color wash: offset > 0 ? Style.priority : saysRemove ? Style.remove : Style.clear
 
     visible: Math.abs(offset) > 0.5
+
+    onRemovesChanged: latch(offset === 0)
+    onFlaggedChanged: latch(offset === 0)
+    onOffsetChanged: latch(offset === 0)
+    // A card can be swiped again before it is back.
+    onInHandChanged: latch(inHand)
+    Component.onCompleted: latch(true)
+
+    function latch(begins) {
+        if (!begins)
+            return;
+        saysRemove = removes;
+        saysUnflag = flagged;
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -28,7 +47,7 @@ Item {
         width: 14
         height: 14
         visible: hint.offset > x + width
-        symbol: hint.flagged ? "star.slash.fill" : "star.fill"
+        symbol: hint.saysUnflag ? "star.slash.fill" : "star.fill"
         color: Style.starInk
     }
     // The words appear as the card uncovers them.
@@ -46,7 +65,7 @@ Item {
             spacing: 4
             Text {
                 id: word
-                text: hint.removes ? qsTr("REMOVE") : qsTr("CLEAR")
+                text: hint.saysRemove ? qsTr("REMOVE") : qsTr("CLEAR")
                 color: hint.ink
                 font.family: Style.family
                 font.pixelSize: Style.captionSize
@@ -56,7 +75,7 @@ Item {
                 anchors.verticalCenter: word.verticalCenter
                 width: 13
                 height: 13
-                symbol: hint.removes ? "trash.fill" : "checkmark"
+                symbol: hint.saysRemove ? "trash.fill" : "checkmark"
                 color: hint.ink
             }
         }

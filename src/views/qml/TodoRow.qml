@@ -119,6 +119,7 @@ Item {
         threshold: row.presenter.swipeThreshold
         removeLabel: qsTr("DELETE")
         priority: row.priority
+        settling: back.running
     }
 
     Item {

@@ -10,9 +10,21 @@ Item {
     required property real threshold
     required property string removeLabel
     required property bool priority
+    // Whether the row springs back; the hint then still says what the swipe did.
+    required property bool settling
+    property bool takesPriority
     readonly property bool decided: Math.abs(offset) > threshold
 
     visible: Math.abs(offset) > 1
+
+    onPriorityChanged: latch()
+    onSettlingChanged: latch()
+    Component.onCompleted: latch()
+
+    function latch() {
+        if (!settling)
+            takesPriority = priority;
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -26,7 +38,7 @@ Item {
         width: 14
         height: 14
         scale: hint.decided ? 1.2 : 1
-        symbol: hint.offset > 0 ? (hint.priority ? "star.slash.fill" : "star.fill") : "trash.fill"
+        symbol: hint.offset > 0 ? (hint.takesPriority ? "star.slash.fill" : "star.fill") : "trash.fill"
         color: Style.text
     }
     Text {
