@@ -83,7 +83,11 @@ void BriefColumnModel::show(const BriefingSection* recap, const std::vector<Brie
     const LocalCalendar calendar(clock);
     const Context context{flags, clock.now(), calendar};
     std::vector<NextRow> next;
-    if (recap != nullptr) next.push_back(makeRow(*recap, true, context));
+    if (recap != nullptr) {
+        NextRow row = makeRow(*recap, true, context);
+        // Its title stands above the column, so nothing would be left in its box.
+        if (!row.cards.empty() || !row.header.intro.empty()) next.push_back(std::move(row));
+    }
     const std::size_t shown = std::min(sections.size(), maximumSections);
     for (std::size_t i = 0; i < shown; ++i)
         next.push_back(makeRow(sections[i], false, context));
@@ -97,6 +101,13 @@ const BriefingItem* BriefColumnModel::item(int sectionId, int index) const {
         if (row.header.sectionId == sectionId) return row.cards->item(index);
     }
     return nullptr;
+}
+
+std::string_view BriefColumnModel::intro(int sectionId) const {
+    for (const Row& row : rows_) {
+        if (row.header.sectionId == sectionId) return row.header.intro;
+    }
+    return {};
 }
 
 int BriefColumnModel::rowCount(const QModelIndex& parent) const {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Clock.h"
@@ -47,6 +48,9 @@ public:
 
     /// A shown card by its section's id and its index there; null when there is none.
     const BriefingItem* item(int sectionId, int index) const;
+
+    /// The introduction of a shown section, as markdown; empty when there is none. Valid until the next `show`.
+    std::string_view intro(int sectionId) const;
 
     /// How many sections there are beyond those that are shown.
     int leftOut() const { return leftOut_; }

@@ -7,7 +7,6 @@
 
 #include "app/CardActions.h"
 #include "calendar/JoinLink.h"
-#include "views/InlineMarkdown.h"
 #include "views/MeetingText.h"
 
 namespace sunpane {
@@ -66,6 +65,11 @@ void CardPresenter::pointerLeft(const QString& key) {
     // A copy: the coordinator lets go of its own.
     const auto item = coordinator_.hoveredItem();
     if (item && !dragged_ && toQt(item->id()) == key) coordinator_.pointerLeft(*item);
+}
+
+void CardPresenter::cardGone(const QString& key) {
+    if (dragged_ && toQt(dragged_->id()) == key) cancelDrag();
+    pointerLeft(key);
 }
 
 void CardPresenter::dragTo(int sectionId, int index, qreal x) {
@@ -140,7 +144,9 @@ void CardPresenter::copyChosen() const {
 }
 
 void CardPresenter::addChosenToTodos() {
-    if (chosen_) card_actions::addToTodos(*chosen_, with_.viewModel.todoStore(), with_.viewModel.flagStore());
+    if (!chosen_) return;
+    emit todoComing();
+    card_actions::addToTodos(*chosen_, with_.viewModel.todoStore(), with_.viewModel.flagStore());
 }
 
 void CardPresenter::remindOfChosen(double time, const QString& rule) {
@@ -150,20 +156,22 @@ void CardPresenter::remindOfChosen(double time, const QString& rule) {
                               with_.viewModel.todoStore(), with_.viewModel.flagStore());
 }
 
+std::vector<InlineLink> CardPresenter::linksIn(int sectionId, int index) const {
+    if (index == introduction) return linksOf(column_.intro(sectionId));
+    const auto* item = column_.item(sectionId, index);
+    return item != nullptr ? linksOf(meeting_text::displayMarkdown(item->markdown())) : std::vector<InlineLink>();
+}
+
 QStringList CardPresenter::links(int sectionId, int index) const {
     QStringList labels;
-    const auto* item = column_.item(sectionId, index);
-    if (item == nullptr) return labels;
-    for (const auto& link : linksOf(meeting_text::displayMarkdown(item->markdown())))
+    for (const auto& link : linksIn(sectionId, index))
         labels.append(toQt(link.label));
     return labels;
 }
 
 void CardPresenter::openLink(int sectionId, int index, int link) const {
-    const auto* item = column_.item(sectionId, index);
-    if (item == nullptr || link < 0) return;
-    const auto links = linksOf(meeting_text::displayMarkdown(item->markdown()));
-    if (static_cast<std::size_t>(link) < links.size())
+    const auto links = linksIn(sectionId, index);
+    if (link >= 0 && static_cast<std::size_t>(link) < links.size())
         with_.workspace.openUrl(links[static_cast<std::size_t>(link)].url);
 }
 

@@ -12,6 +12,7 @@
 #include "notch/ItemSwipeCoordinator.h"
 #include "platform/Workspace.h"
 #include "views/BriefColumnModel.h"
+#include "views/InlineMarkdown.h"
 #include "views/SpringCurve.h"
 
 namespace sunpane {
@@ -55,6 +56,8 @@ public:
     Q_INVOKABLE void pointerEntered(int sectionId, int index);
     /// By its key, since the card may be gone.
     Q_INVOKABLE void pointerLeft(const QString& key);
+    /// The card is shown no more, even if it was being dragged.
+    Q_INVOKABLE void cardGone(const QString& key);
     /// A card is dragged sideways by `x` points from where it was.
     Q_INVOKABLE void dragTo(int sectionId, int index, qreal x);
     /// The card is let go of: far enough, and that counts as a swipe. Returns what happened, in words for the screen
@@ -80,7 +83,9 @@ public:
     /// `time` in seconds since 1970; `rule` as the todo store has it, empty for once.
     Q_INVOKABLE void remindOfChosen(double time, const QString& rule);
 
-    /// The words of the links in the card, in order.
+    /// Takes a card's place as the index where links are meant.
+    static constexpr int introduction = -1;
+    /// The words of the links in the card, or in the section's introduction, in order.
     Q_INVOKABLE QStringList links(int sectionId, int index) const;
     /// Opens the link of that number.
     Q_INVOKABLE void openLink(int sectionId, int index, int link) const;
@@ -91,6 +96,8 @@ signals:
     /// Comes before `swipeChanged`, so that a view knows how to follow it.
     void handChanged();
     void swipeChanged();
+    /// A card is about to be added to the todos.
+    void todoComing();
 
 private:
     void scheduleRefresh();
@@ -98,6 +105,7 @@ private:
     // Swipes a card by `x` points without showing it.
     QString swipe(const BriefingItem& item, double x);
     QString finishSwipe(const BriefingItem& item);
+    std::vector<InlineLink> linksIn(int sectionId, int index) const;
 
     Collaborators with_;
     const BriefColumnModel& column_;

@@ -59,7 +59,7 @@ class Cards(unittest.TestCase):
             self.desktop.wait_for(lambda: flags() == wanted, "the flags", 3)
         except AssertionError:
             self.assertEqual(flags(), wanted)
-        names = {"alpha-report": "Alpha report"}
+        names = {"alpha-report": "Alpha report", "beta-call": "Beta call"}
         feedback = self.read("feedback.json")
         self.assertEqual([entry["text"] for entry in feedback["prio"]], [names[key] for key in prio])
         self.assertEqual(feedback["cleared"], [names[key] for key in cleared])
@@ -187,7 +187,7 @@ class Cards(unittest.TestCase):
         self.swipe(1, 80)
         d.run("xdotool", "mousemove", str(HAND_X), str(CARD_Y[1]), "mousedown", "3")
         time.sleep(0.3)
-        d.key("Return")  # the button is still down
+        d.key("Down", "Return")  # the button is still down
         d.run("xdotool", "mouseup", "3")
         time.sleep(0.3)
         copied = subprocess.run(["timeout", "5", "xclip", "-o", "-selection", "clipboard"], env=d.environment,
@@ -195,7 +195,7 @@ class Cards(unittest.TestCase):
         self.assertEqual(copied, "Beta call")
         d.click(HAND_X, CARD_Y[1], button=3)
         time.sleep(0.3)
-        d.key("Down", "Return")
+        d.key("Down", "Down", "Return")
         d.wait_for(self.todos, "the todo")
         todo = self.todos()[0]
         self.assertEqual((todo["text"], todo["sourceItemKey"], todo["prio"]), ("Beta call", "beta-call", True))
@@ -243,6 +243,37 @@ class Cards(unittest.TestCase):
         self.assertTrue(d.report()["expanded"])
         d.run("xdotool", "mousemove", "100", "700", "sleep", "0.1", "mousemove", "110", "700")
         d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 3)
+
+    def test_a_card_that_goes_takes_its_drag_with_it(self):
+        d = self.desktop
+        d.drag((HAND_X, CARD_Y[0]), (HAND_X + 35, CARD_Y[0]), release=False)
+        d.write_briefing("2026-11-22.md", BRIEFING.replace("- **Alpha** report\n", ""))
+        d.wait_for(lambda: d.screenshot().card_count() == 4, "the card to go")
+        d.run("xdotool", "mouseup", "1")
+        time.sleep(0.3)
+        self.swipe(0, 72)
+        self.expect_flags(prio=["beta-call"])
+
+    def test_an_introductions_links_open(self):
+        d = self.desktop
+        d.write_briefing("2026-11-22.md", "# Morning\n### Plan\nSee [this page](https://example.org/intro)\n- Card\n")
+        d.wait_for(lambda: d.screenshot().card_count() == 1, "the other briefing")
+        time.sleep(0.5)
+        picture = d.screenshot()
+        link = next((x, y) for y in range(CARD_Y[0] - 30, CARD_Y[0] + 30) for x in range(CARD_LEFT, BRIEF_RIGHT - 40)
+                    if picture.at(x, y)[2] > picture.at(x, y)[0] + 100)
+
+        def opened():
+            with open(self.opened) as file:
+                return file.read().split()
+
+        d.click(link[0] + 3, link[1] + 3)
+        d.wait_for(lambda: os.path.exists(self.opened), "the browser")
+        self.click_into_panel()
+        for _ in range(12):
+            d.key("Tab", "o")
+        d.wait_for(lambda: len(opened()) > 1, "the browser by keyboard")
+        self.assertEqual(set(opened()), {"https://example.org/intro"})
 
     def test_flags_by_keyboard_alone(self):
         d = self.desktop

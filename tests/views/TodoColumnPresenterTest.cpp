@@ -3,14 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
 #include "views/TodoRules.h"
+#include "views/ViewModelFixture.h"
 
 namespace sunpane {
 namespace {
@@ -18,37 +12,12 @@ namespace {
 using ::testing::ElementsAre;
 using enum ScrollPhase;
 
-struct TodoColumnPresenterTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
-    LocalNotifications notifications;
-    testing::SimulatedAgenda agenda{platform, defaults};
-    testing::SimulatedPlayers players{platform};
-    testing::SimulatedPointer pointer;
-    ScrollSwipeHub hub{pointer};
-    NotchUndo undo;
-    std::optional<NotchViewModel> model;
+struct TodoColumnPresenterTest : testing::ViewModelFixture {
     std::optional<TodoColumnPresenter> column;
     std::vector<std::string> posted;
     std::vector<Subscription> observers;
 
     void SetUp() override {
-        defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock,
-                                                    platform.runLoop,
-                                                    notifications,
-                                                    defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles,
-                                                    agenda.fallback,
-                                                    agenda.meetings,
-                                                    players.nowPlaying});
         column.emplace(TodoColumnPresenter::Collaborators{*model, agenda.fallback, undo, platform.runLoop,
                                                           platform.clock, notifications, hub});
         for (const char* name : {notification::collapseNotch, notification::makeNotchKey})
@@ -124,6 +93,16 @@ TEST_F(TodoColumnPresenterTest, ACaptureTakesTheKeyboardAndFoldsAfterOneTodo) {
     platform.time.advance(1);
     EXPECT_EQ(focused, 3);
     EXPECT_FALSE(column->isCapturing());
+
+    // Folded by the pointer or the hotkey.
+    model->setExpanded(true);
+    notifications.post(notification::quickCaptureFocus);
+    platform.time.advance(1);
+    EXPECT_TRUE(column->isCapturing());
+    model->setExpanded(false);
+    platform.time.runPending();
+    EXPECT_FALSE(column->isCapturing());
+    EXPECT_EQ(ended, 3);
 }
 
 TEST_F(TodoColumnPresenterTest, TwoFingersFlagAndDeleteTheRowUnderThePointer) {

@@ -145,9 +145,9 @@ Flickable {
             color: Style.tertiaryText
             font.family: Style.family
             font.pixelSize: Style.captionSize
-            onVisibleChanged: Qt.callLater(rows.measure)
             Accessible.role: Accessible.StaticText
             Accessible.name: text
+            onVisibleChanged: Qt.callLater(rows.measure)
 
             Scrim {}
         }

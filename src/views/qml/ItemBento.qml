@@ -158,10 +158,10 @@ Item {
         }
     }
 
-    // Hidden, or folded away, under the pointer.
+    // Hidden, folded away or no longer in the file, perhaps under the pointer or in its hand.
     Component.onDestruction: {
         if (cards)
-            cards.pointerLeft(key);
+            cards.cardGone(key);
     }
 
     HoverHandler {

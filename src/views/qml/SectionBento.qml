@@ -168,6 +168,34 @@ Item {
 
             Text {
                 id: introText
+                // What the column asks of whatever has links: its section, and which card; this is none.
+                readonly property int sectionId: section.sectionId
+                readonly property int index: -1
+                readonly property bool inColumn: true
+                readonly property bool hasLinks: section.intro.includes("<a href")
+
+                activeFocusOnTab: hasLinks
+                Keys.onReturnPressed: section.host.openLinks(introText)
+                Keys.onEnterPressed: section.host.openLinks(introText)
+                Keys.onPressed: (event) => {
+                    event.accepted = event.key === Qt.Key_O && event.modifiers === Qt.NoModifier;
+                    if (event.accepted)
+                        section.host.openLinks(introText);
+                }
+                onLinkActivated: (link) => section.host.cards.openLink(sectionId, index, parseInt(link))
+
+                Accessible.role: Accessible.StaticText
+                Accessible.name: section.spokenIntro
+                Accessible.focusable: hasLinks
+                Accessible.onPressAction: section.host.openLinks(introText)
+
+                HoverHandler {
+                    cursorShape: introText.linkAt(point.position.x, point.position.y).length > 0 ? Qt.PointingHandCursor : Qt.ArrowCursor
+                }
+                FocusRing {
+                    control: introText
+                    radius: 4
+                }
                 linkColor: Style.link
                 x: Style.inset
                 width: parent.width - 2 * Style.inset
@@ -179,8 +207,6 @@ Item {
                 font.family: Style.family
                 font.pixelSize: Style.bodySize
                 lineHeight: 1.15
-                Accessible.role: Accessible.StaticText
-                Accessible.name: section.spokenIntro
             }
             Column {
                 id: stack

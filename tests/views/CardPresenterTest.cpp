@@ -1,0 +1,78 @@
+#include "views/CardPresenter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "views/ViewModelFixture.h"
+
+namespace sunpane {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+struct CardPresenterTest : testing::ViewModelFixture {
+    testing::SimulatedWorkspace workspace;
+    BriefColumnModel column;
+    CardPresenter cards{{*model, hub, undo, platform.runLoop, workspace}, column};
+
+    ItemFlagStore& flags() { return model->flagStore(); }
+    static BriefingSection section(int id, std::string intro, const std::vector<std::string>& texts) {
+        BriefingSection made{id, "Title", std::move(intro), {}};
+        for (const auto& text : texts)
+            made.items.emplace_back(text);
+        return made;
+    }
+    void show(const std::vector<std::string>& texts) {
+        column.show(nullptr, {section(0, "", texts)}, flags(), platform.clock);
+    }
+};
+
+TEST_F(CardPresenterTest, ADragActsOnNoOtherCardOnceItsOwnIsGone) {
+    show({"First", "Second"});
+    cards.pointerEntered(0, 0);
+    cards.dragTo(0, 0, 100);
+    show({"Second"});
+    cards.cardGone("first");
+    cards.pointerEntered(0, 0);
+    EXPECT_EQ(cards.drop(), "");  // the button comes up over what has moved there
+    cards.dragTo(0, 0, 100);
+    EXPECT_EQ(cards.drop(), "Marked as a priority");
+    EXPECT_TRUE(flags().isPrio("second"));
+    EXPECT_FALSE(flags().isPrio("first"));
+}
+
+TEST_F(CardPresenterTest, AnotherCardThatGoesLeavesADragAlone) {
+    show({"First", "Second"});
+    cards.dragTo(0, 1, 100);
+    cards.cardGone("first");
+    EXPECT_EQ(cards.drop(), "Marked as a priority");
+    EXPECT_TRUE(flags().isPrio("second"));
+}
+
+TEST_F(CardPresenterTest, LinksOfAnIntroductionOpen) {
+    column.show(nullptr, {section(4, "See [the **plan**](https://plan.example) and [x](file:///etc/passwd)", {"Card"})},
+                flags(), platform.clock);
+    EXPECT_THAT(cards.links(4, CardPresenter::introduction), ElementsAre("the plan"));
+    for (const int link : {-1, 0, 1})
+        cards.openLink(4, CardPresenter::introduction, link);
+    cards.openLink(5, CardPresenter::introduction, 0);
+    EXPECT_THAT(workspace.opened, ElementsAre("https://plan.example"));
+    EXPECT_THAT(cards.links(4, 0), IsEmpty());
+    EXPECT_EQ(column.data(column.index(0), BriefColumnModel::spokenIntroRole).toString(), "See the plan and x");
+}
+
+TEST_F(CardPresenterTest, ARecapWithNothingToShowHasNoBox) {
+    const auto recap = section(0, "", {"Done"});
+    column.show(&recap, {}, flags(), platform.clock);
+    EXPECT_EQ(column.count(), 1);
+    flags().hide(recap.items[0]);
+    column.show(&recap, {}, flags(), platform.clock);
+    EXPECT_EQ(column.count(), 0);
+    const auto told = section(0, "All went well.", {"Done"});
+    column.show(&told, {}, flags(), platform.clock);
+    EXPECT_EQ(column.count(), 1);
+}
+
+}  // namespace
+}  // namespace sunpane
