@@ -29,6 +29,7 @@ PanelPresenter::PanelPresenter(const Collaborators& collaborators, const Measure
     motionChanges_ = with_.motion.onChange([this] { scheduleRefresh(); });
     // The strip of what plays and the todos make the panel higher.
     connect(&nowPlaying_, &NowPlayingPresenter::changed, this, &PanelPresenter::changed);
+    connect(&cards_, &CardPresenter::todoComing, &todos_, &TodoColumnPresenter::makeRoom);
     connect(todos_.list(), &TodoListModel::countChanged, this, &PanelPresenter::changed);
     refresh();
 }

@@ -30,10 +30,7 @@ TodoColumnPresenter::TodoColumnPresenter(const Collaborators& collaborators)
       self_(std::make_shared<TodoColumnPresenter*>(this)) {
     captureRequests_ =
         with_.notifications.observe(notification::quickCaptureFocus, [this](const auto&) { beginCapture(); });
-    collapses_ = with_.notifications.observe(notification::collapseNotch, [this](const auto&) {
-        captureFocus_ = {};
-        if (std::exchange(capturing_, false)) emit captureEnded();
-    });
+    collapses_ = with_.notifications.observe(notification::collapseNotch, [this](const auto&) { endCapture(); });
     storeChanges_ = todos().onWillChange([this] { scheduleRefresh(); });
     modelChanges_ = with_.viewModel.onWillChange([this] { scheduleRefresh(); });
     scrolling_ = with_.scrollSwipes.add([this](const ScrollEvent& event) { return takeScroll(event); });
@@ -73,7 +70,11 @@ void TodoColumnPresenter::refresh() {
     if (std::exchange(highlighted_, highlighted) != highlighted) emit highlightedChanged();
     const bool expanded = with_.viewModel.expanded();
     if (std::exchange(ticking_, expanded) != expanded) {
-        if (expanded) list_.timePassed();
+        if (expanded) {
+            list_.timePassed();
+        } else {
+            endCapture();
+        }
         clockTimer_ = expanded ? with_.runLoop.every(clockInterval, [this] { list_.timePassed(); }) : Subscription();
     }
     emit changed();
@@ -84,6 +85,11 @@ void TodoColumnPresenter::beginCapture() {
     // At once, so that a quick typist loses no letter, and again when the panel has opened.
     emit captureFocusRequested();
     captureFocus_ = with_.runLoop.after(captureDelay, [this] { emit captureFocusRequested(); });
+}
+
+void TodoColumnPresenter::endCapture() {
+    captureFocus_ = {};
+    if (std::exchange(capturing_, false)) emit captureEnded();
 }
 
 void TodoColumnPresenter::moveWith(const Spring& spring) {
@@ -273,6 +279,10 @@ void TodoColumnPresenter::moveTo(const QString& id, int row) {
     refresh();
     if (const auto index = todos().indexOf(todo->id))
         emit announced(tr("Moved to place %1 of %2").arg(*index + 1).arg(todos().todos().size()));
+}
+
+void TodoColumnPresenter::makeRoom() {
+    moveWith(flagSpring);
 }
 
 void TodoColumnPresenter::addDropped(const QString& text) {

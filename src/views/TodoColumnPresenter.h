@@ -109,6 +109,8 @@ public:
     /// Moves to a row that one of the two told.
     Q_INVOKABLE void moveTo(const QString& id, int row);
     Q_INVOKABLE void addDropped(const QString& text);
+    /// A card of the briefing is about to become a todo: the rows that give way to it move as for a dropped one.
+    void makeRoom();
 
 signals:
     void changed();
@@ -127,6 +129,8 @@ private:
     void scheduleRefresh();
     void refresh();
     void beginCapture();
+    // Whatever folds the panel ends the capture, or the next todo that is typed would fold it too.
+    void endCapture();
     // What follows moves with this spring.
     void moveWith(const Spring& spring);
     std::optional<Todo> find(const QString& id);
