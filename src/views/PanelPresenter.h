@@ -57,6 +57,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(sunpane::SpringCurve foldSpring READ foldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve accordionSpring READ accordionSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve scheduleSpring READ scheduleSpring CONSTANT)
+    Q_PROPERTY(sunpane::SpringCurve menuSpring READ menuSpring CONSTANT)
 
 public:
     struct Collaborators {
@@ -120,6 +121,7 @@ public:
     SpringCurve foldSpring() const { return foldSpring_; }
     SpringCurve accordionSpring() const { return accordionSpring_; }
     SpringCurve scheduleSpring() const { return scheduleSpring_; }
+    SpringCurve menuSpring() const { return menuSpring_; }
 
     Q_INVOKABLE void older() { with_.viewModel.older(); }
     Q_INVOKABLE void newer() { with_.viewModel.newer(); }
@@ -175,6 +177,7 @@ private:
     SpringCurve foldSpring_{NotchViewModel::folding};
     SpringCurve accordionSpring_{Spring{0.35, 0.78}};
     SpringCurve scheduleSpring_{MeetingWatcher::animation};
+    SpringCurve menuSpring_{Spring{0.3, 0.8}};
     std::optional<Meeting> meeting_;
     QString meetingTitle_;
     QString meetingTime_;

@@ -71,7 +71,7 @@ class Todos(unittest.TestCase):
     def choose(self, row, action):
         self.desktop.click(TEXT_X, row_y(row), button=3)
         time.sleep(0.3)
-        self.desktop.key(*["Down"] * action, "Return")
+        self.desktop.key(*["Down"] * (action + 1), "Return")
         time.sleep(0.3)
 
     def type(self, text):
@@ -155,7 +155,7 @@ class Todos(unittest.TestCase):
         self.expect_open("b", "a", "c")
 
         self.choose(0, REMIND)  # now the menu offers times
-        d.key("Down", "Return")
+        d.key("Down", "Down", "Return")
         d.wait_for(lambda: self.reminder(0)[0] is not None, "the reminder", 2)
         self.assertAlmostEqual(self.reminder(0)[0], 3 * 3600, delta=5)
         d.click(BADGE_X, row_y(0))  # the bell
@@ -172,7 +172,7 @@ class Todos(unittest.TestCase):
         d.wait_for(lambda: self.reminder(1)[0] is None, "the menu to clear it", 2)
         # A tick takes the reminder away for good.
         self.choose(2, REMIND)
-        d.key("Return")
+        d.key("Down", "Return")
         d.wait_for(lambda: self.reminder(2)[0] is not None, "the reminder", 2)
         d.click(TICK_X, row_y(2))
         self.expect_open("b", "a")

@@ -17,6 +17,8 @@ Item {
     property int current: -1
     // Where the keyboard goes afterwards: to the item, when the menu was opened from the keyboard.
     property Item returnTo: null
+    // While other entries take the place of those that were shown.
+    property bool switching: false
     // Where the pointer was when its way was first handed on. A trembling hand chooses nothing.
     property var heldAt: null
 
@@ -25,6 +27,7 @@ Item {
     z: 20
 
     function openAt(item, x, y, title, choices, byKeyboard) {
+        switching = false;
         name = title;
         heading = "";
         entries = choices;
@@ -36,7 +39,8 @@ Item {
         isOpen = true;
         place(item, x, y, y);
         sheet.forceActiveFocus();
-        current = 0;
+        const at = item.mapToItem(column, x, y);
+        current = byKeyboard ? 0 : rowAt(at.x, at.y);
     }
 
     // Opens below the item, or above it where there is no room, with no row chosen unless it was opened from the
@@ -44,34 +48,34 @@ Item {
     function openBeside(item, x, title, choices, byKeyboard) {
         openAt(item, x, item.height + 4, title, choices, byKeyboard);
         heading = title;
-        place(item, x, item.height + 4, -4 - sheet.height);
+        place(item, x, item.height + 4, -4 - sheet.fullHeight);
         if (!byKeyboard)
             current = -1;
     }
 
-    // Shows other entries in place.
+    // Shows other entries in place. A row is chosen at once only for the keyboard: the pointer is where it was by chance.
     function switchTo(title, choices) {
-        const hadRow = current >= 0;
+        switching = true;
         current = -1;
         name = title;
         heading = title;
         entries = choices;
         keepInside();
-        if (hadRow)
+        if (returnTo)
             current = 0;
     }
 
     function place(item, x, y, yAbove) {
         const at = item.mapToItem(menu, x, y);
         const above = item.mapToItem(menu, x, yAbove).y;
-        if (at.y + sheet.height > height - 8) {
+        if (at.y + sheet.fullHeight > height - 8) {
             if (above >= 8)
                 at.y = above;
             else if (yAbove !== y)
                 at.x += besideHand;
         }
         sheet.x = Math.max(8, Math.min(at.x, width - sheet.width - 8));
-        sheet.y = Math.max(8, Math.min(at.y, height - sheet.height - 8));
+        sheet.y = Math.max(8, Math.min(at.y, height - sheet.fullHeight - 8));
     }
 
     function close() {
@@ -122,7 +126,7 @@ Item {
 
     // The briefing may change, and the panel's height with it, while a menu is open.
     function keepInside() {
-        sheet.y = Math.max(8, Math.min(sheet.y, height - sheet.height - 8));
+        sheet.y = Math.max(8, Math.min(sheet.y, height - sheet.fullHeight - 8));
     }
     onHeightChanged: keepInside()
 
@@ -164,8 +168,25 @@ Item {
         id: sheet
         width: Math.min(menu.width - 16, Math.max(190, headingText.implicitWidth + 28))
         // Known at once, before the rows are laid out.
-        height: headingHeight + menu.entries.length * menu.rowHeight + 8
+        readonly property real fullHeight: headingHeight + menu.entries.length * menu.rowHeight + 8
+        height: fullHeight
+        clip: true
         readonly property int headingHeight: menu.heading.length > 0 ? 24 : 0
+
+        Behavior on height {
+            enabled: menu.switching
+            NumberAnimation {
+                duration: menu.presenter.menuSpring.duration
+                easing: menu.presenter.menuSpring.curve
+            }
+        }
+        Behavior on y {
+            enabled: menu.switching
+            NumberAnimation {
+                duration: menu.presenter.menuSpring.duration
+                easing: menu.presenter.menuSpring.curve
+            }
+        }
 
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
