@@ -217,7 +217,7 @@ def cards_and_menus():
 
         stage.click(TODO_X, todo_y(2), button=3)
         time.sleep(0.3)
-        stage.key("Down")
+        stage.key("Down", "Down")
         yield "todo-actions", stage.picture()
     finally:
         stage.close()

@@ -235,7 +235,8 @@ class Todos(unittest.TestCase):
     def test_a_long_todo_is_edited_whole(self):
         d = self.desktop
         self.open_panel(todo("a " + "very " * 600 + "long one"))
-        self.choose(0, EDIT)
+        d.click(*FIELD)
+        d.key("Down", "F2")
         d.key("End")
         self.type(" indeed")
         d.key("Return")
