@@ -245,7 +245,8 @@ class Todos(unittest.TestCase):
     def test_an_edit_survives_the_end_of_the_program(self):
         d = self.desktop
         self.open_panel(todo("Call"))
-        self.choose(0, EDIT)
+        d.click(*FIELD)
+        d.key("Down", "F2")
         self.type("Call Anna")
         d.program.terminate()
         self.assertEqual(d.program.wait(5), 0)
