@@ -64,6 +64,8 @@ void AppDelegate::moveToApplications(const std::function<void()>& otherwise) {
 }
 
 void AppDelegate::finishLaunching() {
+    // First, because the question for the calendars lies above the tour, and the last window gets the keyboard.
+    if (!with_.defaults.read<bool>(onboarding::didCompleteOnboardingKey).valueOr(false)) steps_.showTour();
     with_.calendar.ensureAccess([weak = std::weak_ptr(self_)](bool) {
         const auto self = weak.lock();
         if (!self) return;
@@ -71,7 +73,6 @@ void AppDelegate::finishLaunching() {
         if (delegate.with_.calendars.access() == CalendarAccess::notDetermined)
             delegate.showCalendarRequestSwallowedAlert();
     });
-    if (!with_.defaults.read<bool>(onboarding::didCompleteOnboardingKey).valueOr(false)) steps_.showTour();
 }
 
 void AppDelegate::showCalendarRequestSwallowedAlert() {

@@ -1,5 +1,6 @@
 #include "dawnly/PanelAssembly.h"
 
+#include <QCoreApplication>
 #include <cstdint>
 #include <utility>
 
@@ -33,6 +34,7 @@ PanelAssembly::PanelAssembly(PanelPresenter::Collaborators collaborators, PanelB
     : collaborators_(collaborators), background_(std::move(background)), events_(events) {
     RootWindow::registerTypes();
     engine_.addImportPath(QStringLiteral("qrc:/"));
+    QObject::connect(&engine_, &QQmlEngine::quit, qApp, &QCoreApplication::quit);
 }
 
 std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& notchSize, double cardWidth,

@@ -68,7 +68,6 @@ public:
     void connectCalendar();
     void openCalendarSettings();
     void openAccountSettings() { with_.workspace.openAccountSettings(); }
-    void quit() { with_.workspace.terminate(); }
 
     /// The tour was gone through and does not come back.
     void complete();

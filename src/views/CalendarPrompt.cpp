@@ -1,5 +1,6 @@
 #include "views/CalendarPrompt.h"
 
+#include <QCoreApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
@@ -22,13 +23,22 @@ void CalendarPrompt::ask(std::function<void(CalendarAccess)> answer) {
     auto* window = qobject_cast<QQuickWindow*>(window_.get());
     if (window == nullptr) qFatal("%s", qPrintable(component.errorString()));
     connect(window, SIGNAL(answered(QString)), this, SLOT(take(QString)));
+    // Ending the program closes its windows, which elsewhere is a refusal.
+    qApp->installEventFilter(this);
+    connect(engine_.get(), &QQmlEngine::quit, qApp, &QCoreApplication::quit);
     window->show();
     window->requestActivate();
+}
+
+bool CalendarPrompt::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::Quit) answer_ = nullptr;
+    return false;
 }
 
 void CalendarPrompt::take(const QString& choice) {
     const auto answer = std::exchange(answer_, nullptr);
     if (!answer) return;  // closing the window after a choice
+    qApp->removeEventFilter(this);
     // This runs inside the window's own signal, which must return before it goes.
     window_->setProperty("visible", false);
     window_.release()->deleteLater();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <QString>
 #include <functional>
@@ -23,6 +24,9 @@ public:
     /// Shows the window and calls `answer` with what was chosen: full, `writeOnly` or `denied`, which closing the
     /// window also means. Not while another question is open.
     void ask(std::function<void(CalendarAccess)> answer);
+
+    /// A question that is open when the program ends stays unanswered.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private slots:
     void take(const QString& choice);

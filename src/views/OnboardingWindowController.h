@@ -52,7 +52,6 @@ public:
     Q_INVOKABLE void openCalendarSettings() { tour_.openCalendarSettings(); }
     Q_INVOKABLE void openAccountSettings() { tour_.openAccountSettings(); }
     Q_INVOKABLE void complete() { tour_.complete(); }
-    Q_INVOKABLE void quit() { tour_.quit(); }
 
 signals:
     void changed();

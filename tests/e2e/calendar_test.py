@@ -100,6 +100,19 @@ class Calendar(unittest.TestCase):
         self.assertIsNone(self.prompt())
         self.assertEqual(d.report()["briefings"], 0)
 
+    def test_the_question_has_the_keyboard_before_the_tour_and_ending_the_program_answers_nothing(self):
+        self.desktop = d = Desktop(window_manager=True, calendar_access=None, settings={"didCompleteOnboarding": False})
+        self.addCleanup(d.close)
+        for end in (lambda program: program.terminate(), lambda program: d.key("ctrl+q")):
+            program = d.start_program()
+            d.wait_for(lambda: d.search("Welcome to Dawnly"), "the tour")
+            d.wait_for(lambda: self.prompt() and d.focused_window() == self.prompt(), "the question to have the keyboard")
+            time.sleep(0.5)
+            self.assertEqual(d.focused_window(), self.prompt())
+            end(program)
+            self.assertEqual(program.wait(5), 0)
+            self.assertIsNone(self.remembered_access())
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Window
 
 // A message with one or two answers. Closing the window gives the second.
-Window {
+ProgramWindow {
     id: alert
 
     required property string message
@@ -17,14 +16,15 @@ Window {
     maximumWidth: width
     minimumHeight: height
     maximumHeight: height
-    flags: Qt.Dialog | Qt.WindowStaysOnTopHint
-    title: "Dawnly"
-    color: Style.panelBottom
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + (Screen.height - height) / 3
+    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowSystemMenuHint | Qt.WindowCloseButtonHint
+        | Qt.WindowStaysOnTopHint
+    lift: 1 / 3
 
     // The window's size must be known before it is shown.
-    Component.onCompleted: content.forceLayout()
+    Component.onCompleted: {
+        content.forceLayout();
+        place();
+    }
     onClosing: answered(false)
 
     FocusScope {
@@ -67,7 +67,7 @@ Window {
                 layoutDirection: Qt.RightToLeft
                 spacing: Style.gap
 
-                PromptButton {
+                LabelButton {
                     id: first
                     focus: true
                     width: second.visible ? (parent.width - parent.spacing) / 2 : parent.width
@@ -75,7 +75,7 @@ Window {
                     suggested: true
                     onClicked: alert.answered(true)
                 }
-                PromptButton {
+                LabelButton {
                     id: second
                     visible: text.length > 0
                     width: (parent.width - parent.spacing) / 2

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Window
 import Sunpane
 
 // Asks the user whether the calendars may be read.
-Window {
+ProgramWindow {
     id: prompt
 
     signal answered(string choice)
@@ -14,14 +13,16 @@ Window {
     maximumWidth: width
     minimumHeight: height
     maximumHeight: height
-    flags: Qt.Dialog | Qt.WindowStaysOnTopHint
+    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowSystemMenuHint | Qt.WindowCloseButtonHint
+        | Qt.WindowStaysOnTopHint
     title: qsTr("Calendar access")
-    color: Style.panelBottom
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + (Screen.height - height) / 3
+    lift: 1 / 3
 
     // The window's size must be known before it is shown.
-    Component.onCompleted: content.forceLayout()
+    Component.onCompleted: {
+        content.forceLayout();
+        place();
+    }
     onClosing: answered("denied")
 
     FocusScope {
@@ -70,7 +71,7 @@ Window {
                 width: 1
                 height: 4
             }
-            PromptButton {
+            LabelButton {
                 id: allow
                 focus: true
                 width: parent.width
@@ -78,12 +79,12 @@ Window {
                 suggested: true
                 onClicked: prompt.answered("full")
             }
-            PromptButton {
+            LabelButton {
                 width: parent.width
                 text: qsTr("Only Add Events")
                 onClicked: prompt.answered("writeOnly")
             }
-            PromptButton {
+            LabelButton {
                 width: parent.width
                 text: qsTr("Don't Allow")
                 onClicked: prompt.answered("denied")

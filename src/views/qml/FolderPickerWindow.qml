@@ -1,22 +1,20 @@
 import QtQuick
-import QtQuick.Window
 import Sunpane
 
 // Walks through folders, or takes a path that is typed.
-Window {
+ProgramWindow {
     id: dialog
 
     required property var picker
 
-    width: Math.min(520, Screen.desktopAvailableWidth - 24)
-    height: Math.min(440, Screen.desktopAvailableHeight - 56)
+    width: Math.min(520, Screen.width - 24)
+    height: Math.min(440, Screen.height - 56)
     minimumWidth: 360
     minimumHeight: 280
     flags: Qt.Dialog
     title: qsTr("Choose Folder")
-    color: Style.panelBottom
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + Math.max(28, (Screen.height - height) / 3)
+    lift: 1 / 3
+    leastTop: 28
 
     onClosing: picker.cancel()
     Component.onCompleted: path.takeFocus()

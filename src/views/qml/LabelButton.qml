@@ -1,7 +1,7 @@
 import QtQuick
 import Sunpane
 
-// A button with words, and a symbol before them where one is given.
+// A button with words, and a symbol before them where one is given; filled when it is the answer that is suggested.
 Item {
     id: button
 
@@ -17,6 +17,7 @@ Item {
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.focusable: true
+    Accessible.defaultButton: suggested
     Accessible.onPressAction: clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
@@ -58,8 +59,9 @@ Item {
     }
     FocusRing {
         control: button
-        anchors.margins: -2
-        radius: 10
+        // The accent would not show on itself.
+        anchors.margins: button.suggested ? -4 : -2
+        radius: 8 - anchors.margins
     }
     MouseArea {
         id: area

@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Window
 
 // The welcome tour: three steps in a window without a frame, which is moved by its background.
-Window {
+ProgramWindow {
     id: window
 
     required property var tour
@@ -10,22 +9,11 @@ Window {
     // Room for the shadow, which no window manager draws around a window without a frame.
     readonly property real shadow: 20
 
-    width: Math.min(560 + 2 * shadow, Screen.desktopAvailableWidth)
-    height: Math.min(680 + 2 * shadow, Screen.desktopAvailableHeight)
+    width: Math.min(560 + 2 * shadow, Screen.width)
+    height: Math.min(680 + 2 * shadow, Screen.height)
     flags: Qt.Window | Qt.FramelessWindowHint
     title: qsTr("Welcome to Dawnly")
     color: "transparent"
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + (Screen.height - height) / 2
-
-    Shortcut {
-        sequence: "Ctrl+Q"
-        onActivated: window.tour.quit()
-    }
-    Shortcut {
-        sequence: "Ctrl+W"
-        onActivated: window.close()
-    }
 
     Repeater {
         model: window.shadow
@@ -93,7 +81,7 @@ Window {
                 width: parent.width - 72
                 spacing: 10
 
-                PromptButton {
+                LabelButton {
                     id: next
                     focus: true
                     width: parent.width

@@ -115,7 +115,7 @@ FocusScope {
         Item {
             width: parent.width
             height: confirm.implicitHeight + 4
-            PromptButton {
+            LabelButton {
                 id: clear
                 y: 4
                 width: 76
@@ -123,7 +123,7 @@ FocusScope {
                 text: qsTr("Clear")
                 onClicked: form.owner.clearReminder()
             }
-            PromptButton {
+            LabelButton {
                 id: cancel
                 y: 4
                 width: 76
@@ -132,7 +132,7 @@ FocusScope {
                 text: qsTr("Cancel")
                 onClicked: form.owner.close()
             }
-            PromptButton {
+            LabelButton {
                 id: confirm
                 y: 4
                 width: 128

@@ -43,12 +43,15 @@ PageScroll {
         title: qsTr("Todo calendars")
 
         Repeater {
-            model: page.presenter.calendars
+            // By number: the list is a new one after every change, and whoever has the keyboard must keep it.
+            model: page.presenter.calendars.length
             SettingToggle {
-                required property var modelData
-                text: modelData.title
-                checked: page.presenter.todoCalendars.indexOf(modelData.identifier) >= 0
-                onToggled: (on) => page.presenter.setTodoCalendar(modelData.identifier, on)
+                required property int index
+                // One that is about to go finds none.
+                readonly property var calendar: page.presenter.calendars[index] ?? { identifier: "", title: "" }
+                text: calendar.title
+                checked: page.presenter.todoCalendars.indexOf(calendar.identifier) >= 0
+                onToggled: (on) => page.presenter.setTodoCalendar(calendar.identifier, on)
             }
         }
         BodyText {

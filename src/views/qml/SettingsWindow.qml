@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Window
 
 // The settings: a list of pages, and the page that is chosen.
-Window {
+ProgramWindow {
     id: settings
 
     required property var presenter
@@ -15,26 +14,13 @@ Window {
     ]
 
     // Smaller only where the screen is, as one with large letters.
-    width: Math.min(680, Screen.desktopAvailableWidth - 24)
-    height: Math.min(520, Screen.desktopAvailableHeight - 56)
+    width: Math.min(680, Screen.width - 24)
+    height: Math.min(520, Screen.height - 56)
     minimumWidth: width
     maximumWidth: width
     minimumHeight: height
     maximumHeight: height
-    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowSystemMenuHint | Qt.WindowCloseButtonHint
-    title: "Dawnly"
-    color: Style.panelBottom
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + Math.max(28, (Screen.height - height) / 2)
-
-    Shortcut {
-        sequence: "Ctrl+Q"
-        onActivated: settings.presenter.quit()
-    }
-    Shortcut {
-        sequence: "Ctrl+W"
-        onActivated: settings.close()
-    }
+    leastTop: 28
 
     Component {
         id: appearance
