@@ -39,8 +39,8 @@ Item {
         isOpen = true;
         place(item, x, y, y);
         sheet.forceActiveFocus();
-        const at = item.mapToItem(column, x, y);
-        current = byKeyboard ? 0 : rowAt(at.x, at.y);
+        // Where there is no room the menu is pushed under the pointer; no row is meant by that.
+        current = byKeyboard ? 0 : -1;
     }
 
     // Opens below the item, or above it where there is no room, with no row chosen unless it was opened from the
@@ -49,8 +49,6 @@ Item {
         openAt(item, x, item.height + 4, title, choices, byKeyboard);
         heading = title;
         place(item, x, item.height + 4, -4 - sheet.fullHeight);
-        if (!byKeyboard)
-            current = -1;
     }
 
     // Shows other entries in place. A row is chosen at once only for the keyboard: the pointer is where it was by chance.
