@@ -1,12 +1,12 @@
 #include "linux/system/SingleInstance.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <fstream>
 #include <functional>
 #include <iterator>
 #include <thread>
@@ -80,7 +80,7 @@ TEST_F(SingleInstanceTest, ANewerCopyWaitsUntilTheOlderOneHasWrittenEverything) 
     Copy older([this] {
         std::signal(SIGTERM, [](int) {
             usleep(200'000);
-            std::ofstream(written) << "all";
+            close(open(written.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
             _exit(7);
         });
         hold();
