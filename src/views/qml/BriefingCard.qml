@@ -37,6 +37,8 @@ Item {
             }
         ], false);
         menu.returnTo = item;
+        if (item)
+            menu.current = 0;
     }
     function openMenuFromKeyboard(item) {
         openMenu(header.x, header.y + header.height, item);
