@@ -123,6 +123,8 @@ class Themes(unittest.TestCase):
     def test_the_panel_shows_what_is_behind_it_while_it_is_open(self):
         d = self.desktop(notchTheme="glass", **{"translucency.glass": 1.0})
         program = d.start_program()
+        # What the panel shows is made when the pointer comes near, and the toolkit's own threads with it.
+        d.move(NOTCH[0], 150)
         time.sleep(1)
         folded_threads = threads(program)
         self.unfold(d)
