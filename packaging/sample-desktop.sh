@@ -22,6 +22,10 @@ sample_day() {
     >"$HOME/.local/share/dawnly/calendars/Work.ics"
 }
 
+evening_sky() {
+  hsetroot -add '#34446f' -add '#b0667e' -add '#e8b478' -gradient 0
+}
+
 compositor() {
   picom --backend xrender --config /dev/null >/dev/null 2>&1 &
   children+=($!)
@@ -39,15 +43,23 @@ wait_for_panel() {
   return 1
 }
 
-# open_panel PROGRAM: starts it and unfolds the panel; `panel` is its process.
+# open_panel PROGRAM BRIEFINGS: starts it, waits until it shows that many briefings, and unfolds the panel. `panel` is its
+# process, `middle` the middle of the screen.
 open_panel() {
+  local width
+  read -r width _ < <(xdotool getdisplaygeometry)
+  middle=$((width / 2))
   xdotool mousemove 100 700
   "$1" &
   panel=$!
   children+=("$panel")
-  wait_for_panel '"briefings":2'
-  xdotool mousemove 640 8
+  wait_for_panel "\"briefings\":$2"
+  unfold
+}
+
+unfold() {
+  xdotool mousemove "$middle" 8
   wait_for_panel '"expanded":true'
-  xdotool mousemove 640 60
+  xdotool mousemove "$middle" 60
   sleep 1
 }

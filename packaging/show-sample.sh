@@ -6,7 +6,7 @@ program=$1 picture=$2
 source "$(dirname "$(readlink -f "$0")")/sample-desktop.sh"
 
 sample_day
-hsetroot -add '#34446f' -add '#b0667e' -add '#e8b478' -gradient 0
+evening_sky
 compositor
-open_panel "$program"
+open_panel "$program" 2
 import -window root "$picture"

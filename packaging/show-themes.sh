@@ -14,7 +14,7 @@ for translucency in 0.2 0.6 1.0; do
   for theme in glass haze sun dusk custom dark; do
     settings ", \"notchTheme\": \"$theme\", \"translucency.$theme\": $translucency,
       \"customTopHex\": 1143146, \"customBottomHex\": 8270591"
-    open_panel "$program"
+    open_panel "$program" 2
     tile=$HOME/$translucency-$theme.png
     import -window root "$HOME/screen.png"
     convert "$HOME/screen.png" -crop 840x540+220+0 +repage -resize 50% -set label "$theme, translucency $translucency" "$tile"
