@@ -151,6 +151,7 @@ void CardPresenter::addChosenToTodos() {
 
 void CardPresenter::remindOfChosen(double time, const QString& rule) {
     if (!chosen_) return;
+    emit todoComing();
     card_actions::setReminder(*chosen_, Instant::fromUnix(time),
                               rule.isEmpty() ? std::nullopt : std::optional(rule.toStdString()),
                               with_.viewModel.todoStore(), with_.viewModel.flagStore());

@@ -62,6 +62,19 @@ TEST_F(CardPresenterTest, LinksOfAnIntroductionOpen) {
     EXPECT_EQ(column.data(column.index(0), BriefColumnModel::spokenIntroRole).toString(), "See the plan and x");
 }
 
+TEST_F(CardPresenterTest, TheTodosMakeRoomForACardBeforeItComes) {
+    show({"First"});
+    std::vector<std::size_t> todosThen;
+    QObject::connect(&cards, &CardPresenter::todoComing,
+                     [&] { todosThen.push_back(model->todoStore().todos().size()); });
+    cards.choose(0, 0);
+    cards.remindOfChosen(platform.clock.now().unixTime() + 60, "");
+    EXPECT_THAT(todosThen, ElementsAre(0U));
+    model->todoStore().remove(model->todoStore().todos().front().id);
+    cards.addChosenToTodos();
+    EXPECT_THAT(todosThen, ElementsAre(0U, 0U));
+}
+
 TEST_F(CardPresenterTest, ARecapWithNothingToShowHasNoBox) {
     const auto recap = section(0, "", {"Done"});
     column.show(&recap, {}, flags(), platform.clock);
