@@ -257,13 +257,14 @@ void NotchViewModel::setReminderUIOpen(int count) {
     reminderUIOpen_ = std::max(count, 0);
 }
 
-void NotchViewModel::reportBriefContentHeight(double height) {
+bool NotchViewModel::reportBriefContentHeight(double height) {
     const double measured = std::max(height, 1.0);
-    if (std::abs(briefContentHeight_ - measured) <= 0.5) return;
+    if (std::abs(briefContentHeight_ - measured) <= 0.5) return false;
     postToMain([measured](NotchViewModel& model) {
         model.announceChange();
         model.briefContentHeight_ = measured;
     });
+    return true;
 }
 
 }  // namespace sunpane

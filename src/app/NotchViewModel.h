@@ -116,8 +116,8 @@ public:
     /// The measured height (points) of the briefing column's content; 0 until it was measured.
     double briefContentHeight() const { return briefContentHeight_; }
     /// Takes a new measurement. Anything below 1 counts as 1, and a change of half a point or less is ignored, which
-    /// keeps the panel from oscillating.
-    void reportBriefContentHeight(double height);
+    /// keeps the panel from oscillating. Whether it is taken, which happens on the main loop.
+    bool reportBriefContentHeight(double height);
 
 private:
     bool holds(Instant until, Seconds longest) const;

@@ -127,7 +127,8 @@ public:
     Q_INVOKABLE void newer() { with_.viewModel.newer(); }
     /// Opens the section with that id and folds the one that was open, or folds it when it was the open one.
     Q_INVOKABLE void toggleSection(int id);
-    Q_INVOKABLE void reportContentHeight(qreal height) { with_.viewModel.reportBriefContentHeight(height); }
+    /// Whether that is another height than was known.
+    Q_INVOKABLE bool reportContentHeight(qreal height) { return with_.viewModel.reportBriefContentHeight(height); }
 
     Q_INVOKABLE void joinMeeting();
     /// An open menu or sheet keeps the panel from folding. Each says when it opens, and once when it closes.

@@ -31,6 +31,13 @@ Flickable {
             contentY = Math.min(contentHeight - height, top + item.height - height + Style.gap);
     }
 
+    // Lays everything out now instead of before the next frame. Whether it has another height than was known.
+    function settle() {
+        for (let i = 0; i < sections.count; ++i)
+            sections.itemAt(i)?.settle();
+        return rows.measure();
+    }
+
     // A card may be higher than the panel.
     Keys.onPressed: (event) => {
         const lowest = Math.max(0, contentHeight - height);
@@ -118,8 +125,7 @@ Flickable {
             if (hiddenCards.visible)
                 total += hiddenCards.implicitHeight + spacing;
             settledHeight = total;
-            if (total > 0)
-                column.presenter.reportContentHeight(total);
+            return total > 0 && column.presenter.reportContentHeight(total);
         }
 
         Repeater {

@@ -227,4 +227,7 @@ Item {
     function reveal(item) {
         column.reveal(item);
     }
+    function settle() {
+        return column.settle();
+    }
 }

@@ -39,12 +39,23 @@ FocusScope {
 
     onOpenChanged: {
         motion.stop();
+        start.stop();
         const spring = open ? presenter.unfoldSpring : presenter.foldSpring;
         motion.to = open ? 1 : 0;
         motion.duration = Style.motion(spring);
         motion.easing = spring.curve;
         content.active = true;
-        motion.start();
+        // A briefing that was never laid out tells its height now, so that the panel goes straight to it.
+        if (open && content.item.settle())
+            start.start();
+        else
+            motion.start();
+    }
+    // A frame later that height has arrived.
+    Timer {
+        id: start
+        interval: 16
+        onTriggered: motion.start()
     }
 
     Binding {
@@ -130,6 +141,7 @@ FocusScope {
     // and given up when the panel was left alone for a while.
     function makeContent() {
         content.active = true;
+        content.item.settle();
         idle.restart();
     }
     Timer {

@@ -33,6 +33,11 @@ Item {
     implicitHeight: targetHeight
     clip: true
 
+    function settle() {
+        if (body.item)
+            body.item.settle();
+    }
+
     // Priorities that the briefing misses come in where everything else stands.
     Component.onCompleted: {
         if (missed && animated)
@@ -160,6 +165,9 @@ Item {
 
         sourceComponent: Item {
             implicitHeight: stack.y + stack.height + Style.inset
+            function settle() {
+                stack.forceLayout();
+            }
             opacity: section.unfolded ? 1 : 0
             Behavior on opacity {
                 enabled: section.animated
