@@ -47,7 +47,8 @@ std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& 
         auto root = std::make_unique<RootWindow>(engine_, std::make_unique<PanelPresenter>(collaborators_, measures),
                                                  background_);
         root_ = root.get();
-        window_ = std::make_unique<X11PanelWindow>(std::move(root), frame, events_);
+        window_ = std::make_unique<X11PanelWindow>(std::move(root), frame, events_,
+                                                   [this] { return root_->presenter().expanded(); });
         QObject::connect(root_, &RootWindow::outlineChanged, window_.get(), &X11PanelWindow::setOutline);
         QObject::connect(window_.get(), &X11PanelWindow::unfoldingExpected, root_, &RootWindow::makeContent);
     }

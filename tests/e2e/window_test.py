@@ -55,6 +55,23 @@ class Keyboard(Windows):
         d.key("b")
         d.wait_for(lambda: self.neighbour.typed() == "ab", "both letters to reach the other window", 3)
 
+    def test_a_click_on_the_folded_notch_takes_no_keyboard(self):
+        d = self.desktop
+        self.start()
+        d.click(WIDTH // 2 - 90, 12)  # part of the notch, and yet too far out to open it
+        self.settle()
+        self.assertFalse(d.report()["expanded"])
+        d.key("a")
+        self.hover()
+        d.click(WIDTH // 2, 60)
+        d.wait_for(lambda: not self.neighbour.has_keyboard(), "the panel to take the keyboard", 2)
+        d.key("Escape")
+        self.wait_until(False)
+        d.wait_for(self.neighbour.has_keyboard, "the keyboard to go back", 2)
+        d.click(*NOTCH)  # in the moment in which it does not open again
+        d.key("b")
+        d.wait_for(lambda: self.neighbour.typed() == "ab", "both letters to reach the other window", 3)
+
     def test_the_hotkey_takes_the_keyboard_and_gives_it_back(self):
         d = self.desktop
         self.start()

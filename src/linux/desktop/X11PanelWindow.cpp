@@ -53,8 +53,9 @@ void setBlurRegion(xcb_window_t window, xcb_atom_t property, const std::vector<x
 
 }  // namespace
 
-X11PanelWindow::X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events)
-    : window_(std::move(window)), events_(events) {
+X11PanelWindow::X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events,
+                               std::function<bool()> isOpen)
+    : window_(std::move(window)), events_(events), isOpen_(std::move(isOpen)) {
     window_->setFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint |
                       Qt::NoDropShadowWindowHint);
     window_->setGeometry(coordinates::fromScreenPoints(frame));
@@ -173,7 +174,8 @@ void X11PanelWindow::applyShape() {
 }
 
 bool X11PanelWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress) makeKey();
+    // Nothing would take the keyboard from a folded notch again.
+    if (event->type() == QEvent::MouseButtonPress && isOpen_()) makeKey();
     return QObject::eventFilter(watched, event);
 }
 

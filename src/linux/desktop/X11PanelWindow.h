@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPolygonF>
 #include <QWindow>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -15,14 +16,15 @@ namespace sunpane {
 /// WindowSpaces keeps it above everything.
 ///
 /// Clicks beside the visible outline reach what lies below: with a compositor the outline is the window's input
-/// shape and the rest stays transparent; without one it is the window's bounding shape. A click on the panel gives it
-/// the keyboard; folding hands the keyboard back to the window that had it.
+/// shape and the rest stays transparent; without one it is the window's bounding shape. A click on the open panel gives
+/// it the keyboard; folding hands the keyboard back to the window that had it.
 class X11PanelWindow : public QObject, public PanelWindow {
     Q_OBJECT
 
 public:
-    /// Takes over `window`, which draws the panel's content and has an alpha channel.
-    X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events);
+    /// Takes over `window`, which draws the panel's content and has an alpha channel. `isOpen` tells whether the panel
+    /// is unfolded, as long as this lives.
+    X11PanelWindow(std::unique_ptr<QWindow> window, const Rect& frame, X11Events& events, std::function<bool()> isOpen);
     ~X11PanelWindow() override;
 
     std::uint64_t number() const override { return window_->winId(); }
@@ -54,6 +56,7 @@ private:
 
     std::unique_ptr<QWindow> window_;
     X11Events& events_;
+    std::function<bool()> isOpen_;
     QPolygonF outline_;
     std::optional<xcb_window_t> previousFocus_;  // since the panel took the keyboard
     xcb_timestamp_t keySince_ = XCB_CURRENT_TIME;

@@ -30,6 +30,7 @@ FocusScope {
 
     Shortcut {
         sequence: "Ctrl+Q"
+        enabled: root.open
         onActivated: root.presenter.quit()
     }
 
@@ -176,8 +177,14 @@ FocusScope {
     }
     Keys.onDownPressed: moveFocus(true)
     Keys.onUpPressed: moveFocus(false)
-    Keys.onLeftPressed: presenter.older()
-    Keys.onRightPressed: presenter.newer()
+    Keys.onLeftPressed: {
+        if (open)
+            presenter.older();
+    }
+    Keys.onRightPressed: {
+        if (open)
+            presenter.newer();
+    }
 
     Connections {
         target: root.Window.window
