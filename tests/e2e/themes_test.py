@@ -154,15 +154,24 @@ class Themes(unittest.TestCase):
     def test_a_compositor_that_blurs_is_asked_to(self):
         d = self.desktop(notchTheme="glass", **{"translucency.glass": 1.0})
         blur = "_KDE_NET_WM_BLUR_BEHIND_REGION"
+        d.start_program()
+        # Compositors say so when they are ready, and take it back when the user switches it off.
         d.run("xprop", "-root", "-format", blur, "32c", "-set", blur, "0")
-        screen = self.open_panel(d)
+        self.unfold(d)
+        screen = d.screenshot()
         window, = d.search("Dawnly")
-        region = d.run("xprop", "-id", window, blur).decode().partition("= ")[2].split(", ")
+
+        def asked():
+            return d.run("xprop", "-id", window, blur).decode().partition("= ")[2].split(", ")
+
+        region = asked()
         self.assertEqual(len(region) % 4, 0)
         self.assertGreater(max(int(number) for number in region), 600, "as wide as the card")
         # This compositor only says so: what is behind shows through as it is, with its hard edges.
         self.assertEqual(screen.at(MARGIN_X, 230), (0xFF, 0x5A, 0x8A))
         self.check_texts(screen, "blurred by the compositor")
+        d.run("xprop", "-root", "-remove", blur)
+        d.wait_for(lambda: asked() == [""], "the compositor not to be asked any more", 3)
 
 
 if __name__ == "__main__":

@@ -237,6 +237,10 @@ void X11Events::handleRootEvent(const xcb_generic_event_t& event, std::uint8_t t
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (change.window != screen_->root) return;
         if (change.atom == activeWindowAtom_) activeWindowChanged();
+        if (change.atom == blurAtom_) {
+            findBlur();
+            emit compositorChanged();
+        }
         emit rootPropertyChanged(change.atom);
     } else if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(event);

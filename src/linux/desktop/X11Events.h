@@ -60,6 +60,7 @@ signals:
     void mouseDownElsewhere();
     /// Another program's window became the active one.
     void applicationActivated();
+    /// A compositor came or went, or began or ceased to blur.
     void compositorChanged();
     /// A child of the root window was newly shown.
     void windowShown(xcb_window_t window);

@@ -169,7 +169,11 @@ void X11PanelWindow::applyShape() {
         setShape(id, XCB_SHAPE_SK_BOUNDING, rectangles);
         removeShape(id, XCB_SHAPE_SK_INPUT);
     }
-    if (events_.compositorBlurs()) setBlurRegion(id, events_.blurAtom(), rectangles);
+    if (events_.compositorBlurs()) {
+        setBlurRegion(id, events_.blurAtom(), rectangles);
+    } else if (events_.isConnected()) {
+        xcb_delete_property(toolkitConnection(), id, events_.blurAtom());
+    }
     xcb_flush(toolkitConnection());
 }
 
