@@ -270,6 +270,10 @@ int TodoColumnPresenter::rowBeside(int startRow, int rows) const {
     return dropRow(startRow, rows * todo_rules::rowHeight);
 }
 
+qreal TodoColumnPresenter::scrollSpeed(qreal y, qreal height, qreal dy) const {
+    return todo_rules::scrollSpeed(y, height, dy);
+}
+
 void TodoColumnPresenter::moveTo(const QString& id, int row) {
     const auto todo = find(id);
     if (!todo || row < 0) return;

@@ -106,6 +106,8 @@ public:
     Q_INVOKABLE int dropRow(int startRow, qreal dy) const;
     /// The same for the keyboard: `rows` further down.
     Q_INVOKABLE int rowBeside(int startRow, int rows) const;
+    /// How fast (points/s) the list scrolls under a row that is dragged to `y`, by `dy`.
+    Q_INVOKABLE qreal scrollSpeed(qreal y, qreal height, qreal dy) const;
     /// Moves to a row that one of the two told.
     Q_INVOKABLE void moveTo(const QString& id, int row);
     Q_INVOKABLE void addDropped(const QString& text);

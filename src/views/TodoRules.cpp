@@ -16,6 +16,15 @@ std::size_t dropIndex(std::size_t startIndex, double dy, std::size_t count) {
     return static_cast<std::size_t>(std::clamp(target, 0.0, static_cast<double>(count - 1)));
 }
 
+double scrollSpeed(double y, double height, double dy) {
+    const double zone = std::min(scrollZone, height / 3);
+    const double above = std::clamp((zone - y) / zone, 0.0, 1.0);
+    const double below = std::clamp((y - (height - zone)) / zone, 0.0, 1.0);
+    // Whoever lifts the last row in view to take it up must not see the list run away.
+    if (dy < 0) return -fastestScroll * above;
+    return dy > 0 ? fastestScroll * below : 0;
+}
+
 std::size_t landingIndex(const std::vector<Todo>& todos, std::size_t from, std::size_t target) {
     const auto isWith = [&todo = todos[from]](const Todo& other) {
         return other.done == todo.done && (todo.done || other.isPrio() == todo.isPrio());

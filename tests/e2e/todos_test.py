@@ -282,6 +282,38 @@ class Todos(unittest.TestCase):
         ticked = next(entry["text"] for entry in self.todos() if entry["done"])
         self.assertGreater(int(ticked.split()[1]), 20)
 
+    def test_a_row_that_is_dragged_to_an_end_of_the_list_scrolls_it(self):
+        d = self.desktop
+        self.open_panel(*[todo("todo %d" % i) for i in range(60)])
+        end = row_y(12) - 9
+        d.drag((TEXT_X, row_y(1)), (TEXT_X, end), release=False)
+        time.sleep(1.2)
+        d.run("xdotool", "mouseup", "1")
+        d.wait_for(lambda: self.order().index("todo 1") > 20, "the row to have gone far down", 3)
+        self.assertEqual(sorted(self.order()), sorted("todo %d" % i for i in range(60)))
+        time.sleep(0.5)
+        d.click(TICK_X, end)  # it lies where it was let go
+        d.wait_for(lambda: self.order()[-1] == "todo 1.", "its tick", 3)
+        # Further than any end it stops there.
+        d.drag((TEXT_X, row_y(5)), (TEXT_X, row_y(0) - 60), release=False)
+        time.sleep(3)
+        d.run("xdotool", "mouseup", "1")
+        d.wait_for(lambda: self.order()[0] != "todo 0", "the row to be the first", 3)
+        first = self.order()[0]
+        time.sleep(0.5)
+        d.click(TICK_X, row_y(0))
+        d.wait_for(lambda: first + "." in self.order(), "the tick of the first row", 3)
+
+    def test_a_row_that_the_keyboard_moves_stays_in_sight(self):
+        d = self.desktop
+        self.open_panel(*[todo("todo %d" % i) for i in range(30)])
+        d.click(*FIELD)
+        d.key("Down", *["alt+Down"] * 20)
+        d.wait_for(lambda: self.order().index("todo 0") == 20, "the row to have moved", 3)
+        time.sleep(0.5)
+        d.click(TICK_X, row_y(12) - 9)
+        d.wait_for(lambda: self.order()[-1] == "todo 0.", "the tick of the last row in sight", 3)
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)

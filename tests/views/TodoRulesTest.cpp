@@ -27,6 +27,19 @@ TEST(TodoRules, ADraggedRowMovesByWholeRowsWithinTheList) {
     EXPECT_EQ(dropIndex(0, 100, 1), 0U);
 }
 
+TEST(TodoRules, AListScrollsFasterTheNearerToItsEndsARowIsDragged) {
+    struct Case {
+        double y, dy, speed;
+    };
+    const Case cases[] = {{150, 50, 0},   {268, 50, 0}, {284, 50, 240}, {300, 50, 480},
+                          {900, 50, 480}, {32, -50, 0}, {8, -50, -360}, {-70, -50, -480},
+                          {284, -6, 0},   {8, 6, 0},    {300, 0, 0}};
+    for (const auto& c : cases)
+        EXPECT_DOUBLE_EQ(scrollSpeed(c.y, 300, c.dy), c.speed) << c.y << " by " << c.dy;
+    EXPECT_DOUBLE_EQ(scrollSpeed(15, 30, 5), 0);  // a low list has a middle, too
+    EXPECT_DOUBLE_EQ(scrollSpeed(25, 30, 5), 240);
+}
+
 TEST(TodoRules, ARowStaysAmongItsOwnKind) {
     std::vector<Todo> todos;
     for (const char kind : std::string("PPooodd")) {

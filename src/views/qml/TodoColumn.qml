@@ -20,6 +20,11 @@ Rectangle {
     property int dragFrom: -1
     property int dragTo: -1
     property real dragHeight: 0
+    // The row itself, how far the list was scrolled then, and how fast (points/s) it scrolls under the row.
+    property Item lifted: null
+    property real liftedAt: 0
+    property real scrollSpeed: 0
+    readonly property Item listView: rows
     // While a row that was let go is put into its place, which it has on the screen already.
     property bool settling: false
 
@@ -41,21 +46,57 @@ Rectangle {
         return index < dragFrom && index >= dragTo ? dragHeight : 0;
     }
     function lift(row) {
+        // The current row stays alive however far the list is scrolled.
+        rows.currentIndex = row.index;
+        lifted = row;
+        liftedAt = rows.contentY;
         dragHeight = row.height;
         dragTo = row.index;
         dragFrom = row.index;
     }
+    // The lifted row was dragged to `y` in the column, `dy` from where it was lifted.
+    function pull(y, dy) {
+        scrollSpeed = presenter.scrollSpeed(y - rows.y, rows.height, dy);
+        follow();
+    }
+    function follow() {
+        lifted.offsetY = lifted.pulledBy + rows.contentY - liftedAt;
+        dragTo = presenter.dropRow(lifted.index, lifted.offsetY);
+    }
+    // Where in the list a lifted row of that height lands when its place is that of `target`.
+    function placeAt(target, height) {
+        return dragTo > dragFrom ? target.y + target.height - height : target.y;
+    }
     function putBack() {
+        lifted = null;
+        scrollSpeed = 0;
         dragFrom = -1;
     }
+    FrameAnimation {
+        running: todoColumn.lifted !== null && todoColumn.scrollSpeed !== 0
+        onTriggered: {
+            const lowest = rows.originY + Math.max(0, rows.contentHeight - rows.height);
+            // No leap after a frame that took long.
+            const step = todoColumn.scrollSpeed * Math.min(frameTime, 0.05);
+            rows.contentY = Math.max(rows.originY, Math.min(rows.contentY + step, lowest));
+        }
+    }
     function drop(row) {
-        const shownAt = row.y + row.offsetY;
+        let shownAt = row.y + row.offsetY;
         const to = dragTo;
+        const target = rows.itemAtIndex(to);
+        const place = target ? placeAt(target, row.height) : 0;
         settling = true;
-        dragFrom = -1;
+        putBack();
         if (to !== row.index)
             presenter.moveTo(row.todoId, to);
         rows.forceLayout();
+        if (target) {
+            // The list keeps its rows where they are when one above them goes, but these have made room already.
+            const shift = row.y - place;
+            rows.contentY += shift;
+            shownAt += shift;
+        }
         settling = false;
         row.offsetY = shownAt - row.y;
         row.springBack();
@@ -144,9 +185,11 @@ Rectangle {
         case Qt.Key_Up:
         case Qt.Key_Down:
             const step = event.key === Qt.Key_Up ? -1 : 1;
-            if (moved)
+            if (moved) {
                 presenter.moveTo(id, presenter.rowBeside(row.index, step));
-            else
+                rows.forceLayout();
+                rows.positionViewAtIndex(list.rowOf(id), ListView.Contain);
+            } else
                 focusRow(row.index + step);
             return true;
         case Qt.Key_Right:
@@ -270,6 +313,10 @@ Rectangle {
         highlightFollowsCurrentItem: false
         // A row that is out of sight for a moment need not be made anew.
         cacheBuffer: 120
+        onContentYChanged: {
+            if (todoColumn.lifted)
+                todoColumn.follow();
+        }
 
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Todo list")
@@ -286,7 +333,7 @@ Rectangle {
             visible: target !== null
             width: rows.width
             height: todoColumn.dragHeight
-            y: !target ? 0 : todoColumn.dragTo > todoColumn.dragFrom ? target.y + target.height - height : target.y
+            y: target ? todoColumn.placeAt(target, height) : 0
             radius: 7
             color: "transparent"
             border.color: Style.focus

@@ -26,6 +26,9 @@ Item {
     // Where the row is drawn, off its place in the list.
     property real offsetX: 0
     property real offsetY: 0
+    // How far the pointer has dragged it down; the list may have scrolled besides.
+    property real pulledBy: 0
+    readonly property bool carried: area.mode === "vertical"
     // Makes room for the row that is being dragged past.
     readonly property real room: column.roomFor(index)
     property real shownRoom: room
@@ -124,10 +127,12 @@ Item {
 
     Item {
         id: body
+        // The list draws no row that it has scrolled out of sight, so one that is dragged goes over the list.
+        parent: row.carried ? row.column.listView : row
         x: row.offsetX
-        y: row.offsetY + row.shownRoom
-        width: parent.width
-        height: parent.height
+        y: row.offsetY + row.shownRoom + (row.carried ? row.y - row.column.listView.contentY : 0)
+        width: row.width
+        height: row.height
 
         Rectangle {
             anchors.fill: parent
@@ -209,8 +214,8 @@ Item {
                 }
                 if (mode === "vertical") {
                     back.stop();
-                    row.offsetY = dy;
-                    row.column.dragTo = row.presenter.dropRow(row.index, dy);
+                    row.pulledBy = dy;
+                    row.column.pull(at.y, dy);
                 } else if (mode === "horizontal") {
                     row.slide(dx);
                 }
