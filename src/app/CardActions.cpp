@@ -35,4 +35,12 @@ void setReminder(const BriefingItem& item, Instant time, const std::optional<std
     todos.setReminder(id, time, repeatRule);
 }
 
+void flagWithUndo(const std::weak_ptr<ItemFlagStore>& flags, const std::function<void()>& operation, NotchUndo& undo) {
+    const auto store = flags.lock();
+    const FlagChange change = store ? store->during(operation) : FlagChange{};
+    undo.push([flags, change] {
+        if (const auto kept = flags.lock()) kept->takeBack(change);
+    });
+}
+
 }  // namespace sunpane::card_actions

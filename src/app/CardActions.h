@@ -1,14 +1,17 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "app/NotchUndo.h"
 #include "base/Instant.h"
 #include "core/briefing/Briefing.h"
 #include "core/stores/ItemFlagStore.h"
 #include "core/stores/TodoStore.h"
 
-/// What the user does with a briefing card beyond flagging it. Main thread only.
+/// What the user does with a briefing card beyond flagging it, and how flagging is taken back. Main thread only.
 namespace sunpane::card_actions {
 
 /// What is copied: the card's text without the marks of bold and code.
@@ -23,5 +26,8 @@ void addToTodos(const BriefingItem& item, TodoStore& todos, const ItemFlagStore&
 /// The same, with a reminder on the todo. `repeatRule` as TodoStore::setReminder takes it.
 void setReminder(const BriefingItem& item, Instant time, const std::optional<std::string>& repeatRule, TodoStore& todos,
                  const ItemFlagStore& flags);
+
+/// Runs an operation on the flags and lets `undo` put back every card that it changes.
+void flagWithUndo(const std::weak_ptr<ItemFlagStore>& flags, const std::function<void()>& operation, NotchUndo& undo);
 
 }  // namespace sunpane::card_actions

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "base/Text.h"
+
 namespace sunpane::todo_actions {
 namespace {
 
@@ -55,6 +57,30 @@ void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, Not
     const auto before = textOf(id);
     todos.rename(id, text);
     if (before && textOf(id) != before) undo.push([&todos, id, text = *before] { todos.rename(id, text); });
+}
+
+Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::string_view text, NotchUndo& undo) {
+    const bool needsText = verb == "add" || verb == "rename";
+    if (needsText && text::trimWhitespaceAndNewlines(text::toValidUtf8(text)).empty()) return Outcome::invalid;
+    if (verb == "add") {
+        todos.add(text, id);
+        return Outcome::done;
+    }
+    const auto index = todos.indexOf(id);
+    if (!index) return Outcome::noSuchTodo;
+    const Todo todo = todos.todos()[*index];
+    if (verb == "done" || verb == "open") {
+        if (todo.done != (verb == "done")) toggle(todos, id);
+    } else if (verb == "prio" || verb == "unprio") {
+        if (todo.isPrio() != (verb == "prio")) todos.togglePrio(id);
+    } else if (verb == "rename") {
+        renameWithUndo(todos, id, text, undo);
+    } else if (verb == "delete") {
+        removeWithUndo(todos, id, undo);
+    } else {
+        return Outcome::invalid;
+    }
+    return Outcome::done;
 }
 
 void addDropped(TodoStore& todos, std::string_view dropped) {

@@ -18,6 +18,13 @@ void removeWithUndo(TodoStore& todos, const Uuid& id, NotchUndo& undo);
 /// Renames, and lets `undo` bring the old text back. A text that is blank or the same changes nothing.
 void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, NotchUndo& undo);
 
+enum class Outcome { done, noSuchTodo, invalid };
+
+/// Does what a command asks for in words: to "add" a todo with this id, a new one, or to change the one that has it:
+/// "done", "open", "prio", "unprio", "rename", "delete". Doing the same twice is as good as once. `invalid` for another
+/// verb, or a blank text where one is needed. What the user could take back in the panel, `undo` can.
+Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::string_view text, NotchUndo& undo);
+
 /// Adds what was dropped on the list: a briefing card, as a JSON object that says so
 /// (`{"dawnly": true, "text": "...", "key": "...", "prio": false}`), or else the text as it is.
 void addDropped(TodoStore& todos, std::string_view dropped);

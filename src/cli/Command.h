@@ -17,6 +17,7 @@
 #include "platform/MediaCommands.h"
 #include "platform/RunningApplications.h"
 #include "platform/ScriptRunner.h"
+#include "platform/StoreRequests.h"
 #include "platform/UserDefaults.h"
 
 namespace sunpane::cli {
@@ -44,6 +45,20 @@ public:
 
 /// How telling the running program went.
 enum class Broadcast { sent, nobodyListens, noSession };
+
+/// What the running program made of a change that it was asked for, or why it was not asked.
+struct ProgramAnswer {
+    enum class Reach {
+        answered,
+        /// No program runs that takes changes, or it ended meanwhile.
+        nobody,
+        /// One runs and did not answer in time.
+        silent,
+    };
+    Reach reach = Reach::nobody;
+    /// When it answered.
+    StoreChangeAnswer answer;
+};
 
 /// The media players of the user's desktop.
 struct PlayerPorts {
@@ -84,6 +99,9 @@ struct Environment {
 
     /// Sends the broadcast of that name to the running program. Null where there is no session to send it in.
     std::function<Broadcast(const std::string& name)> broadcast = nullptr;
+
+    /// Asks the running program for a change, before the time at which that expires. Null where it cannot be asked.
+    std::function<ProgramAnswer(const StoreChange& change)> askProgram = nullptr;
 };
 
 /// The words behind the command's name.

@@ -38,12 +38,18 @@ int runFlags(Arguments arguments, Environment& environment) {
     if (!lists && !flags && !unflags) {
         return usageError(flagsCommand, "list, prio KEY TEXT or unprio KEY is needed", environment);
     }
+    const std::string text = joined(words, 2);
+    if (!lists) {
+        const auto answer = askProgram({StoreChange::Subject::flag, parsed->folder, words[0], words[1], text, {}},
+                                       flagsCommand, environment);
+        if (answer) return exitCodeOf(*answer, parsed->folder, environment);
+    }
     StoreSession session(environment, parsed->folder);
     ItemFlagStore& store = session.flags();
     if (lists && parsed->asJson) environment.out << encodeFlags(store.state()) << '\n';
     if (lists && !parsed->asJson) print(store, environment);
     if (lists) return success;
-    store.setPrio(words[1], joined(words, 2), flags);
+    store.setPrio(words[1], text, flags);
     return session.finish() ? success : failure;
 }
 

@@ -4,10 +4,19 @@
 #include <ostream>
 #include <utility>
 
+#include "base/Text.h"
 #include "cli/TerminalText.h"
 #include "core/briefing/FolderBriefingProvider.h"
 
 namespace sunpane::cli {
+namespace {
+
+void tellUnwritten(const std::string& folder, Environment& environment) {
+    environment.err << "dawnlyctl: " << escapedName(folder)
+                    << " cannot be written now; the change is kept and will be written later\n";
+}
+
+}  // namespace
 
 StoreSession::StoreSession(Environment& environment, const std::string& folder)
     : environment_(environment), folder_(folder) {
@@ -59,14 +68,36 @@ bool StoreSession::finish() {
         files_->drain();
     }
     if (!unwritten()) return true;
-    environment_.err << "dawnlyctl: " << escapedName(folder_)
-                     << " cannot be written now; the change is kept and will be written later\n";
+    tellUnwritten(folder_, environment_);
     return false;
 }
 
 std::string StoreSession::feedback() const {
     constexpr std::size_t maximumBytes = std::size_t{64} << 20;
     return environment_.files->read(pathInside(folder_, ItemFlagStore::feedbackName), maximumBytes).bytes;
+}
+
+std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& command, Environment& environment) {
+    if (!environment.askProgram) return std::nullopt;
+    change.folder = environment.files->canonicalPath(change.folder);
+    change.id = text::toValidUtf8(change.id);
+    change.text = text::toValidUtf8(change.text);
+    change.expires = environment.clock.now() + programPatience;
+    const ProgramAnswer reply = environment.askProgram(change);
+    if (reply.reach == ProgramAnswer::Reach::silent) {
+        environment.err << "dawnlyctl " << command.name
+                        << ": dawnly runs but does not answer; the change is made without it\n";
+    }
+    using Outcome = StoreChangeAnswer::Outcome;
+    const bool isTaken = reply.reach == ProgramAnswer::Reach::answered &&
+                         (reply.answer.outcome == Outcome::written || reply.answer.outcome == Outcome::kept);
+    return isTaken ? std::optional(reply.answer) : std::nullopt;
+}
+
+int exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
+    if (answer.outcome == StoreChangeAnswer::Outcome::written) return success;
+    tellUnwritten(folder, environment);
+    return failure;
 }
 
 std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,

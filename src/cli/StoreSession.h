@@ -44,6 +44,17 @@ private:
     std::unique_ptr<ItemFlagStore> flags_;
 };
 
+/// The running program may take that long (s) over a change that it is asked for.
+inline constexpr Seconds programPatience = 5;
+
+/// Asks the running program for a change, in whose folder any path may stand and whose time is set here. Its answer, if
+/// it took the change: `written` or `kept`. Absent when the command has to make the change itself, which does no harm
+/// where the program made it after all.
+std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& command, Environment& environment);
+
+/// How a command ends after the program took its change.
+int exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment);
+
 /// The words behind a command's name, with its options taken out.
 struct StoreArguments {
     std::string folder;

@@ -4,8 +4,10 @@
 #include <optional>
 #include <ostream>
 
+#include "app/TodoActions.h"
 #include "base/Dates.h"
 #include "base/Text.h"
+#include "base/Uuid.h"
 #include "cli/StoreSession.h"
 #include "cli/TerminalText.h"
 
@@ -39,19 +41,40 @@ void list(const TodoStore& store, bool asJson, Environment& environment) {
     environment.out << "]\n";
 }
 
-void change(TodoStore& store, const std::string& verb, const Todo& todo, const std::string& text) {
-    if (verb == "done" && !todo.done) store.toggle(todo.id);
-    if (verb == "open" && todo.done) store.toggle(todo.id);
-    if (verb == "prio") store.togglePrio(todo.id);
-    if (verb == "rename") store.rename(todo.id, text);
-    if (verb == "delete") store.remove(todo.id);
-}
-
 std::optional<std::size_t> toIndex(const std::string& word, std::size_t count) {
     std::size_t number = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
     if (error != std::errc() || end != word.data() + word.size() || number == 0 || number > count) return std::nullopt;
     return number - 1;
+}
+
+struct Change {
+    std::string verb;
+    Uuid id;
+    std::string text;
+};
+
+int noSuchTodo(const std::string& number, Environment& environment) {
+    environment.err << "dawnlyctl todo: there is no todo " << escapedName(number) << '\n';
+    return negative;
+}
+
+int showAnswer(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
+    const auto shown = decodeTodos(R"({"lastImportDay":"","todos":[)" + answer.todo + "]}");
+    if (shown && answer.number > 0 && !shown->todos.empty()) {
+        print(answer.number - 1, shown->todos[0], environment);
+    }
+    return exitCodeOf(answer, folder, environment);
+}
+
+int makeChange(const Change& change, StoreSession& session, const std::string& number, Environment& environment) {
+    TodoStore& store = session.todos();
+    // Who takes back what a command did does so by another command.
+    NotchUndo undo;
+    const auto outcome = todo_actions::perform(store, change.verb, change.id, change.text, undo);
+    if (outcome == todo_actions::Outcome::noSuchTodo) return noSuchTodo(number, environment);
+    if (const auto place = store.indexOf(change.id)) print(*place, store.todos()[*place], environment);
+    return session.finish() ? success : failure;
 }
 
 bool isBlank(const std::string& text) {
@@ -79,24 +102,23 @@ int runTodo(Arguments arguments, Environment& environment) {
     if (takesText && isBlank(text)) return usageError(todoCommand, "a todo needs a text", environment);
 
     StoreSession session(environment, parsed->folder);
-    TodoStore& store = session.todos();
-    if (takesNumber) {
-        const auto index = toIndex(words[1], store.todos().size());
-        if (!index) {
-            environment.err << "dawnlyctl todo: there is no todo " << escapedName(words[1]) << '\n';
-            return negative;
-        }
-        const Todo todo = store.todos()[*index];
-        change(store, verb, todo, text);
-        if (const auto place = store.indexOf(todo.id)) print(*place, store.todos()[*place], environment);
-    } else if (verb == "add") {
-        store.add(text);
-        std::size_t place = store.todos().size() - store.doneCount();
-        print(place - 1, store.todos()[place - 1], environment);
-    } else {
-        list(store, parsed->asJson, environment);
+    if (verb == "list") {
+        list(session.todos(), parsed->asJson, environment);
+        return session.finish() ? success : failure;
     }
-    return session.finish() ? success : failure;
+    Change change{verb, Uuid::random(), text};
+    if (takesNumber) {
+        const auto& todos = session.todos().todos();
+        const auto index = toIndex(words[1], todos.size());
+        if (!index) return noSuchTodo(words[1], environment);
+        change.id = todos[*index].id;
+        if (verb == "prio" && todos[*index].isPrio()) change.verb = "unprio";
+    }
+    const auto answer =
+        askProgram({StoreChange::Subject::todo, parsed->folder, change.verb, change.id.toString(), change.text, {}},
+                   todoCommand, environment);
+    if (answer) return showAnswer(*answer, parsed->folder, environment);
+    return makeChange(change, session, words[takesNumber ? 1 : 0], environment);
 }
 
 }  // namespace sunpane::cli

@@ -63,22 +63,24 @@ int main(int argc, char** argv) {
     const char* terminal = std::getenv("TERM");
     const bool outIsTerminal = isatty(STDOUT_FILENO) == 1 && terminal != nullptr &&
                                std::string_view(terminal) != "dumb" && std::getenv("NO_COLOR") == nullptr;
-    cli::Environment environment{.clock = clock,
-                                 .defaults = defaults,
-                                 .queues = queues,
-                                 .folderEvents = folderEvents,
-                                 .cloudFiles = cloudFiles,
-                                 .interrupt = interrupt,
-                                 .out = std::cout,
-                                 .err = std::cerr,
-                                 .outIsTerminal = outIsTerminal,
-                                 .files = &files,
-                                 .stateFolder = xdg::stateFolder(),
-                                 .wait = sleepFor,
-                                 .connectPlayers = connectPlayers,
-                                 .openCalendars = openCalendars,
-                                 .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); },
-                                 .broadcast = cli::broadcastToProgram};
+    cli::Environment environment{
+        .clock = clock,
+        .defaults = defaults,
+        .queues = queues,
+        .folderEvents = folderEvents,
+        .cloudFiles = cloudFiles,
+        .interrupt = interrupt,
+        .out = std::cout,
+        .err = std::cerr,
+        .outIsTerminal = outIsTerminal,
+        .files = &files,
+        .stateFolder = xdg::stateFolder(),
+        .wait = sleepFor,
+        .connectPlayers = connectPlayers,
+        .openCalendars = openCalendars,
+        .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); },
+        .broadcast = cli::broadcastToProgram,
+        .askProgram = [&](const StoreChange& change) { return cli::askProgram(change, change.expires - clock.now()); }};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/AppDelegate.h"
+#include "app/ChangeRequests.h"
 #include "app/LoginItem.h"
 #include "app/NotchViewModel.h"
 #include "app/NotificationResponses.h"
@@ -22,6 +23,7 @@
 #include "linux/calendar/eds/EdsModule.h"
 #include "linux/desktop/BusName.h"
 #include "linux/desktop/DBusDistributedNotifications.h"
+#include "linux/desktop/DBusStoreRequests.h"
 #include "linux/desktop/DesktopNotificationService.h"
 #include "linux/desktop/PortalMotion.h"
 #include "linux/desktop/QtArtworkLoader.h"
@@ -106,6 +108,7 @@ private:
     sunpane::QtScreens screens_{defaults_};
     sunpane::X11EventMonitors monitors_{x11Events_, runLoop_};
     sunpane::DBusDistributedNotifications distributed_;
+    sunpane::DBusStoreRequests storeRequests_;
     sunpane::ThemeStore theme_{defaults_};
     sunpane::CalendarPrompt calendarPrompt_;
     sunpane::DesktopCalendarStore calendars_{
@@ -133,6 +136,8 @@ private:
                                         meetings_,
                                         nowPlaying_}};
     sunpane::TodoReminders todoReminders_{{viewModel_.todoStore(), reminders_, notificationCenter_, clock_, runLoop_}};
+    sunpane::ChangeRequests changeRequests_{
+        {storeRequests_, viewModel_, sunpane::NotchUndo::shared(), clock_, runLoop_, files_}};
     sunpane::QtWorkspace workspace_{x11Events_};
     sunpane::NotificationResponses responses_{notificationCenter_, notifications_, workspace_};
     sunpane::ScrollSwipeHub scrollSwipes_{monitors_};

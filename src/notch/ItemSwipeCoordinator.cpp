@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "app/CardActions.h"
+
 namespace sunpane {
 
 ItemSwipeCoordinator::ItemSwipeCoordinator(ScrollSwipeHub& hub, NotchUndo& undo, std::weak_ptr<ItemFlagStore> flags)
@@ -49,19 +51,13 @@ void ItemSwipeCoordinator::end() {
 void ItemSwipeCoordinator::finish(const BriefingItem& item) {
     const auto flags = flags_.lock();
     if (swipeX_ > decisionDistance && flags) {
-        actWithUndo([&] { flags->togglePrio(item); });
+        card_actions::flagWithUndo(
+            flags_, [&] { flags->togglePrio(item); }, undo_);
     } else if (swipeX_ < -decisionDistance) {
-        actWithUndo([&] { flags->isCleared(item.id()) ? flags->hide(item) : flags->toggleCleared(item); });
+        card_actions::flagWithUndo(
+            flags_, [&] { flags->isCleared(item.id()) ? flags->hide(item) : flags->toggleCleared(item); }, undo_);
     }
     setSwipeX(0);
-}
-
-void ItemSwipeCoordinator::actWithUndo(const std::function<void()>& operation) {
-    const auto flags = flags_.lock();
-    const FlagChange change = flags ? flags->during(operation) : FlagChange{};
-    undo_.push([weak = flags_, change] {
-        if (const auto store = weak.lock()) store->takeBack(change);
-    });
 }
 
 void ItemSwipeCoordinator::setSwipeX(double x) {

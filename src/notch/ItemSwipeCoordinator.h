@@ -61,7 +61,6 @@ public:
 private:
     void end();
     // Without the store there is nothing to do and nothing that the undo would bring back.
-    void actWithUndo(const std::function<void()>& operation);
     void setSwipeX(double x);
     void run(const Spring& spring, const Change& change);
 

@@ -87,6 +87,41 @@ TEST_F(TodoActionsTest, ADeletedTodoComesBackWhereItWasAndAsItWas) {
     EXPECT_FALSE(todos.isDismissed("b"));
 }
 
+TEST_F(TodoActionsTest, WhatACommandAsksForMayBeAskedForTwice) {
+    const Uuid id = Uuid::random();
+    using todo_actions::Outcome;
+    const auto perform = [&](std::string_view verb, std::string_view text = "") {
+        return todo_actions::perform(todos, verb, id, text, undo);
+    };
+    EXPECT_EQ(perform("done"), Outcome::noSuchTodo);
+    EXPECT_EQ(perform("add", " \n"), Outcome::invalid);
+    struct Step {
+        const char* verb;
+        const char* text;
+        bool done, prio;
+        const char* leaves;
+    };
+    for (const Step& step : {Step{"add", "one", false, false, "one"}, Step{"done", "", true, false, "one"},
+                             Step{"prio", "", true, true, "one"}, Step{"open", "", false, true, "one"},
+                             Step{"unprio", "", false, false, "one"}, Step{"rename", "two", false, false, "two"}}) {
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(perform(step.verb, step.text), Outcome::done) << step.verb;
+            ASSERT_EQ(todos.todos().size(), 1U) << step.verb;
+            const Todo& todo = todos.todos()[0];
+            EXPECT_EQ(todo.done, step.done) << step.verb;
+            EXPECT_EQ(todo.isPrio(), step.prio) << step.verb;
+            EXPECT_EQ(todo.text, step.leaves) << step.verb;
+        }
+    }
+    EXPECT_EQ(perform("rename", " "), Outcome::invalid);
+    EXPECT_EQ(perform("frobnicate"), Outcome::invalid);
+    EXPECT_EQ(undo.size(), 1U) << "the new text";
+    EXPECT_EQ(perform("delete"), Outcome::done);
+    EXPECT_EQ(perform("delete"), Outcome::noSuchTodo);
+    EXPECT_TRUE(undo.undo());
+    EXPECT_THAT(texts(), ElementsAre("two"));
+}
+
 TEST_F(TodoActionsTest, ATickEndsAReminderForGood) {
     todos.add("a");
     const Uuid id = todos.todos().front().id;

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -36,6 +37,7 @@ protected:
         err.str("");
         Environment environment{platform.clock, defaults, platform.queues, events,        cloud, interrupt, out, err,
                                 false,          &disk,    "/home/state",   [](Seconds) {}};
+        if (program) environment.askProgram = program;
         return runCommandLine(arguments, environment);
     }
     TodoState todos() const { return *decodeTodos(*disk.content("/home/briefings/todos.json")); }
@@ -47,6 +49,7 @@ protected:
     testing::SimulatedFolderEvents events;
     testing::SimulatedCloudFiles cloud;
     NeverInterrupted interrupt;
+    std::function<ProgramAnswer(const StoreChange&)> program;
     std::ostringstream out;
     std::ostringstream err;
 };
@@ -73,6 +76,47 @@ TEST_F(StoreCommandTest, EveryTodoCommandIsInTheFileWhenItEnds) {
         EXPECT_EQ(run({"todo", "delete", number}), negative) << number;
     }
     EXPECT_EQ(todos().todos.size(), 1U);
+}
+
+TEST_F(StoreCommandTest, TheRunningProgramIsAskedFirstAndOnlyItsYesCounts) {
+    using Outcome = StoreChangeAnswer::Outcome;
+    using Reach = ProgramAnswer::Reach;
+    ASSERT_EQ(run({"todo", "add", "first"}), success);
+    const Todo first = todos().todos[0];
+    ProgramAnswer answer;
+    std::vector<StoreChange> asked;
+    program = [&](const StoreChange& change) { return asked.push_back(change), answer; };
+
+    answer = {Reach::answered, {Outcome::written, 4, encodeTodo(Todo::make("second", platform.clock.now()))}};
+    EXPECT_EQ(run({"todo", "--folder", "/home/./briefings", "add", "sec\xff", "ond"}), success);
+    EXPECT_EQ(out.str(), "4 [ ] second\n");
+    EXPECT_EQ(todos().todos.size(), 1U) << "the program writes it";
+    EXPECT_EQ(asked.back().folder, disk.canonicalPath("/home/./briefings"));
+    EXPECT_EQ(asked.back().text, "sec\uFFFD ond");
+    EXPECT_GT(asked.back().expires, platform.clock.now());
+    answer.answer = {Outcome::kept, 0, ""};
+    EXPECT_EQ(run({"todo", "delete", "1"}), failure);
+    EXPECT_EQ(asked.back().id, first.id.toString());
+    EXPECT_THAT(err.str(), HasSubstr("cannot be written"));
+    EXPECT_EQ(run({"flags", "prio", "key", "a", "card"}), failure);
+    EXPECT_EQ(asked.back().subject, StoreChange::Subject::flag);
+    EXPECT_FALSE(disk.exists("/home/briefings/itemflags.json"));
+
+    std::size_t count = 1;
+    for (const ProgramAnswer& no : {ProgramAnswer{}, ProgramAnswer{Reach::silent, {}},
+                                    ProgramAnswer{Reach::answered, {Outcome::otherFolder, 0, ""}},
+                                    ProgramAnswer{Reach::answered, {Outcome::late, 0, ""}}}) {
+        answer = no;
+        EXPECT_EQ(run({"todo", "add", "again"}), success);
+        EXPECT_EQ(todos().todos.size(), ++count);
+        EXPECT_EQ(todos().todos.back().id.toString(), asked.back().id) << "so that it is known again";
+        EXPECT_EQ(err.str().empty(), no.reach != Reach::silent);
+    }
+    EXPECT_EQ(run({"todo", "prio", "1"}), success);
+    EXPECT_EQ(asked.back().verb, "prio");
+    EXPECT_EQ(run({"todo", "prio", "1"}), success);
+    EXPECT_EQ(asked.back().verb, "unprio");
+    EXPECT_FALSE(todos().todos[0].isPrio());
 }
 
 TEST_F(StoreCommandTest, TheStarOfATodoFromACardFlagsTheCard) {

@@ -2,11 +2,12 @@
 
 import json
 import os
+import signal
 import subprocess
 import time
 import unittest
 
-from desktop import Desktop
+from desktop import NOTCH, Desktop
 
 COMPANION = os.environ["DAWNLYCTL"]
 WRITERS, TODOS_EACH = 4, 10
@@ -33,6 +34,97 @@ class Companion(unittest.TestCase):
         self.assertFalse(json.loads(self.companion("report"))["expanded"])
         self.companion("expand")
         self.desktop.wait_for(lambda: json.loads(self.companion("report"))["expanded"], "the panel to unfold")
+
+    def call(self, method, *arguments):
+        """Calls the program as any program on the bus may, and returns its answer, a line for each value."""
+        answer = self.desktop.run("dbus-send", "--session", "--print-reply", "--dest=app.dawnly.Dawnly",
+                                  "/app/dawnly/Dawnly", method, *arguments)
+        return [line.strip() for line in answer.decode().splitlines()[1:]]
+
+    def change_todo(self, *words, expires):
+        return self.call("app.dawnly.Dawnly.ChangeTodo", *["string:" + word for word in words],
+                         "double:%f" % expires)
+
+    def test_changes_go_through_the_program_that_runs(self):
+        d = self.desktop
+        d.start_program()
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(1)
+        before = d.screenshot()
+        self.assertEqual(self.companion("todo", "add", "Water", "the\x07 plants"), "1 [ ] Water the\ufffd plants\n")
+        self.assertEqual(self.todos(), ["Water the\x07 plants"])  # in the file when the command ends
+        # In the open panel at once: sooner than it would look into the file by itself.
+        d.wait_for(lambda: d.screenshot().pixels != before.pixels, "the todo to show", 0.5)
+        self.assertEqual(self.companion("todo", "rename", "1", "Water", "them"), "1 [ ] Water them\n")
+        self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] ! Water them\n")
+        self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] Water them\n")
+        self.companion("todo", "delete", "1")
+        self.assertEqual(self.todos(), [])
+        # As after a deletion in the panel, Control+Z there brings it back, and then the old text.
+        d.run("xdotool", "key", "Tab", "key", "ctrl+z")
+        d.wait_for(lambda: self.todos() == ["Water them"], "the deletion to be taken back")
+        d.key("ctrl+z")
+        d.wait_for(lambda: self.todos() == ["Water the\x07 plants"], "the new text to be taken back")
+        self.companion("flags", "prio", "some-card", "Some card")
+        self.assertIn("some-card", json.loads(self.companion("flags", "list", "--json"))["prio"])
+        # What is not its folder's is none of its business.
+        other = os.path.join(d.home, "other")
+        self.companion("todo", "--folder", other, "add", "Elsewhere")
+        self.assertEqual(self.todos(), ["Water the\x07 plants"])
+        self.assertEqual(self.companion("todo", "--folder", other, "list"), "1 [ ] Elsewhere\n")
+
+    def test_the_interface_on_the_bus_keeps_its_promises(self):
+        d = self.desktop
+        d.start_program()
+        self.assertIn('<method name="ChangeTodo">', "".join(self.call("org.freedesktop.DBus.Introspectable.Introspect")))
+        todo, soon = "11111111-2222-4333-8444-555555555555", time.time() + 60
+        for _ in range(2):  # whoever got no answer asks again
+            answer = self.change_todo(d.briefings, "add", todo, "Once", expires=soon)
+            self.assertEqual(answer[:2], ['string "written"', "uint32 1"])
+        self.assertEqual(self.todos(), ["Once"])
+        another = todo.replace("1", "2")
+        for outcome, expires, *words in (("late", 1e9, d.briefings, "add", another, "Late"),
+                                         ("otherFolder", soon, "/", "delete", todo, ""),
+                                         ("invalid", soon, d.briefings, "frobnicate", todo, ""),
+                                         ("invalid", soon, d.briefings, "add", "no-id", "Text"),
+                                         ("invalid", soon, d.briefings, "rename", todo, " "),
+                                         ("noSuchTodo", soon, d.briefings, "done", another, "")):
+            self.assertEqual(self.change_todo(*words, expires=expires)[0], 'string "%s"' % outcome, words)
+        for wrong in (("ChangeTodo", "string:x"), ("NoSuchThing",)):
+            with self.assertRaises(subprocess.CalledProcessError):
+                self.call("app.dawnly.Dawnly." + wrong[0], *wrong[1:])
+        self.assertEqual(self.todos(), ["Once"])
+
+    def test_a_program_that_hangs_delays_a_change_and_makes_it_no_second_time(self):
+        d = self.desktop
+        program = d.start_program()
+        program.send_signal(signal.SIGSTOP)
+        done = subprocess.run([COMPANION, "todo", "add", "While it hangs"], env=d.environment, text=True, timeout=12,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.assertEqual((done.returncode, done.stdout), (0, "1 [ ] While it hangs\n"))
+        self.assertIn("does not answer", done.stderr)
+        self.companion("todo", "delete", "1")
+        program.send_signal(signal.SIGCONT)
+        time.sleep(3)  # it has got all that waited for it, and looked into the file
+        self.assertEqual(self.todos(), [])
+        self.companion("todo", "add", "Afterwards")
+        self.assertEqual(self.todos(), ["Afterwards"])
+
+    def test_what_the_program_cannot_write_is_kept_and_told(self):
+        d = self.desktop
+        program = d.start_program()
+        self.companion("todo", "add", "First")
+        path = os.path.join(d.briefings, "todos.json")
+        os.rename(path, path + ".saved")
+        os.mkdir(path)  # nobody can write a folder
+        self.assertEqual(self.companion("todo", "add", "Second", code=2), "2 [ ] Second\n")
+        os.rmdir(path)
+        os.rename(path + ".saved", path)
+        program.kill()
+        program.wait()
+        d.start_program()
+        d.wait_for(lambda: self.todos() == ["First", "Second"], "what the killed program still had to write")
 
     def test_todos_added_at_the_same_time_are_all_kept(self):
         self.desktop.start_program()

@@ -55,6 +55,8 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the files yet.
     bool hasUnwritten() const { return file_.hasUnwritten() || feedbackFile_.hasUnwritten(); }
+    /// Runs `then` once all changes made so far are in the files; not at all when the store goes first.
+    void whenWritten(const std::function<void()>& then);
     const std::string& feedbackURL() const { return feedbackFile_.path(); }
 
     void togglePrio(const BriefingItem& item);

@@ -1,6 +1,8 @@
 #include "core/stores/StoreFile.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "core/stores/StoreFileWriter.h"
 
@@ -84,12 +86,29 @@ bool StoreFile::wentWithItsFolder() {
 }
 
 void StoreFile::writeAsync(std::string content, std::function<void()> completion) {
-    if (completion) {
-        completion = [weak = std::weak_ptr(self_), inner = std::move(completion)] {
-            if (weak.lock()) inner();
-        };
+    writer_->submit(std::move(content),
+                    [weak = std::weak_ptr(self_), write = ++handedOver_, inner = std::move(completion)] {
+                        const auto self = weak.lock();
+                        if (!self) return;
+                        if (inner) inner();
+                        (*self)->noteWritten(write);
+                    });
+}
+
+void StoreFile::whenWritten(std::function<void()> then) {
+    if (written_ == handedOver_) return then();
+    waiters_.push_back({handedOver_, std::move(then)});
+}
+
+void StoreFile::noteWritten(std::uint64_t write) {
+    written_ = std::max(written_, write);
+    std::vector<Waiter> ready;
+    while (!waiters_.empty() && waiters_.front().write <= written_) {
+        ready.push_back(std::move(waiters_.front()));
+        waiters_.pop_front();
     }
-    writer_->submit(std::move(content), std::move(completion));
+    for (const Waiter& waiter : ready)
+        waiter.then();
 }
 
 bool StoreFile::hasUnwritten() const {

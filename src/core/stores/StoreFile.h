@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -84,16 +87,31 @@ public:
     /// Whether something handed over is not in the file yet.
     bool hasUnwritten() const;
 
+    /// Runs `then` on the main thread once all that was handed over so far is in the file, at once when it is there
+    /// already, and not at all when this object goes first.
+    void whenWritten(std::function<void()> then);
+
     /// Called on the main thread when the file holds another program's content that must be merged; the store merges
     /// as for `reload` and then saves.
     void onConflict(std::function<void(const Incoming&)> merge) { conflict_ = std::move(merge); }
 
 private:
+    struct Waiter {
+        std::uint64_t write = 0;
+        std::function<void()> then;
+    };
+    void noteWritten(std::uint64_t write);
+
     StoreFiles& files_;
     std::string path_;
     std::function<void(const Incoming&)> conflict_;
     std::shared_ptr<StoreFileWriter> writer_;
     bool folderIsGone_ = false;
+    // How often something was handed over, and which of these is in the file.
+    std::uint64_t handedOver_ = 0;
+    std::uint64_t written_ = 0;
+    // In the order in which they wait.
+    std::deque<Waiter> waiters_;
     // Lets what comes back from the queue find this object, or find it gone.
     std::shared_ptr<StoreFile*> self_;
 };

@@ -54,13 +54,15 @@ std::optional<std::size_t> TodoStore::indexOf(const Uuid& id) const {
     return static_cast<std::size_t>(found - state_.todos.begin());
 }
 
-void TodoStore::add(std::string_view text) {
+void TodoStore::add(std::string_view text, const std::optional<Uuid>& id) {
     std::string trimmed = cleaned(text);
     if (trimmed.empty()) return;
     adoptForeignChanges();
+    if (id && indexOf(*id)) return;
     announceChange();
     forgetDismissed(textKey(trimmed));
     Todo todo = Todo::make(std::move(trimmed), clock_.now());
+    if (id) todo.id = *id;
     todo.source = todo_source::you;
     insertOpen(std::move(todo));
     save();

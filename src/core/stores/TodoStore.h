@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Clock.h"
@@ -45,6 +46,8 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the file yet.
     bool hasUnwritten() const { return file_.hasUnwritten(); }
+    /// Runs `then` once all changes made so far are in the file; not at all when the store goes first.
+    void whenWritten(std::function<void()> then) { file_.whenWritten(std::move(then)); }
     std::size_t doneCount() const;
     std::optional<std::size_t> indexOf(const Uuid& id) const;
 
@@ -52,7 +55,8 @@ public:
     std::function<void(const Todo&)> onPrioChanged;
 
     /// Adds what the user typed, below the open todos. A blank text adds nothing; a repeated one adds another todo.
-    void add(std::string_view text);
+    /// With an id that is in the list already nothing happens, so that whoever chooses the id may try again.
+    void add(std::string_view text, const std::optional<Uuid>& id = std::nullopt);
 
     /// Adds a todo made from a briefing card, or, when one with the same text key is there already, links that one to
     /// the card and makes it a priority if asked.

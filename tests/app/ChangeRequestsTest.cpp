@@ -1,0 +1,151 @@
+#include "app/ChangeRequests.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
+
+#include "support/SimulatedAgenda.h"
+#include "support/SimulatedFileSystem.h"
+#include "support/SimulatedFolderEvents.h"
+#include "support/SimulatedPlatform.h"
+#include "support/SimulatedPlayers.h"
+#include "support/SimulatedUserDefaults.h"
+#include "support/TemporaryFolder.h"
+
+namespace sunpane {
+namespace {
+
+using Outcome = StoreChangeAnswer::Outcome;
+
+class DirectRequests : public StoreRequests {
+public:
+    Subscription serve(Handler handler) override {
+        handler_ = std::move(handler);
+        return Subscription([this] { handler_ = nullptr; });
+    }
+    void ask(const StoreChange& change, Reply reply) { handler_(change, std::move(reply)); }
+
+private:
+    Handler handler_;
+};
+
+struct ChangeRequestsTest : ::testing::Test {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedFolderEvents folderEvents;
+    testing::SimulatedCloudFiles cloudFiles;
+    testing::SimulatedUserDefaults defaults;
+    testing::TemporaryFolder folder;
+    testing::SimulatedFileSystem files{platform.clock};
+    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues,
+                           [this](Seconds seconds) { platform.time.advance(seconds); }},
+                          "/state"};
+    LocalNotifications notifications;
+    testing::SimulatedAgenda agenda{platform, defaults};
+    testing::SimulatedPlayers players{platform};
+    NotchUndo undo;
+    DirectRequests requests;
+    std::optional<NotchViewModel> model;
+    std::optional<ChangeRequests> served;
+    std::vector<StoreChangeAnswer> answers;
+
+    void SetUp() override {
+        defaults.set("briefingsFolderPath", folder.path());
+        model.emplace(NotchViewModel::Collaborators{platform.clock,
+                                                    platform.runLoop,
+                                                    notifications,
+                                                    defaults,
+                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
+                                                    storeFiles,
+                                                    agenda.fallback,
+                                                    agenda.meetings,
+                                                    players.nowPlaying});
+        served.emplace(ChangeRequests::Collaborators{requests, *model, undo, platform.clock, platform.runLoop, files});
+    }
+    StoreChange change(const std::string& verb, const Uuid& id, const std::string& text = "") {
+        return {StoreChange::Subject::todo, folder.path(), verb, id.toString(), text, platform.clock.now() + 5};
+    }
+    void ask(const StoreChange& change) {
+        requests.ask(change, [this](const StoreChangeAnswer& answer) { answers.push_back(answer); });
+    }
+    std::string todosFile() const { return files.content(folder.path() + "/todos.json").value_or(""); }
+};
+
+TEST_F(ChangeRequestsTest, AnswersOnceTheFilesHaveTheChange) {
+    const Uuid id = Uuid::random();
+    ask(change("add", id, "Water the plants"));
+    EXPECT_EQ(model->todoStore().todos().size(), 1U) << "at once";
+    EXPECT_TRUE(answers.empty()) << "but not in the file";
+    platform.time.advance(1);
+    ASSERT_EQ(answers.size(), 1U);
+    EXPECT_EQ(answers[0].outcome, Outcome::written);
+    EXPECT_EQ(answers[0].number, 1U);
+    EXPECT_NE(todosFile().find(id.toString()), std::string::npos);
+
+    ask(change("add", id, "Water the plants"));
+    ASSERT_EQ(answers.size(), 2U) << "nothing to write";
+    EXPECT_EQ(model->todoStore().todos().size(), 1U);
+    ask({StoreChange::Subject::flag, folder.path(), "prio", "card", "A card", platform.clock.now() + 5});
+    platform.time.advance(1);
+    EXPECT_EQ(answers.at(2).outcome, Outcome::written);
+    EXPECT_TRUE(model->flagStore().isPrio("card"));
+    EXPECT_TRUE(undo.undo());
+    EXPECT_FALSE(model->flagStore().isPrio("card"));
+}
+
+TEST_F(ChangeRequestsTest, SaysWhenTheFilesCannotBeWrittenAndNeverAnswersTwice) {
+    files.readOnlyFolders.insert(folder.path());
+    ask(change("add", Uuid::random(), "Kept"));
+    platform.time.advance(ChangeRequests::patience - 0.1);
+    EXPECT_TRUE(answers.empty());
+    platform.time.advance(0.2);
+    ASSERT_EQ(answers.size(), 1U);
+    EXPECT_EQ(answers[0].outcome, Outcome::kept);
+    // Whoever floods the program gets answers, and it stays small.
+    for (std::size_t i = 0; i < ChangeRequests::maximumWaiting + 5; ++i)
+        ask(change("add", Uuid::random(), "More"));
+    EXPECT_EQ(answers.size(), 6U);
+    // What goes away first leaves nothing behind that would call it.
+    served.reset();
+    files.readOnlyFolders.clear();
+    platform.time.advance(10);
+    EXPECT_EQ(answers.size(), 6U);
+    EXPECT_NE(todosFile().find("Kept"), std::string::npos);
+}
+
+TEST_F(ChangeRequestsTest, RefusesWhatIsNotItsBusiness) {
+    const Uuid id = Uuid::random();
+    StoreChange late = change("add", id, "x");
+    late.expires = platform.clock.now() - 0.001;
+    StoreChange elsewhere = change("add", id, "x");
+    elsewhere.folder = "/elsewhere";
+    StoreChange nowhere = change("add", id, "x");
+    nowhere.folder.clear();
+    StoreChange huge = change("add", id, std::string(ChangeRequests::maximumTextBytes + 1, 'x'));
+    StoreChange noId = change("add", id, "x");
+    noId.id = "7";
+    StoreChange noKey = change("prio", id, "x");
+    noKey.subject = StoreChange::Subject::flag;
+    noKey.id.clear();
+    const std::pair<StoreChange, Outcome> cases[] = {
+        {late, Outcome::late},
+        {elsewhere, Outcome::otherFolder},
+        {nowhere, Outcome::otherFolder},
+        {huge, Outcome::invalid},
+        {noId, Outcome::invalid},
+        {noKey, Outcome::invalid},
+        {change("done", id), Outcome::noSuchTodo},
+        {change("add", id, " \n"), Outcome::invalid},
+    };
+    for (const auto& [request, outcome] : cases) {
+        answers.clear();
+        ask(request);
+        ASSERT_EQ(answers.size(), 1U) << request.verb;
+        EXPECT_EQ(answers[0].outcome, outcome) << request.verb << request.folder;
+    }
+    EXPECT_TRUE(model->todoStore().todos().empty());
+}
+
+}  // namespace
+}  // namespace sunpane
