@@ -13,7 +13,8 @@ public:
 
     virtual Instant now() const = 0;
 
-    /// The user's time zone as an IANA name, such as "Europe/Amsterdam". May change while the program runs.
+    /// The user's time zone as an IANA name, such as "Europe/Amsterdam", or, where it has none, as rules that
+    /// `makeTimeZone` reads. May change while the program runs.
     virtual std::string timeZone() const = 0;
 
     /// The user's locale as an ICU name, such as "nl_NL". It decides the user's calendar.

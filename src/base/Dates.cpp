@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "base/TimeZones.h"
+
 namespace sunpane {
 namespace {
 
@@ -170,7 +172,8 @@ LocalCalendar::LocalCalendar(const Clock& clock) : LocalCalendar(clock.timeZone(
 
 LocalCalendar::LocalCalendar(std::string_view timeZone, std::string_view locale)
     : zone_(std::make_unique<Zone>()), locale_(locale) {
-    zone_->timeZone.reset(icu::TimeZone::createTimeZone(toUnicode(timeZone)));
+    zone_->timeZone = makeTimeZone(timeZone);
+    if (!zone_->timeZone) zone_->timeZone.reset(icu::TimeZone::getGMT()->clone());
     assert(zone_->timeZone);
 }
 

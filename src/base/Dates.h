@@ -37,7 +37,7 @@ struct CivilTime {
 class LocalCalendar {
 public:
     explicit LocalCalendar(const Clock& clock);
-    /// An unknown zone counts as UTC.
+    /// `timeZone` is as for `makeTimeZone`; an unknown one counts as UTC.
     LocalCalendar(std::string_view timeZone, std::string_view locale);
     ~LocalCalendar();
     LocalCalendar(LocalCalendar&&) noexcept;

@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+#include "base/TimeZones.h"
+
 namespace sunpane {
 namespace {
 
@@ -147,8 +149,8 @@ IcsZonePointer IcsZones::defined(const std::string& lines) {
 }
 
 IcsZonePointer IcsZones::userZone(const std::string& name) {
-    auto zone = named(name);
-    return zone ? zone : utc();
+    if (auto zone = makeTimeZone(name)) return std::make_shared<const NamedZone>(std::move(zone));
+    return utc();
 }
 
 IcsZonePointer IcsZones::utc() {

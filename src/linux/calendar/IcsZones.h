@@ -22,7 +22,7 @@ public:
     /// that no clock does.
     IcsZonePointer defined(const std::string& lines);
 
-    /// The user's zone; an unknown name counts as UTC.
+    /// The user's zone, a name or rules as a clock gives them; an unknown one counts as UTC.
     IcsZonePointer userZone(const std::string& name);
 
     static IcsZonePointer utc();

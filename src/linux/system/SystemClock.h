@@ -9,6 +9,9 @@ namespace sunpane {
 
 /// The machine's clock, the time zone of `TZ` or /etc/localtime, and the environment's locale. A change of the zone
 /// is noticed at the next reading. Any thread.
+///
+/// Whatever the C library takes for a zone counts: a name, a file, a link to one, rules. A zone file that has no name
+/// counts by the rules in its last line.
 class SystemClock : public Clock {
 public:
     Instant now() const override;

@@ -1,0 +1,120 @@
+#include "linux/system/SystemClock.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "base/Dates.h"
+#include "support/TemporaryFolder.h"
+
+namespace sunpane {
+namespace {
+
+/// Sets TZ for a while.
+class ZoneSetting {
+public:
+    explicit ZoneSetting(const std::string& zone) {
+        if (const char* before = std::getenv("TZ")) before_ = before;
+        setenv("TZ", zone.c_str(), 1);
+        tzset();
+    }
+    ~ZoneSetting() {
+        if (before_) {
+            setenv("TZ", before_->c_str(), 1);
+        } else {
+            unsetenv("TZ");
+        }
+        tzset();
+    }
+    ZoneSetting(const ZoneSetting&) = delete;
+    ZoneSetting& operator=(const ZoneSetting&) = delete;
+
+private:
+    std::optional<std::string> before_;
+};
+
+CivilTime timeOfTheSystem(std::time_t instant) {
+    std::tm local{};
+    localtime_r(&instant, &local);
+    return {{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday}, local.tm_hour, local.tm_min, local.tm_sec};
+}
+
+// The first half-hour from 2026 to 2029 in which the calendar shows another time than the system does.
+std::string firstDifference(const LocalCalendar& calendar) {
+    constexpr std::time_t start = 1767225600;
+    constexpr std::time_t halfHour = 1800;
+    for (std::time_t instant = start; instant < start + 3 * 365 * 86400; instant += halfHour) {
+        const auto ours = Instant::fromUnix(static_cast<double>(instant));
+        if (calendar.civilTime(ours) != timeOfTheSystem(instant)) return iso8601Utc(ours);
+    }
+    return "";
+}
+
+TEST(SystemClock, ShowsTheTimeThatTheSystemShows) {
+    const testing::TemporaryFolder folder;
+    const std::string link = folder / "tokyo";
+    std::filesystem::create_symlink("/usr/share/zoneinfo/Asia/Tokyo", link);
+    const std::string copy = folder / "copy";
+    std::filesystem::copy_file("/usr/share/zoneinfo/Europe/Lisbon", copy);
+    const std::string irish = folder / "irish";
+    std::filesystem::copy_file("/usr/share/zoneinfo/Europe/Dublin", irish);
+    for (const std::string& zone : {std::string("Asia/Tokyo"),
+                                    std::string(":America/New_York"),
+                                    std::string("/usr/share/zoneinfo/Asia/Tokyo"),
+                                    ":" + link,
+                                    copy,
+                                    irish,
+                                    std::string(":/etc/localtime"),
+                                    std::string(),
+                                    std::string(":"),
+                                    std::string("No/Such"),
+                                    std::string("/no/such/file"),
+                                    std::string("JST-9"),
+                                    std::string("<+03>-3"),
+                                    std::string("<-0330>3:30"),
+                                    std::string("EST5"),
+                                    std::string("EST5EDT"),
+                                    std::string("GMT+3"),
+                                    std::string("UTC-2"),
+                                    std::string("CET-1CEST,M3.5.0,M10.5.0/3"),
+                                    std::string("MST7MDT,M3.2.0,M11.1.0"),
+                                    std::string("NZST-12NZDT,M9.5.0,M4.1.0/3"),
+                                    std::string("IST-1GMT0,M10.5.0,M3.5.0/1"),
+                                    std::string("IST-2IDT,M3.4.4/26,M10.5.0"),
+                                    std::string("EET-2EEST,M3.4.4/50,M10.4.4/50"),
+                                    std::string("<-02>2<-01>,M3.5.0/-1,M10.5.0/0"),
+                                    std::string("AAA-5BBB,M10.5.0/24,M3.5.6/23"),
+                                    std::string("AAA3BBB,J59/0,J305/24"),
+                                    std::string("AAA-3BBB-5,10/1,58")}) {
+        const ZoneSetting setting(zone);
+        const SystemClock clock;
+        EXPECT_EQ(firstDifference(LocalCalendar(clock.timeZone(), "en_US")), "") << zone << " -> " << clock.timeZone();
+    }
+}
+
+// Old C libraries take such changes from a file of old years, so there is nothing to compare with.
+TEST(SystemClock, KeepsSummerTimeThatNamesNoRules) {
+    const ZoneSetting setting("CET-1CEST");
+    const LocalCalendar calendar(SystemClock().timeZone(), "en_US");
+    EXPECT_EQ(calendar.iso8601(*calendar.startOfDay(CivilDay{2026, 1, 15})), "2026-01-15T00:00:00+01:00");
+    EXPECT_EQ(calendar.iso8601(*calendar.startOfDay(CivilDay{2026, 7, 15})), "2026-07-15T00:00:00+02:00");
+}
+
+TEST(SystemClock, PrefersNamesToRulesAndFollowsALinkThatMoves) {
+    const testing::TemporaryFolder folder;
+    const std::string link = folder / "zone";
+    std::filesystem::create_symlink("/usr/share/zoneinfo/Asia/Tokyo", link);
+    const ZoneSetting setting(link);
+    const SystemClock clock;
+    EXPECT_EQ(clock.timeZone(), "Asia/Tokyo");
+    std::filesystem::create_symlink("/usr/share/zoneinfo/right/Africa/Lagos", folder / "next");
+    std::filesystem::rename(folder / "next", link);
+    EXPECT_EQ(clock.timeZone(), "Africa/Lagos");
+}
+
+}  // namespace
+}  // namespace sunpane
