@@ -1,6 +1,5 @@
 #include "cli/StoreSession.h"
 
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
 
@@ -44,19 +43,9 @@ TodoStore& StoreSession::todos() {
 }
 
 ItemFlagStore& StoreSession::flags() {
-    if (flags_) return *flags_;
-    const auto previous = nlohmann::json::parse(feedback(), nullptr, false);
-    flags_ = std::make_unique<ItemFlagStore>(*files_, folder_);
-    const auto list = [&](const char* key) {
-        std::vector<std::string> texts;
-        if (!previous.is_object() || !previous.contains(key) || !previous[key].is_array()) return texts;
-        for (const auto& text : previous[key]) {
-            if (text.is_string()) texts.push_back(text.get<std::string>());
-        }
-        return texts;
-    };
-    flags_->updateUntouched(list("untouched"));
-    flags_->updateReminders(list("reminders"));
+    if (!flags_) {
+        flags_ = std::make_unique<ItemFlagStore>(*files_, folder_, ItemFlagStore::FeedbackAtStart::kept);
+    }
     return *flags_;
 }
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/Command.h"
@@ -131,10 +132,19 @@ TEST_F(StoreCommandTest, TheStarOfATodoFromACardFlagsTheCard) {
 TEST_F(StoreCommandTest, FlagsKeepWhatTheProgramToldTheAgent) {
     disk.createFolders("/home/briefings");
     disk.writeExternally("/home/briefings/feedback.json", R"({"untouched":["a card"],"reminders":["a line"],"x":1})");
+    bool everForgotten = false;
+    int writes = 0;
+    disk.afterWrite = [&](const std::string& path) {
+        ++writes;
+        if (!path.ends_with("/feedback.json")) return;
+        everForgotten = everForgotten || disk.content(path)->find("a card") == std::string::npos;
+    };
     EXPECT_EQ(run({"flags", "--folder", "/home/briefings", "prio", "key", "some", "text"}), success);
     EXPECT_EQ(flags().prio.at("key"), "some text");
+    EXPECT_GT(std::exchange(writes, 0), 0);
     EXPECT_EQ(run({"flags", "list"}), success);
     EXPECT_THAT(out.str(), HasSubstr("prio  key  some text"));
+    EXPECT_EQ(writes, 0) << "who lists changes nothing";
     EXPECT_EQ(run({"feedback"}), success);
     const auto feedback = nlohmann::json::parse(out.str());
     EXPECT_EQ(feedback["untouched"], nlohmann::json{"a card"});
@@ -142,6 +152,14 @@ TEST_F(StoreCommandTest, FlagsKeepWhatTheProgramToldTheAgent) {
     EXPECT_EQ(feedback["prio"][0]["text"], "some text");
     EXPECT_EQ(run({"flags", "unprio", "key"}), success);
     EXPECT_TRUE(flags().prio.empty());
+    EXPECT_FALSE(everForgotten) << "not even for a moment";
+
+    // Cut off as if another program were at it, which its journal makes good.
+    const std::string whole = *disk.content("/home/briefings/feedback.json");
+    disk.writeExternally("/home/briefings/feedback.json", whole.substr(0, whole.size() / 2));
+    EXPECT_EQ(run({"flags", "prio", "key", "text"}), success);
+    EXPECT_FALSE(everForgotten);
+    EXPECT_THAT(*disk.content("/home/briefings/feedback.json"), HasSubstr("a line"));
 }
 
 TEST_F(StoreCommandTest, WrongUsageChangesNothing) {

@@ -283,4 +283,22 @@ std::string encodeFeedback(const Feedback& feedback, const Clock& clock) {
     return file.dump(indentation, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
+std::optional<Feedback> decodeFeedbackLists(std::string_view file) {
+    const auto members = nlohmann::json::parse(file, nullptr, false);
+    if (!members.is_object()) return std::nullopt;
+    const auto list = [&](const char* key) {
+        std::vector<std::string> texts;
+        const auto member = members.find(key);
+        if (member == members.end() || !member->is_array()) return texts;
+        for (const auto& text : *member) {
+            if (text.is_string()) texts.push_back(text.get<std::string>());
+        }
+        return texts;
+    };
+    Feedback feedback;
+    feedback.untouched = list("untouched");
+    feedback.reminders = list("reminders");
+    return feedback;
+}
+
 }  // namespace sunpane

@@ -66,4 +66,8 @@ struct Feedback {
 /// The text of `feedback.json`: indented, keys sorted, days in the user's locale and time zone.
 std::string encodeFeedback(const Feedback& feedback, const Clock& clock);
 
+/// The untouched cards and the reminders of such a text, and nothing else of it. What is no text in a list is left out.
+/// Absent when it is no JSON object.
+std::optional<Feedback> decodeFeedbackLists(std::string_view file);
+
 }  // namespace sunpane

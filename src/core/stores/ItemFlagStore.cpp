@@ -43,17 +43,20 @@ std::vector<std::string> dismissedPriorities(const FlagState& state, TopicIndex&
     return dismissed;
 }
 
-ItemFlagStore::ItemFlagStore(StoreFiles& files, const std::string& directory)
+ItemFlagStore::ItemFlagStore(StoreFiles& files, const std::string& directory, FeedbackAtStart feedback)
     : files_(files),
       clock_(files.ports().clock),
       file_(files, pathInside(directory, fileName), flagFormat()),
       feedbackFile_(files, pathInside(directory, feedbackName), std::nullopt) {
     files_.ports().files.createFolders(directory);
-    feedbackFile_.load([](const StoreFile::Incoming& incoming) { return nlohmann::json::accept(incoming.content); });
+    const bool isKept = feedback == FeedbackAtStart::kept;
+    feedbackFile_.load([&](const StoreFile::Incoming& incoming) {
+        return isKept ? takeFeedback(incoming) : nlohmann::json::accept(incoming.content);
+    });
     files_.ensureDownloaded(file_.path(), StoreFiles::downloadTimeout);
-    file_.load([this](const StoreFile::Incoming& incoming) { return take(incoming); });
+    file_.load([&](const StoreFile::Incoming& incoming) { return isKept ? take(incoming) : takeAndTell(incoming); });
     file_.onConflict([this](const StoreFile::Incoming& incoming) {
-        if (take(incoming)) save();
+        if (takeAndTell(incoming)) save();
     });
     // A file that appears where there was none is newer than nothing.
     if (!file_.modificationTime()) lastKnownMtime_ = FileTime{};
@@ -258,6 +261,20 @@ bool ItemFlagStore::take(const StoreFile::Incoming& incoming) {
     std::erase_if(state_.prio, [this](const auto& entry) { return !state_.dates.contains(entry.first); });
     for (const auto& [key, text] : state_.cleared)
         state_.dates.try_emplace(key, now);
+    prune();
+    return true;
+}
+
+bool ItemFlagStore::takeFeedback(const StoreFile::Incoming& incoming) {
+    auto told = decodeFeedbackLists(incoming.content);
+    if (!told) return false;
+    untouched_ = std::move(told->untouched);
+    reminders_ = std::move(told->reminders);
+    return true;
+}
+
+bool ItemFlagStore::takeAndTell(const StoreFile::Incoming& incoming) {
+    if (!take(incoming)) return false;
     writeFeedback();
     return true;
 }
@@ -265,7 +282,7 @@ bool ItemFlagStore::take(const StoreFile::Incoming& incoming) {
 // A change here must build on what another program has written meanwhile, not replace it.
 void ItemFlagStore::adoptForeignChanges() {
     if (!file_.changedOnDisk()) return;
-    file_.reload([this](const StoreFile::Incoming& incoming) { return take(incoming); });
+    file_.reload([this](const StoreFile::Incoming& incoming) { return takeAndTell(incoming); });
 }
 
 void ItemFlagStore::reloadIfChangedExternally() {
@@ -276,7 +293,8 @@ void ItemFlagStore::reloadIfChangedExternally() {
     }
     if (lastKnownMtime_ && *mtime > *lastKnownMtime_) {
         files_.ensureDownloaded(file_.path(), StoreFiles::downloadTimeout);
-        const auto outcome = file_.reload([this](const StoreFile::Incoming& incoming) { return take(incoming); });
+        const auto outcome =
+            file_.reload([this](const StoreFile::Incoming& incoming) { return takeAndTell(incoming); });
         announceChange();
         if (outcome == StoreFile::Reload::merged) save();
     }

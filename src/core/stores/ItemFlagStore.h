@@ -43,8 +43,17 @@ public:
     static constexpr Seconds referenceInterval = 3600;
     static constexpr Seconds reloadInterval = 2.0;
 
+    /// What the start does to the feedback.
+    enum class FeedbackAtStart {
+        /// Written anew; the owner is about to tell the untouched cards and the reminders.
+        written,
+        /// Left as it is until something changes. The untouched cards and the reminders that it tells stay told, for
+        /// an owner that knows of none.
+        kept,
+    };
+
     /// Creates `directory` if it is missing and loads the file; may block for `StoreFiles::downloadTimeout`.
-    ItemFlagStore(StoreFiles& files, const std::string& directory);
+    ItemFlagStore(StoreFiles& files, const std::string& directory, FeedbackAtStart feedback = FeedbackAtStart::written);
     ~ItemFlagStore();
 
     bool isPrio(std::string_view key) const { return state_.prio.contains(std::string(key)); }
@@ -95,6 +104,8 @@ private:
     void prune();
     void dropPriorities(const std::vector<std::string>& keys);
     bool take(const StoreFile::Incoming& incoming);
+    bool takeFeedback(const StoreFile::Incoming& incoming);
+    bool takeAndTell(const StoreFile::Incoming& incoming);
     void adoptForeignChanges();
     void reloadIfChangedExternally();
     void save();
