@@ -1,14 +1,15 @@
 #pragma once
 
-#include <QQmlEngine>
 #include <memory>
 
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
+#include "linux/system/HeapMemory.h"
 #include "platform/PanelWindow.h"
 #include "views/PanelBackground.h"
 #include "views/PanelPresenter.h"
 #include "views/RootWindow.h"
+#include "views/ViewEngine.h"
 
 namespace sunpane {
 
@@ -26,13 +27,13 @@ public:
                                       double maxCardHeight) override;
 
     /// For the program's other windows, which share what the panel has loaded.
-    QQmlEngine& engine() { return engine_; }
+    ViewEngine& engine() { return engine_; }
 
 private:
     PanelPresenter::Collaborators collaborators_;
     PanelBackground::Collaborators background_;
     X11Events& events_;
-    QQmlEngine engine_;
+    ViewEngine engine_{returnFreeMemory};
     // Both are null until the first panel is made. The presenter and the content are the window's.
     std::unique_ptr<X11PanelWindow> window_;
     RootWindow* root_ = nullptr;

@@ -1,3 +1,4 @@
+#include <QFont>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QQuickWindow>
@@ -39,6 +40,7 @@
 #include "linux/desktop/X11WindowSpaces.h"
 #include "linux/players/PlayerAdapters.h"
 #include "linux/system/AutostartLoginService.h"
+#include "linux/system/HeapMemory.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/InstalledBundle.h"
 #include "linux/system/JsonUserDefaults.h"
@@ -205,6 +207,7 @@ int main(int argc, char* argv[]) {
     const sunpane::CommandLine commandLine = sunpane::readCommandLine(argc, argv);
     if (commandLine.exitCode) return *commandLine.exitCode;
     sunpane::chooseLogging(commandLine.isVerbose);
+    sunpane::returnLargeBlocksAtOnce();
     sunpane::choosePlatform();
     sunpane::chooseRenderer();
     QCoreApplication::setApplicationName(QStringLiteral("dawnly"));
@@ -213,6 +216,8 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setDesktopFileName(QString::fromUtf8(sunpane::appIdentifier.data()));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     const QGuiApplication application(argc, argv);
+    // Every text chooses it; the toolkit would load its own default beside it.
+    QGuiApplication::setFont(QFont(QStringLiteral("Inter")));
 
     if (!sunpane::areUnderstood(QCoreApplication::arguments().mid(1))) return EXIT_FAILURE;
     qCInfo(programLog) << "version" << SUNPANE_VERSION << "in" << sunpane::ownBundlePath().c_str() << "on"

@@ -2,7 +2,7 @@
 
 namespace sunpane {
 
-AlertWindows::AlertWindows(QQmlEngine& engine) : window_(engine, QStringLiteral("AlertWindow.qml")) {}
+AlertWindows::AlertWindows(ViewEngine& engine) : window_(engine, QStringLiteral("AlertWindow.qml")) {}
 
 void AlertWindows::show(Alert alert, std::function<void(bool)> answered) {
     waiting_.emplace_back(std::move(alert), std::move(answered));

@@ -16,7 +16,7 @@ class AlertWindows : public QObject, public Alerts {
     Q_OBJECT
 
 public:
-    explicit AlertWindows(QQmlEngine& engine);
+    explicit AlertWindows(ViewEngine& engine);
 
     void show(Alert alert, std::function<void(bool first)> answered) override;
 

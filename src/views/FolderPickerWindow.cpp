@@ -6,7 +6,7 @@
 
 namespace sunpane {
 
-FolderPickerWindow::FolderPickerWindow(QQmlEngine& engine)
+FolderPickerWindow::FolderPickerWindow(ViewEngine& engine)
     : window_(engine, QStringLiteral("FolderPickerWindow.qml")) {}
 
 void FolderPickerWindow::pick(const std::string& start, const std::string& prompt,

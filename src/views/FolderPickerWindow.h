@@ -28,7 +28,7 @@ public:
     /// More folders than these are not listed; their paths can be typed.
     static constexpr qsizetype maximumNames = 2000;
 
-    explicit FolderPickerWindow(QQmlEngine& engine);
+    explicit FolderPickerWindow(ViewEngine& engine);
 
     void pick(const std::string& start, const std::string& prompt,
               std::function<void(std::optional<std::string> folder)> done) override;

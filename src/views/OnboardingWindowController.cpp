@@ -2,7 +2,7 @@
 
 namespace sunpane {
 
-OnboardingWindowController::OnboardingWindowController(QQmlEngine& engine, Tour& tour, RunLoop& runLoop)
+OnboardingWindowController::OnboardingWindowController(ViewEngine& engine, Tour& tour, RunLoop& runLoop)
     : tour_(tour),
       window_(engine, QStringLiteral("OnboardingWindow.qml")),
       self_(std::make_shared<OnboardingWindowController*>(this)) {

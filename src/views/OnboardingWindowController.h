@@ -26,7 +26,7 @@ class OnboardingWindowController : public QObject {
 
 public:
     /// All outlive it.
-    OnboardingWindowController(QQmlEngine& engine, Tour& tour, RunLoop& runLoop);
+    OnboardingWindowController(ViewEngine& engine, Tour& tour, RunLoop& runLoop);
 
     /// Brings the tour to the front; from its first step if it was closed.
     void show();

@@ -47,6 +47,7 @@ RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> prese
     const auto fit = [this] { rootView_->setSize(contentItem()->size()); };
     connect(contentItem(), &QQuickItem::widthChanged, this, fit);
     connect(contentItem(), &QQuickItem::heightChanged, this, fit);
+    connect(rootView_.get(), SIGNAL(contentGivenUp()), this, SIGNAL(contentGivenUp()));
     if (const auto* outline = rootView_->findChild<NotchOutline*>()) {
         connect(outline, &NotchOutline::outlineChanged, this, &RootWindow::outlineChanged);
     }

@@ -33,6 +33,8 @@ public:
 signals:
     /// The visible outline in this window's coordinates.
     void outlineChanged(const QPolygonF& outline);
+    /// What the open panel showed is gone.
+    void contentGivenUp();
 
 private:
     std::unique_ptr<PanelPresenter> presenter_;

@@ -1,37 +1,52 @@
 #pragma once
 
 #include <QObject>
-#include <QQmlEngine>
+#include <QPoint>
 #include <QQuickWindow>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 #include <memory>
+#include <optional>
+
+#include "views/ViewEngine.h"
 
 namespace sunpane {
 
-/// A window of the program beside the panel, from one QML file whose root is a `Window`. Takes no memory until it is
-/// first shown, and is kept when it is closed. Main thread only.
-class SecondaryWindow {
+/// A window of the program beside the panel, from one QML file whose root is a `Window`. Takes memory only while it is
+/// on screen; one that is opened again is where it was, and as it was in what `kept` names. Main thread only.
+class SecondaryWindow : public QObject {
+    Q_OBJECT
+
 public:
-    /// `file` is the QML file's name. `engine` outlives the window and knows the panel's types.
-    SecondaryWindow(QQmlEngine& engine, QString file);
-    ~SecondaryWindow();
-    SecondaryWindow(const SecondaryWindow&) = delete;
-    SecondaryWindow& operator=(const SecondaryWindow&) = delete;
+    /// `file` is the QML file's name, `kept` are properties of its root. `engine` outlives the window and knows the
+    /// panel's types.
+    SecondaryWindow(ViewEngine& engine, QString file, QStringList kept = {});
+    ~SecondaryWindow() override;
 
     bool isVisible() const;
 
-    /// Shows the window in front of the others and gives it the keyboard. It is made with `properties` when this is the
-    /// first time.
+    /// Shows the window in front of the others and gives it the keyboard. It is made with `properties` when it is not
+    /// on screen.
     QQuickWindow& show(const QVariantMap& properties);
 
-    /// Closes the window for good. May be called from within its own signals.
+    /// Closes the window for good, so that the next is where and what a first one is. May be called from within its own
+    /// signals.
     void discard();
 
+private slots:
+    void visibilityChanged();
+
 private:
-    QQmlEngine& engine_;
+    void make(QVariantMap properties);
+    void release();
+
+    ViewEngine& engine_;
     QString file_;
-    std::unique_ptr<QObject> window_;
+    QStringList kept_;
+    QVariantMap state_;
+    std::optional<QPoint> position_;
+    std::unique_ptr<QQuickWindow> window_;
 };
 
 }  // namespace sunpane

@@ -10,7 +10,7 @@ SettingsWindowController::SettingsWindowController(const Collaborators& collabor
                                                    SettingsPresenter::Actions actions)
     : with_(collaborators),
       actions_(std::move(actions)),
-      window_(with_.engine, QStringLiteral("SettingsWindow.qml")),
+      window_(with_.engine, QStringLiteral("SettingsWindow.qml"), {QStringLiteral("tab")}),
       requests_(with_.notifications.observe(notification::showSettings, [this](const auto&) { show(); })) {}
 
 void SettingsWindowController::show() {

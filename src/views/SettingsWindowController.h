@@ -8,12 +8,12 @@
 
 namespace sunpane {
 
-/// The settings window: made at its first opening and kept. One instance, owned by the start-up code; main thread only.
+/// The settings window. One instance, owned by the start-up code; main thread only.
 class SettingsWindowController {
 public:
     /// Everything outlives it.
     struct Collaborators {
-        QQmlEngine& engine;
+        ViewEngine& engine;
         SettingsModel& model;
         CalendarStore& calendars;
         ThemeStore& theme;

@@ -2,6 +2,7 @@
 
 import os
 import re
+import subprocess
 import time
 import unittest
 
@@ -43,9 +44,17 @@ class SettingsWindow(WindowsTest):
         d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
         time.sleep(0.9)
         d.click(*GEAR)
-        window = self.window("Dawnly")
-        place = re.findall(r"Absolute upper-left [XY]: +(-?\d+)", d.run("xwininfo", "-id", window).decode())
-        self.origin = int(place[0]), int(place[1])
+        self.window("Dawnly")
+        self.origin = self.place()
+
+    def exists(self, window):
+        return subprocess.run(["xwininfo", "-id", window], env=self.desktop.environment, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+    def place(self):
+        """Where the window is that has the keyboard."""
+        told = self.desktop.run("xwininfo", "-id", self.desktop.focused_window()).decode()
+        return tuple(map(int, re.findall(r"Absolute upper-left [XY]: +(-?\d+)", told)))
 
     def click(self, place):
         self.desktop.click(self.origin[0] + place[0], self.origin[1] + place[1])
@@ -78,6 +87,23 @@ class SettingsWindow(WindowsTest):
         d.move(*AWAY)
         d.key("ctrl+space")
         d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
+
+    def test_a_closed_window_is_gone_and_comes_back_as_and_where_it_was(self):
+        d = self.start()
+        self.open_settings()
+        self.click(GENERAL)
+        d.run("xdotool", "windowmove", d.focused_window(), "60", "200")
+        time.sleep(0.3)
+        window, place = d.focused_window(), self.place()
+        d.key("ctrl+w")
+        d.wait_for(lambda: not self.exists(window), "the window to be gone")
+        d.move(*AWAY)
+        time.sleep(0.5)
+        self.open_settings()
+        self.assertEqual(self.origin, place)
+        self.assertLess(place[0], 100)
+        self.click(QUICK_CAPTURE_SWITCH)
+        self.await_setting("quickCaptureEnabled", False)
 
     def test_another_folder_is_made_watched_and_left_again(self):
         d = self.start()

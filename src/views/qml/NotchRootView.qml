@@ -19,11 +19,13 @@ FocusScope {
     // briefing hangs below.
     readonly property real foldedHeight: presenter.notchHeight + (presenter.hasUnread ? 12 : 0)
 
+    signal contentGivenUp()
+
     focus: true
     // A panel that is made anew while it is open, because the screens changed, is open at once.
     Component.onCompleted: {
         if (open) {
-            content.active = true;
+            content.make();
             unfolding = 1;
         }
     }
@@ -45,7 +47,7 @@ FocusScope {
         motion.to = open ? 1 : 0;
         motion.duration = Style.motion(spring);
         motion.easing = spring.curve;
-        content.active = true;
+        content.make();
         // A briefing that was never laid out tells its height now, so that the panel goes straight to it.
         if (open && content.item.settle())
             start.start();
@@ -116,7 +118,6 @@ FocusScope {
             anchors.horizontalCenter: parent.horizontalCenter
             width: root.presenter.cardWidth
             height: root.openHeight
-            active: false
             asynchronous: false
             opacity: Math.max(0, Math.min(1, (root.unfolding - 0.25) / 0.6))
             // A panel that is open at once lets its content fade in.
@@ -126,8 +127,13 @@ FocusScope {
                     duration: 150
                 }
             }
-            sourceComponent: BriefingCard {
-                presenter: root.presenter
+            // By its file: a component in here would keep all that the content is made of loaded.
+            function make() {
+                if (!item)
+                    setSource("BriefingCard.qml", { presenter: root.presenter });
+            }
+            function giveUp() {
+                source = "";
             }
         }
     }
@@ -141,19 +147,21 @@ FocusScope {
     // A folded panel holds no content: it is made when the pointer comes near, so that unfolding need not wait for it,
     // and given up when the panel was left alone for a while.
     function makeContent() {
-        content.active = true;
+        content.make();
         content.item.settle();
         idle.restart();
     }
     Timer {
         id: idle
         interval: 30000
-        running: root.folded && content.active
+        running: root.folded && content.item !== null
         onTriggered: {
-            if (content.item.holdsText)
+            if (content.item.holdsText) {
                 restart();
-            else
-                content.active = false;
+            } else {
+                content.giveUp();
+                root.contentGivenUp();
+            }
         }
     }
 
