@@ -279,7 +279,8 @@ void TodoStore::reloadIfChangedExternally() {
         if (file_.wentWithItsFolder()) save();
         return;
     }
-    if (lastKnownMtime_ && *mtime > *lastKnownMtime_) {
+    // The first look has no time to compare with, but something may have happened since the file was loaded.
+    if (lastKnownMtime_ ? *mtime > *lastKnownMtime_ : file_.changedOnDisk()) {
         files_.ensureDownloaded(file_.path(), StoreFiles::downloadTimeout);
         announceChange();
         const auto outcome = file_.reload([this](const StoreFile::Incoming& incoming) { return take(incoming); });

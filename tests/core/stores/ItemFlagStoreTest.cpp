@@ -370,6 +370,16 @@ TEST_F(ItemFlagStoreTest, TakesOverAFileThatAppearsWhereThereWasNone) {
     EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
 }
 
+TEST_F(ItemFlagStoreTest, TakesOverWhatAnotherProgramWroteRightAfterTheFirstFlag) {
+    store->togglePrio(march);
+    machine.pass(1);
+    machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
+                                 R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" +
+                                     std::to_string(static_cast<long long>(now().sinceReference)) + "}}");
+    machine.pass(2);
+    EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
+}
+
 TEST_F(ItemFlagStoreTest, AFeedbackCutOffByACrashIsWholeAfterTheNextStart) {
     store->updateUntouched({"one", "two"});
     machine.settle();
