@@ -51,6 +51,15 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
     return Uuid(bytes);
 }
 
+Uuid Uuid::next() const {
+    constexpr std::size_t firstOfLast = 8;
+    Uuid following = *this;
+    for (std::size_t i = following.bytes_.size(); i-- > firstOfLast;) {
+        if (++following.bytes_.at(i) != 0) break;
+    }
+    return following;
+}
+
 std::string Uuid::toString() const {
     static constexpr char digits[] = "0123456789ABCDEF";
     std::string text;

@@ -20,6 +20,9 @@ public:
 
     explicit Uuid(const std::array<std::uint8_t, 16>& bytes) : bytes_(bytes) {}
 
+    /// The one whose last eight bytes are greater by one, round to zero.
+    Uuid next() const;
+
     /// The 36-character form in upper case.
     std::string toString() const;
 

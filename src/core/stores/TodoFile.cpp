@@ -4,7 +4,9 @@
 #include <array>
 #include <cassert>
 #include <cstdint>
+#include <set>
 #include <utility>
+#include <vector>
 
 #include "core/stores/Json.h"
 
@@ -49,6 +51,24 @@ void appendTodo(std::string& out, const Todo& todo) {
     out += '}';
 }
 
+// Todos that have one id each can be changed and merged singly. The same file always gives the same ids, so that what
+// was read twice is not taken for two.
+void tellApart(std::vector<Todo>& todos) {
+    std::vector<Uuid> sorted;
+    sorted.reserve(todos.size());
+    for (const Todo& todo : todos)
+        sorted.push_back(todo.id);
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end()) return;
+    std::set<Uuid> taken(sorted.begin(), sorted.end());
+    std::set<Uuid> met;
+    for (Todo& todo : todos) {
+        if (met.insert(todo.id).second) continue;
+        while (!taken.insert(todo.id).second)
+            todo.id = todo.id.next();
+    }
+}
+
 /// Reads the file into records as its events arrive, without a tree in between.
 class TodoFileReader : public json::Reader {
 public:
@@ -58,6 +78,7 @@ public:
     std::optional<TodoState> result(std::string_view file) {
         state_.todos.reserve(std::min(file.size() / usualTodoBytes, maximumReserved));
         if (!read(file) || !hasTodos_ || !hasImportDay_ || place_ != Place::end) return std::nullopt;
+        tellApart(state_.todos);
         return std::move(state_);
     }
 

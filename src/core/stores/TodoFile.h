@@ -26,7 +26,7 @@ struct TodoState {
 std::string encodeTodo(const Todo& todo);
 std::string encodeTodos(const TodoState& state);
 
-/// Absent when anything in the file is not as it must be.
+/// Absent when anything in the file is not as it must be. Of todos with the same id, all but the first get another.
 std::optional<TodoState> decodeTodos(std::string_view file);
 
 /// Puts the open priorities first and the done todos last; each group keeps its order.

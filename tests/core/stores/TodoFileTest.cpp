@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <set>
 
 namespace sunpane::testing {
 namespace {
@@ -71,6 +72,28 @@ TEST(TodoFile, ReadsKeysInAnyOrderSkipsUnknownOnesAndTakesTheLastOfRepeatedOnes)
     const Todo expected{*Uuid::parse(idText), "new", {}, false, {}, Instant{500}, {}, {}, {}, {}, {}, {}};
     EXPECT_EQ(*state, (TodoState{{expected}, "2026-01-01", {"k"}}));
     EXPECT_TRUE(decodeTodos(R"({"todos":[],"lastImportDay":""})"));
+}
+
+// An id that is there twice could be changed in one place only, and a merge would drop the other.
+TEST(TodoFile, TellsTodosOfOneIdApartAlwaysInTheSameWay) {
+    const auto entry = [](const char* text, const char* id) {
+        return std::string(R"({"done":false,"createdAt":1,"text":")") + text + R"(","id":")" + id + R"("})";
+    };
+    const auto fileOf = [](const std::string& todos) { return R"({"lastImportDay":"","todos":[)" + todos + "]}"; };
+    const std::string twice = entry("a", idText) + "," + entry("b", idText) + "," +
+                              entry("c", "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8FA") + "," + entry("d", idText);
+    const auto base = decodeTodos(fileOf(twice));
+    const auto theirs = decodeTodos(fileOf(twice + "," + entry("e", "11111111-4E5F-4071-8293-A4B5C6D7E8F9")));
+    ASSERT_TRUE(base && theirs);
+    std::set<Uuid> ids;
+    for (const Todo& todo : base->todos)
+        ids.insert(todo.id);
+    EXPECT_EQ(ids.size(), 4U);
+    EXPECT_EQ(base->todos[0].id.toString(), idText);
+    EXPECT_EQ(base->todos[2].id.toString(), "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8FA");
+    TodoState ours = *base;
+    ours.todos[1].text = "B";
+    EXPECT_THAT(texts(mergeTodos(*base, ours, *theirs).todos), ::testing::ElementsAre("a", "B", "c", "d", "e"));
 }
 
 TEST(TodoFile, RefusesAFileInWhichAnythingIsNotAsItMustBe) {
