@@ -5,6 +5,7 @@
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cmath>
@@ -28,8 +29,10 @@ std::string toUtf8(const icu::UnicodeString& text) {
     return result;
 }
 
+// Files may hold instants that no calendar counts in days; they count as the farthest that calendars here reach.
 UDate toUDate(Instant instant) {
-    return instant.unixTime() * 1000;
+    constexpr UDate farthest = 8.64e15;
+    return std::clamp(instant.unixTime() * 1000, -farthest, farthest);
 }
 
 Instant fromUDate(UDate date) {

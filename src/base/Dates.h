@@ -34,6 +34,8 @@ struct CivilTime {
 
 /// Calendar arithmetic and date patterns in one time zone and locale, taken from a clock at construction. Cheap to
 /// make and meant to be made anew where it is used, so that a change of zone is followed. Use one on one thread.
+///
+/// Instants farther than 270,000 years from ours count as those that far.
 class LocalCalendar {
 public:
     explicit LocalCalendar(const Clock& clock);

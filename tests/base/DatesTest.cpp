@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace sunpane {
 namespace {
 
@@ -52,6 +54,16 @@ TEST(Dates, DaysThatDoNotExistAreAbsent) {
         EXPECT_FALSE(calendar.startOfDay(day)) << day.year << '-' << day.month << '-' << day.day;
     }
     EXPECT_TRUE(calendar.startOfDay(CivilDay{2028, 2, 29}));
+}
+
+TEST(Dates, InstantsBeyondAllCalendarsCountAsTheFarthest) {
+    const LocalCalendar calendar("Europe/Amsterdam", "en_US");
+    for (const double far : {1e14, 1e300, std::numeric_limits<double>::max()}) {
+        EXPECT_EQ(calendar.civilTime(Instant{far}), calendar.civilTime(Instant{1e13})) << far;
+        EXPECT_EQ(calendar.day(Instant{-far}), calendar.day(Instant{-1e13})) << far;
+        EXPECT_EQ(calendar.format(Instant{far}, "yyyy-MM-dd"), "275760-09-13") << far;
+        EXPECT_EQ(calendar.day(Instant{far}), (CivilDay{275760, 9, 13})) << far;
+    }
 }
 
 TEST(Dates, AddingDaysKeepsTheTimeOfDay) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <cmath>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -253,9 +252,6 @@ std::string encodeFeedback(const Feedback& feedback, const Clock& clock) {
     // Days repeat, and formatting one takes longer than all the rest. Keyed by year, month and day.
     std::map<std::array<int, 3>, std::string> days;
     const auto sinceOf = [&](Instant instant) {
-        // A file may hold instants that no calendar counts in days.
-        constexpr double calendarReach = 1e13;
-        if (std::abs(instant.sinceReference) > calendarReach) return calendar.format(instant, "yyyy-MM-dd");
         const CivilDay day = calendar.day(instant);
         std::string& since = days[{day.year, day.month, day.day}];
         if (since.empty()) since = calendar.format(instant, "yyyy-MM-dd");
