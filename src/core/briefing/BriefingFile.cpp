@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "base/FileDescriptor.h"
 #include "base/Text.h"
 #include "core/briefing/BriefingParser.h"
 
@@ -18,20 +19,6 @@ namespace {
 
 constexpr int maximumReadAttempts = 3;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-class Descriptor {
-public:
-    explicit Descriptor(int value) : value_(value) {}
-    ~Descriptor() {
-        if (value_ >= 0) close(value_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return value_; }
-
-private:
-    int value_;
-};
 
 Instant modificationTime(const struct stat& status) {
     constexpr double nanosecondsPerSecond = 1e9;
@@ -78,8 +65,8 @@ bool readFile(int folder, const char* path, FileText& file) {
 
 bool readListedFile(int folder, const char* name, FileText& file) {
     struct stat before {};
-    const Descriptor descriptor(openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    if (descriptor.get() < 0 || fstat(descriptor.get(), &before) != 0 || !isReadable(before)) return false;
+    const FileDescriptor descriptor(openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    if (!descriptor.isOpen() || fstat(descriptor.get(), &before) != 0 || !isReadable(before)) return false;
     for (int attempt = 0; attempt < maximumReadAttempts; ++attempt) {
         if (!readAll(descriptor.get(), static_cast<std::size_t>(before.st_size), file.bytes)) return false;
         struct stat after {};

@@ -20,26 +20,13 @@
 #include <thread>
 #include <utility>
 
+#include "base/FileDescriptor.h"
+
 namespace sunpane {
 namespace {
 
 constexpr std::uint32_t watchedEvents =
     IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
-
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
-    ~FileDescriptor() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    int get() const { return descriptor_; }
-    bool isOpen() const { return descriptor_ >= 0; }
-
-private:
-    int descriptor_;
-};
 
 struct FolderIdentity {
     dev_t device;

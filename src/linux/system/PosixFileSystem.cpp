@@ -16,47 +16,36 @@
 #include <thread>
 #include <utility>
 
+#include "base/FileDescriptor.h"
+
 namespace sunpane {
 namespace {
 
 constexpr std::int64_t nanosecondsPerSecond = 1000000000;
 
-/// An open file, closed when it goes.
-class Descriptor {
-public:
-    Descriptor(const std::string& path, int flags, mode_t mode = 0)
-        // O_NONBLOCK: opening a pipe must fail rather than wait for its other end.
-        : value_(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode)) {}
-    ~Descriptor() {
-        if (value_ >= 0) close(value_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+FileDescriptor openFile(const std::string& path, int flags, mode_t mode = 0) {
+    // O_NONBLOCK: opening a pipe must fail rather than wait for its other end.
+    return FileDescriptor(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode));
+}
 
-    int get() const { return value_; }
-    explicit operator bool() const { return value_ >= 0; }
+bool isRegular(const FileDescriptor& file, struct stat& status) {
+    return file.isOpen() && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+}
 
-    bool isRegular(struct stat& status) const {
-        return value_ >= 0 && fstat(value_, &status) == 0 && S_ISREG(status.st_mode);
-    }
-    bool isRegular() const {
-        struct stat status {};
-        return isRegular(status);
-    }
+bool isRegular(const FileDescriptor& file) {
+    struct stat status {};
+    return isRegular(file, status);
+}
 
-    bool writeAll(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t written = write(value_, bytes.data(), bytes.size());
-            if (written < 0 && errno == EINTR) continue;
-            if (written <= 0) return false;
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return true;
+bool writeAll(const FileDescriptor& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(file.get(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-
-private:
-    int value_;
-};
+    return true;
+}
 
 FileStamp toStamp(const struct stat& status) {
     return {{status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec},
@@ -78,8 +67,8 @@ std::string parentOf(const std::string& path) {
 
 // Makes a rename in the folder survive a power cut.
 void syncFolder(const std::string& folder) {
-    const Descriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
-    if (descriptor) fsync(descriptor.get());
+    const FileDescriptor descriptor = openFile(folder, O_RDONLY | O_DIRECTORY);
+    if (descriptor.isOpen()) fsync(descriptor.get());
 }
 
 std::string resolvingLinks(const std::string& path) {
@@ -87,23 +76,23 @@ std::string resolvingLinks(const std::string& path) {
     return resolved ? std::string(resolved.get()) : path;
 }
 
-bool copyBytes(const Descriptor& from, const Descriptor& to) {
+bool copyBytes(const FileDescriptor& from, const FileDescriptor& to) {
     std::array<char, 1 << 16> buffer{};
     for (;;) {
         const ssize_t count = ::read(from.get(), buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return false;
         if (count == 0) return fsync(to.get()) == 0;
-        if (!to.writeAll({buffer.data(), static_cast<std::size_t>(count)})) return false;
+        if (!writeAll(to, {buffer.data(), static_cast<std::size_t>(count)})) return false;
     }
 }
 
 class HeldLock : public FileLock {
 public:
-    explicit HeldLock(std::unique_ptr<Descriptor> descriptor) : descriptor_(std::move(descriptor)) {}
+    explicit HeldLock(FileDescriptor file) : file_(std::move(file)) {}
 
 private:
-    std::unique_ptr<Descriptor> descriptor_;
+    FileDescriptor file_;
 };
 
 }  // namespace
@@ -115,8 +104,8 @@ FileReading PosixFileSystem::read(const std::string& path, std::size_t maximumBy
         return {errno == ENOENT || errno == ENOTDIR ? Status::absent : Status::unreadable, {}, {}};
     }
     if (!S_ISREG(status.st_mode)) return {Status::unreadable, {}, {}};
-    const Descriptor file(path, O_RDONLY);
-    if (!file.isRegular(status)) return {Status::unreadable, {}, {}};
+    const FileDescriptor file = openFile(path, O_RDONLY);
+    if (!isRegular(file, status)) return {Status::unreadable, {}, {}};
     if (static_cast<std::uint64_t>(status.st_size) > maximumBytes) return {Status::unreadable, {}, toStamp(status)};
 
     FileReading reading{Status::read, {}, toStamp(status)};
@@ -157,24 +146,24 @@ std::string PosixFileSystem::canonicalPath(const std::string& path) const {
 
 bool PosixFileSystem::writeInPlace(const std::string& path, std::string_view bytes) {
     if (exists(path) && !isRegularFile(path)) return false;
-    const Descriptor file(path, O_WRONLY | O_CREAT, 0644);
-    return file.isRegular() && ftruncate(file.get(), 0) == 0 && file.writeAll(bytes);
+    const FileDescriptor file = openFile(path, O_WRONLY | O_CREAT, 0644);
+    return isRegular(file) && ftruncate(file.get(), 0) == 0 && writeAll(file, bytes);
 }
 
 bool PosixFileSystem::overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) {
     if (exists(path) && !isRegularFile(path)) return false;
-    const Descriptor file(path, O_WRONLY | O_CREAT | O_NOFOLLOW, 0600);
+    const FileDescriptor file = openFile(path, O_WRONLY | O_CREAT | O_NOFOLLOW, 0600);
     struct stat status {};
-    if (!file.isRegular(status)) return false;
+    if (!isRegular(file, status)) return false;
     const auto size = static_cast<off_t>(std::max(minimumSize, bytes.size()));
     if (status.st_size < size && posix_fallocate(file.get(), 0, size) != 0) return false;
-    return file.writeAll(bytes);
+    return writeAll(file, bytes);
 }
 
 std::string PosixFileSystem::beginning(const std::string& path, std::size_t count) const {
     if (!isRegularFile(path)) return {};
-    const Descriptor file(path, O_RDONLY);
-    if (!file.isRegular()) return {};
+    const FileDescriptor file = openFile(path, O_RDONLY);
+    if (!isRegular(file)) return {};
     std::string bytes(count, '\0');
     const ssize_t length = ::read(file.get(), bytes.data(), count);
     bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
@@ -182,8 +171,8 @@ std::string PosixFileSystem::beginning(const std::string& path, std::size_t coun
 }
 
 bool PosixFileSystem::sync(const std::string& path) {
-    const Descriptor file(path, O_RDONLY);
-    if (!file.isRegular() || fsync(file.get()) != 0) return false;
+    const FileDescriptor file = openFile(path, O_RDONLY);
+    if (!isRegular(file) || fsync(file.get()) != 0) return false;
     syncFolder(parentOf(path));
     return true;
 }
@@ -197,9 +186,9 @@ bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_vie
     const bool replaces = ::stat(target.c_str(), &previous) == 0;
     if (replaces && !S_ISREG(previous.st_mode)) return false;
     const bool written = [&] {
-        const Descriptor file(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-        if (replaces && file) fchmod(file.get(), previous.st_mode & 07777);
-        return file && file.writeAll(bytes) && fsync(file.get()) == 0;
+        const FileDescriptor file = openFile(temporary, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+        if (replaces && file.isOpen()) fchmod(file.get(), previous.st_mode & 07777);
+        return file.isOpen() && writeAll(file, bytes) && fsync(file.get()) == 0;
     }();
     if (!written || ::rename(temporary.c_str(), target.c_str()) != 0) {
         unlink(temporary.c_str());
@@ -211,10 +200,10 @@ bool PosixFileSystem::replaceAtomically(const std::string& path, std::string_vie
 
 bool PosixFileSystem::copyToNew(const std::string& from, const std::string& to) {
     if (!isRegularFile(from)) return false;
-    const Descriptor source(from, O_RDONLY);
-    if (!source.isRegular()) return false;
-    const Descriptor target(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (!target) return false;
+    const FileDescriptor source = openFile(from, O_RDONLY);
+    if (!isRegular(source)) return false;
+    const FileDescriptor target = openFile(to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    if (!target.isOpen()) return false;
     if (copyBytes(source, target)) return true;
     unlink(to.c_str());
     return false;
@@ -235,8 +224,8 @@ bool PosixFileSystem::createFolders(const std::string& path) {
 }
 
 std::unique_ptr<FileLock> PosixFileSystem::tryLock(const std::string& path) {
-    auto file = std::make_unique<Descriptor>(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
-    if (!file->isRegular() || flock(file->get(), LOCK_EX | LOCK_NB) != 0) return nullptr;
+    auto file = openFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (!isRegular(file) || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return nullptr;
     return std::make_unique<HeldLock>(std::move(file));
 }
 

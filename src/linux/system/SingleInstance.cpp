@@ -15,6 +15,7 @@
 #include <tuple>
 
 #include "base/AppIdentity.h"
+#include "base/FileDescriptor.h"
 #include "linux/system/XdgPaths.h"
 
 namespace sunpane {
@@ -24,20 +25,6 @@ using SteadyClock = std::chrono::steady_clock;
 
 // After a copy was seen to end, its lock is free within moments.
 constexpr int retryMilliseconds = 10;
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0) close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int number() const { return number_; }
-
-private:
-    int number_;
-};
 
 bool lock(int file) {
     struct flock wish {};
@@ -125,17 +112,17 @@ SingleInstance::Outcome SingleInstance::replaceOther(Seconds grace) {
         if (SteadyClock::now() > end) return Outcome::outOfReach;
         const pid_t other = holder(file_);
         if (other > 0 && isNewer(other)) return Outcome::newerRuns;
-        const Descriptor process(other > 0 ? static_cast<int>(syscall(SYS_pidfd_open, other, 0)) : -1);
+        const FileDescriptor process(other > 0 ? static_cast<int>(syscall(SYS_pidfd_open, other, 0)) : -1);
         // Only when it holds the lock after it was taken by the hand, that hand holds the right one: a number that
         // became free may be another process's by now.
-        if (process.number() < 0 || holder(file_) != other) {
+        if (!process.isOpen() || holder(file_) != other) {
             poll(nullptr, 0, retryMilliseconds);
             continue;
         }
-        if (!send(process.number(), SIGTERM) && errno == EPERM) return Outcome::outOfReach;
-        if (!waitForEnd(process.number(), grace)) {
-            send(process.number(), SIGKILL);
-            waitForEnd(process.number(), killTime);
+        if (!send(process.get(), SIGTERM) && errno == EPERM) return Outcome::outOfReach;
+        if (!waitForEnd(process.get(), grace)) {
+            send(process.get(), SIGKILL);
+            waitForEnd(process.get(), killTime);
         }
     }
     return Outcome::alone;
