@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -14,6 +13,8 @@
 #include <thread>
 #include <utility>
 
+#include "base/FileDescriptor.h"
+#include "linux/system/PosixFileSystem.h"
 #include "linux/system/XdgPaths.h"
 
 namespace sunpane {
@@ -39,19 +40,6 @@ Json toJson(const UserDefaults::Value& value) {
     return std::visit([](const auto& held) { return Json(held); }, value);
 }
 
-// Written beside the target and renamed over it, so that a reader or a crash never meets half a file.
-bool replaceFile(const std::string& path, const std::string& content) {
-    const std::string temporary = path + ".new";
-    const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (file < 0) return false;
-    const bool written = write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
-    const bool kept = written && fsync(file) == 0;
-    close(file);
-    if (kept && rename(temporary.c_str(), path.c_str()) == 0) return true;
-    unlink(temporary.c_str());
-    return false;
-}
-
 /// Held while a program of ours reads, changes and replaces a file of a folder. The folder itself is locked, so that no
 /// lock file is left behind.
 class FolderTurn {
@@ -59,21 +47,16 @@ public:
     /// Waits for whoever has the turn, but not for ever: a stopped process must not stop the panel.
     explicit FolderTurn(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         const auto end = std::chrono::steady_clock::now() + patience;
-        while (folder_ >= 0 && flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+        while (folder_.isOpen() && flock(folder_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
                std::chrono::steady_clock::now() < end) {
             std::this_thread::sleep_for(pause);
         }
     }
-    ~FolderTurn() {
-        if (folder_ >= 0) close(folder_);
-    }
-    FolderTurn(const FolderTurn&) = delete;
-    FolderTurn& operator=(const FolderTurn&) = delete;
 
 private:
     static constexpr auto patience = std::chrono::seconds(1);
     static constexpr auto pause = std::chrono::milliseconds(2);
-    int folder_;
+    FileDescriptor folder_;
 };
 
 std::string createdFolderOf(const std::string& path) {
@@ -148,15 +131,17 @@ void JsonUserDefaults::reloadIfChanged() const {
 }
 
 bool JsonUserDefaults::save() {
+    PosixFileSystem files;
     Json json = Json::object();
     for (const auto& [key, member] : members_)
         json[key] = Json::parse(member, nullptr, false);
     if (unreadable_) {
-        std::error_code ignored;
-        std::filesystem::rename(path_, path_ + ".unreadable", ignored);
+        const std::string kept = path_ + ".unreadable";
+        files.remove(kept);
+        if (!files.copyToNew(path_, kept)) return false;
         unreadable_ = false;
     }
-    if (!replaceFile(path_, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) return false;
+    if (!files.replaceAtomically(path_, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) return false;
     version_ = fileVersion();
     return true;
 }

@@ -62,6 +62,20 @@ TEST_F(UserDefaultsTest, KeepsAnUnreadableFileAside) {
     EXPECT_EQ(JsonUserDefaults(path).read<bool>("fresh").valueOr(false), true);
 }
 
+TEST_F(UserDefaultsTest, LeavesALinkThatTheUserMadeAndTheFilesPermissions) {
+    std::filesystem::create_directories(folder / "config");
+    folder.write("own.json", R"({"mine":true})");
+    std::filesystem::permissions(folder / "own.json", std::filesystem::perms{0640});
+    std::filesystem::create_symlink(folder / "own.json", path);
+    EXPECT_TRUE(defaults.set("more", true));
+    folder.write("own.json", "{");
+    EXPECT_TRUE(defaults.set("most", true));
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_EQ(std::filesystem::status(folder / "own.json").permissions(), std::filesystem::perms{0640});
+    EXPECT_EQ(JsonUserDefaults(folder / "own.json").keys(), (std::vector<std::string>{"mine", "more", "most"}));
+    EXPECT_EQ(std::filesystem::file_size(path + ".unreadable"), 1U);
+}
+
 // Each has an object of its own, as if it were a process of its own.
 TEST_F(UserDefaultsTest, WritersAtTheSameTimeLoseNothing) {
     constexpr int writers = 4;
