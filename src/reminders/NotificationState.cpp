@@ -106,6 +106,22 @@ ShownNotification readShown(const Json& json) {
             Instant{json.at("moment").get<double>()}};
 }
 
+// What of `list` can be read: one entry that cannot must not cost the user all the others.
+template <typename Entry>
+std::vector<Entry> readEach(const Json& list, Entry (*read)(const Json&)) {
+    std::vector<Entry> entries;
+    for (const auto& json : list.get_ref<const Json::array_t&>()) {
+        try {
+            entries.push_back(read(json));
+        } catch (const nlohmann::json::exception&) {
+            continue;
+        } catch (const Unreadable&) {
+            continue;
+        }
+    }
+    return entries;
+}
+
 }  // namespace
 
 std::string encodeNotifications(const NotificationState& state) {
@@ -126,15 +142,8 @@ std::optional<NotificationState> decodeNotifications(std::string_view bytes) {
     try {
         const Json json = Json::parse(bytes);
         if (json.at("version") != currentVersion) return std::nullopt;
-        NotificationState state;
-        for (const auto& waiting : json.at("waiting").get_ref<const Json::array_t&>())
-            state.waiting.push_back(readWaiting(waiting));
-        for (const auto& shown : json.at("shown").get_ref<const Json::array_t&>())
-            state.shown.push_back(readShown(shown));
-        return state;
+        return NotificationState{readEach(json.at("waiting"), readWaiting), readEach(json.at("shown"), readShown)};
     } catch (const nlohmann::json::exception&) {
-        return std::nullopt;
-    } catch (const Unreadable&) {
         return std::nullopt;
     }
 }

@@ -48,7 +48,7 @@ inline constexpr std::size_t maximumNotificationStateBytes = 16 << 20;
 /// The state as JSON. Pure; any thread.
 std::string encodeNotifications(const NotificationState& state);
 
-/// Absent when `bytes` is anything else than what `encodeNotifications` writes.
+/// What `encodeNotifications` wrote, without the entries that cannot be read. Absent when `bytes` is anything else.
 std::optional<NotificationState> decodeNotifications(std::string_view bytes);
 
 }  // namespace sunpane

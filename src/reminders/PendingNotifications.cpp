@@ -159,6 +159,7 @@ void PendingNotifications::add(NotificationRequest request) {
 std::optional<PendingNotifications::Reading> PendingNotifications::firstReading(const NotificationRequest& request,
                                                                                 Faces& faces) const {
     const CalendarTrigger& trigger = request.trigger;
+    if (!isValid(trigger)) return std::nullopt;
     auto next = nextMatch(trigger, faces.time(trigger));
     if (request.intended) {
         const CivilTime time = faces.time(trigger, *request.intended);

@@ -327,15 +327,7 @@ TEST_F(PendingNotificationsTest, KeepsAStateThatCannotBeReadAsideAndStartsEmpty)
              good.substr(0, good.size() / 2),
              "[]",
              R"({"version":2,"waiting":[],"shown":[]})",
-             R"({"version":1,"waiting":[{}],"shown":[]})",
              R"({"version":1,"waiting":{},"shown":[]})",
-             R"({"version":1,"waiting":[],"shown":[1]})",
-             R"({"version":1,"waiting":[{"identifier":"a","title":"","body":"","userInfo":{},)"
-             R"("trigger":{"month":13,"repeats":true},"next":[2026,11,22,1,2,3]}],"shown":[]})",
-             R"({"version":1,"waiting":[{"identifier":"a","title":"","body":"","userInfo":{},)"
-             R"("trigger":{"hour":1,"repeats":true},"next":[2026,2,30,1,2,3]}],"shown":[]})",
-             R"({"version":1,"waiting":[{"identifier":"a","title":"","body":"","userInfo":{},)"
-             R"("trigger":{"hour":1e99,"repeats":true},"next":[2026,2,3,1,2,3]}],"shown":[]})",
          }) {
         EXPECT_EQ(decodeNotifications(bad), std::nullopt) << bad;
         files.writeExternally(statePath, bad);
@@ -349,6 +341,52 @@ TEST_F(PendingNotificationsTest, KeepsAStateThatCannotBeReadAsideAndStartsEmpty)
     const auto state = decodeNotifications(good);
     ASSERT_TRUE(state);
     EXPECT_EQ(encodeNotifications(*state), good);
+}
+
+TEST_F(PendingNotificationsTest, LosesOnlyTheEntriesThatCannotBeRead) {
+    add("shown", once(22, 9, 1));
+    waitUntil("2026-11-22T09:02:00");
+    add("a", once(22, 10, 0));
+    center.reset();
+    const std::string good = files.content(statePath).value();
+    const auto with = [&](const std::string& list, const std::string& entry) {
+        std::string text = good;
+        const std::string start = "\"" + list + "\":[";
+        return text.insert(text.find(start) + start.size(), entry + ",");
+    };
+    const auto waitingWith = [&](const std::string& trigger, const std::string& next) {
+        return with("waiting", R"({"identifier":"b","title":"","body":"","userInfo":{},"trigger":{"repeats":true,)" +
+                                   trigger + R"(},"next":)" + next + "}");
+    };
+    EXPECT_EQ(decodeNotifications(waitingWith(R"("hour":1)", "[2026,11,22,1,2,3]"))->waiting.size(), 2U);
+    for (const std::string& bad : std::vector<std::string>{
+             with("waiting", "{}"),
+             with("waiting", "null"),
+             with("shown", "1"),
+             waitingWith(R"("month":13)", "[2026,11,22,1,2,3]"),
+             waitingWith(R"("hour":1)", "[2026,2,30,1,2,3]"),
+             waitingWith(R"("hour":1)", "[27894,2,3,1,2,3]"),
+             waitingWith(R"("hour":1e99)", "[2026,2,3,1,2,3]"),
+         }) {
+        const auto state = decodeNotifications(bad);
+        ASSERT_TRUE(state) << bad;
+        EXPECT_EQ(encodeNotifications(*state), good) << bad;
+    }
+}
+
+TEST_F(PendingNotificationsTest, ARequestForNoCalendarsYearCostsNoOther) {
+    const Instant farAway = at("2026-11-22T09:00:00") + 26000.0 * 366 * 86400;
+    add("due", once(22, 10, 0));
+    CalendarTrigger trigger = once(22, 10, 0);
+    trigger.year = LocalCalendar(platform.clock).civilTime(farAway).day.year;
+    trigger.month = LocalCalendar(platform.clock).civilTime(farAway).day.month;
+    trigger.day = LocalCalendar(platform.clock).civilTime(farAway).day.day;
+    trigger.hour = LocalCalendar(platform.clock).civilTime(farAway).hour;
+    center->add({"far", "Title", "far", {}, trigger, std::nullopt, farAway});
+    platform.time.runPending();
+    EXPECT_THAT(waiting(), ElementsAre("due"));
+    restartAt("2026-11-22T11:00:00");
+    EXPECT_THAT(log, ElementsAre("due at 11-22 11:00:00"));
 }
 
 TEST_F(PendingNotificationsTest, WritesAgainWhenTheDiskWasFull) {
