@@ -9,6 +9,7 @@ Rectangle {
     property alias maximumLength: input.maximumLength
     property alias validator: input.validator
     readonly property alias focused: input.activeFocus
+    // Return, on what the validator accepts.
     signal submitted
 
     function takeFocus() {
@@ -47,7 +48,11 @@ Rectangle {
         Accessible.name: entry.label
         Accessible.editable: true
 
-        Keys.onReturnPressed: entry.submitted()
-        Keys.onEnterPressed: entry.submitted()
+        function submitWith(event) {
+            if (acceptableInput && !event.isAutoRepeat)
+                entry.submitted();
+        }
+        Keys.onReturnPressed: (event) => submitWith(event)
+        Keys.onEnterPressed: (event) => submitWith(event)
     }
 }
