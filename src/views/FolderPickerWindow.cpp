@@ -50,8 +50,8 @@ void FolderPickerWindow::fail(const QString& problem) {
     emit changed();
 }
 
-void FolderPickerWindow::enter(const QString& path) {
-    const QString target = resolved(path);
+void FolderPickerWindow::enter(const QString& name) {
+    const QString target = QDir::cleanPath(folder_ + QLatin1Char('/') + name);
     const QFileInfo info(target);
     if (!info.isDir()) return fail(tr("There is no folder %1.").arg(target));
     if (!info.isReadable() || !info.isExecutable()) return fail(tr("You may not look into %1.").arg(target));
@@ -70,7 +70,8 @@ void FolderPickerWindow::create(const QString& name) {
 }
 
 void FolderPickerWindow::choose(const QString& path) {
-    const QString target = resolved(path);
+    // What was walked to keeps its name as it is; spaces are strayed ones only in what was typed.
+    const QString target = path == folder_ ? folder_ : resolved(path);
     if (!QFileInfo(target).isDir() && !QDir().mkpath(target))
         return fail(tr("The folder %1 could not be made.").arg(target));
     finish(target.toStdString());

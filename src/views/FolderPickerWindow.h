@@ -39,11 +39,12 @@ public:
     const QString& problem() const { return problem_; }
     const QString& prompt() const { return prompt_; }
 
-    /// Looks into a folder: an absolute path, one from the home folder ("~/Notes"), or one from the folder on screen.
-    Q_INVOKABLE void enter(const QString& path);
+    /// Looks into one of `names`.
+    Q_INVOKABLE void enter(const QString& name);
     Q_INVOKABLE void leave();
     Q_INVOKABLE void create(const QString& name);
-    /// Takes the folder at that path, which is made when it is missing.
+    /// Takes the folder at that path, which is made when it is missing: an absolute path, one from the home folder
+    /// ("~/Notes"), or one from the folder on screen.
     Q_INVOKABLE void choose(const QString& path);
     Q_INVOKABLE void cancel();
 
@@ -51,6 +52,7 @@ signals:
     void changed();
 
 private:
+    // The folder that a typed path means.
     QString resolved(const QString& path) const;
     void showFolder(const QString& path);
     void fail(const QString& problem);

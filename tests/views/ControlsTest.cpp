@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QQuickItem>
 
+#include "support/TemporaryFolder.h"
+#include "views/FolderPickerWindow.h"
 #include "views/WindowsFixture.h"
 
 namespace sunpane {
@@ -27,6 +31,30 @@ TEST_F(Controls, AColourIsTakenOnlyWhenItsNumberIsWhole) {
     type(window, QStringLiteral("80ff00"));
     press(window, Qt::Key_Return);
     EXPECT_EQ(window.property("taken").toString().toStdString(), "#80ff00");
+}
+
+TEST_F(Controls, TheFolderPickerKeepsNamesAsTheyAre) {
+    const testing::TemporaryFolder folder;
+    for (const char* name : {" ahead", "behind ", "~", "plain"}) {
+        const QString path = QString::fromStdString(folder / name);
+        ASSERT_TRUE(QDir().mkdir(path));
+        FolderPickerWindow picker(engine);
+        std::optional<std::string> chosen;
+        picker.pick(folder.path(), "Watch", [&](const auto& taken) { chosen = taken; });
+        ASSERT_TRUE(picker.names().contains(QLatin1String(name)));
+        picker.enter(QLatin1String(name));
+        EXPECT_EQ(picker.problem().toStdString(), "") << name;
+        picker.choose(picker.folder());
+        EXPECT_EQ(chosen, path.toStdString());
+        settle();
+    }
+    FolderPickerWindow picker(engine);
+    std::optional<std::string> chosen;
+    picker.pick(folder.path(), "Watch", [&](const auto& taken) { chosen = taken; });
+    picker.choose(QStringLiteral("  ") + QString::fromStdString(folder / "typed\t"));
+    EXPECT_EQ(chosen, folder / "typed");
+    EXPECT_TRUE(QFileInfo(QString::fromStdString(folder / "typed")).isDir());
+    settle();
 }
 
 }  // namespace
