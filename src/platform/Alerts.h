@@ -20,7 +20,8 @@ public:
     virtual ~Alerts() = default;
 
     /// Shows the message and returns; calls `answered` once, with whether the first button was chosen. Closing the
-    /// window chooses the second. A message that comes while one is shown waits for its turn.
+    /// window chooses the second; the end of the program chooses none. A message that comes while one is shown waits
+    /// for its turn.
     virtual void show(Alert alert, std::function<void(bool first)> answered) = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <deque>
 #include <functional>
@@ -19,6 +20,9 @@ public:
     explicit AlertWindows(ViewEngine& engine);
 
     void show(Alert alert, std::function<void(bool first)> answered) override;
+
+    /// An alert that is open when the program ends stays unanswered.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private slots:
     void take(bool first);

@@ -5,6 +5,7 @@
 #include <QQuickItem>
 
 #include "support/TemporaryFolder.h"
+#include "views/AlertWindows.h"
 #include "views/FolderPickerWindow.h"
 #include "views/WindowsFixture.h"
 
@@ -55,6 +56,25 @@ TEST_F(Controls, TheFolderPickerKeepsNamesAsTheyAre) {
     EXPECT_EQ(chosen, folder / "typed");
     EXPECT_TRUE(QFileInfo(QString::fromStdString(folder / "typed")).isDir());
     settle();
+}
+
+TEST_F(Controls, EndingTheProgramAnswersNoAlert) {
+    AlertWindows alerts(engine);
+    int answers = 0;
+    const auto ask = [&] { alerts.show({"Move?", "Why.", "Move", "Not Now"}, [&](bool) { ++answers; }); };
+    ask();
+    settle();
+    ASSERT_NE(QGuiApplication::focusWindow(), nullptr);
+    QGuiApplication::focusWindow()->close();
+    settle();
+    EXPECT_EQ(answers, 1) << "closing its window does";
+    ask();
+    ask();
+    settle();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    settle();
+    EXPECT_EQ(answers, 1);
 }
 
 }  // namespace
