@@ -14,6 +14,49 @@ namespace {
 
 using Controls = testing::WindowsFixture;
 
+TEST_F(Controls, AKeyPressesOnceHoweverLongItIsHeld) {
+    for (const char* control :
+         {"LabelButton { text: 'Clear'; ", "IconButton { symbol: 'xmark'; label: 'Close'; ",
+          "SidebarEntry { text: 'General'; symbol: 'folder'; ", "SettingToggle { text: 'At login'; checked: false; "}) {
+        auto& window = show("property int presses: 0; " + QByteArray(control) + "focus: true; onClicked: ++presses }");
+        int presses = 0;
+        for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            press(window, key, {}, 5);
+            EXPECT_EQ(window.property("presses").toInt(), ++presses) << control << key;
+        }
+    }
+}
+
+TEST_F(Controls, AControlThatGoesHandsTheKeyboardOn) {
+    struct Case {
+        const char* what;
+        const char* content;
+        const char* next;
+    };
+    const Case cases[] = {
+        {"to the one before it in its row",
+         "Item { TextButton { text: 'Entry' } } Row { LabelButton { text: 'Open' } LabelButton { focus: true; text: "
+         "'Reset'; onClicked: visible = false } }",
+         "Open"},
+        {"to the next, when it is the row's first",
+         "Column { TextButton { text: 'Entry' } Row { LabelButton { focus: true; text: 'Connect'; onClicked: visible = "
+         "false } } LabelButton { text: 'Accounts' } }",
+         "Accounts"},
+    };
+    for (const auto& [what, content, next] : cases) {
+        auto& window = show(content);
+        press(window, Qt::Key_Return);
+        ASSERT_NE(window.activeFocusItem(), nullptr) << what;
+        EXPECT_EQ(window.activeFocusItem()->property("text").toString().toStdString(), next) << what;
+    }
+    auto& window = show(
+        "property int presses: 0; Item { id: page; LabelButton { focus: true; text: 'Go'; onClicked: "
+        "page.visible = false } } LabelButton { text: 'Other'; onClicked: ++presses }");
+    press(window, Qt::Key_Return);
+    press(window, Qt::Key_Return);
+    EXPECT_EQ(window.property("presses").toInt(), 0) << "a page that goes takes the keyboard with it";
+}
+
 TEST_F(Controls, AColourIsTakenOnlyWhenItsNumberIsWhole) {
     auto& window = show(
         "property string taken; ColorChoice { text: 'Top'; value: '#102030'; onPicked: (value) => taken "

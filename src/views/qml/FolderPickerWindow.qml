@@ -78,9 +78,9 @@ ProgramWindow {
 
                 Accessible.role: Accessible.List
                 Accessible.name: qsTr("Folders")
-                Keys.onReturnPressed: enterCurrent()
-                Keys.onEnterPressed: enterCurrent()
-                Keys.onRightPressed: enterCurrent()
+                Keys.onReturnPressed: (event) => enterWith(event)
+                Keys.onEnterPressed: (event) => enterWith(event)
+                Keys.onRightPressed: (event) => enterWith(event)
                 Keys.onLeftPressed: dialog.picker.leave()
                 Keys.onPressed: (event) => {
                     if (event.key !== Qt.Key_Backspace)
@@ -88,8 +88,8 @@ ProgramWindow {
                     dialog.picker.leave();
                     event.accepted = true;
                 }
-                function enterCurrent() {
-                    if (currentItem)
+                function enterWith(event) {
+                    if (currentItem && !event.isAutoRepeat)
                         dialog.picker.enter(currentItem.modelData);
                 }
 

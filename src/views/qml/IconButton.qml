@@ -2,30 +2,17 @@ import QtQuick
 import Sunpane
 
 // A round button with a symbol.
-Item {
+Pressable {
     id: button
 
     required property string symbol
     required property string label
-    signal clicked
 
     implicitWidth: 26
     implicitHeight: 26
-    activeFocusOnTab: enabled
     opacity: enabled ? 1 : 0.35
 
-    function press() {
-        if (enabled)
-            clicked();
-    }
-
-    Accessible.role: Accessible.Button
     Accessible.name: label
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
-    Keys.onReturnPressed: press()
-    Keys.onEnterPressed: press()
-    Keys.onSpacePressed: press()
 
     Rectangle {
         anchors.fill: parent

@@ -62,25 +62,28 @@ Item {
         next.forceActiveFocus(Qt.OtherFocusReason);
     }
 
-    Keys.onReturnPressed: openMenu()
-    Keys.onEnterPressed: openMenu()
     Keys.onMenuPressed: openMenu()
     Keys.onPressed: (event) => {
-        const plain = event.modifiers === Qt.NoModifier;
-        const shifted = event.modifiers === Qt.ShiftModifier;
-        if (shifted && event.key === Qt.Key_Right)
-            flag();
-        else if (shifted && event.key === Qt.Key_Left)
-            dismiss();
-        else if (plain && event.key === Qt.Key_M || shifted && event.key === Qt.Key_F10)
-            openMenu();
-        else if (plain && event.key === Qt.Key_R)
-            host.openReminderMenu(card, Style.inset, true);
-        else if (plain && event.key === Qt.Key_O)
-            host.openLinks(card);
-        else
-            return;
-        event.accepted = true;
+        const action = actionOf(event.key, event.modifiers);
+        event.accepted = action !== null;
+        // Held down, the key that clears a card would remove it next.
+        if (action && !event.isAutoRepeat)
+            action();
+    }
+    function actionOf(key, modifiers) {
+        const plain = modifiers === Qt.NoModifier;
+        const shifted = modifiers === Qt.ShiftModifier;
+        if (shifted && key === Qt.Key_Right)
+            return flag;
+        if (shifted && key === Qt.Key_Left)
+            return dismiss;
+        if (key === Qt.Key_Return || key === Qt.Key_Enter || plain && key === Qt.Key_M || shifted && key === Qt.Key_F10)
+            return openMenu;
+        if (plain && key === Qt.Key_R)
+            return () => host.openReminderMenu(card, Style.inset, true);
+        if (plain && key === Qt.Key_O)
+            return () => host.openLinks(card);
+        return null;
     }
 
     SwipeHint {

@@ -1,25 +1,17 @@
 import QtQuick
 
 // Joins an online meeting; brighter while the meeting is about to begin.
-Item {
+Pressable {
     id: capsule
 
     property string meeting: ""
     property bool imminent: false
     readonly property bool inColumn: true
-    signal clicked
 
     implicitWidth: label.implicitWidth + 26
     implicitHeight: 22
-    activeFocusOnTab: visible
 
-    Accessible.role: Accessible.Button
     Accessible.name: meeting.length > 0 ? qsTr("Join %1").arg(meeting) : label.text
-    Accessible.focusable: true
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
 
     Rectangle {
         anchors.fill: parent
@@ -51,6 +43,6 @@ Item {
         anchors.fill: parent
         hoverEnabled: true
         cursorShape: Qt.PointingHandCursor
-        onClicked: capsule.clicked()
+        onClicked: capsule.press()
     }
 }

@@ -2,26 +2,18 @@ import QtQuick
 import Sunpane
 
 // A button with words, and a symbol before them where one is given; filled when it is the answer that is suggested.
-Item {
+Pressable {
     id: button
 
     required property string text
     property string symbol: ""
     property bool suggested: false
-    signal clicked
 
     implicitWidth: label.implicitWidth + 28
     implicitHeight: 30
-    activeFocusOnTab: true
 
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.focusable: true
     Accessible.defaultButton: suggested
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
 
     Rectangle {
         anchors.fill: parent
@@ -67,6 +59,6 @@ Item {
         id: area
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: button.clicked()
+        onClicked: button.press()
     }
 }

@@ -16,21 +16,15 @@ Rectangle {
     Accessible.role: Accessible.Grouping
     Accessible.name: qsTr("Now playing: ") + track.title + ", " + track.artist
 
-    Item {
+    Pressable {
         id: cover
         x: 8
         anchors.verticalCenter: parent.verticalCenter
         width: 30
         height: 30
-        activeFocusOnTab: true
 
-        Accessible.role: Accessible.Button
         Accessible.name: strip.track.coverTooltip
-        Accessible.focusable: true
-        Accessible.onPressAction: strip.track.openSource()
-        Keys.onReturnPressed: strip.track.openSource()
-        Keys.onEnterPressed: strip.track.openSource()
-        Keys.onSpacePressed: strip.track.openSource()
+        onClicked: strip.track.openSource()
 
         Rectangle {
             anchors.fill: parent
@@ -119,25 +113,15 @@ Rectangle {
             model: strip.track.buttonKeys
 
             // The whole square takes the click.
-            Item {
+            Pressable {
                 id: transport
                 required property string modelData
                 readonly property var look: strip.track.buttons[modelData]
                 width: strip.track.hitArea
                 height: width
-                activeFocusOnTab: true
 
-                function press() {
-                    strip.track.press(modelData);
-                }
-
-                Accessible.role: Accessible.Button
                 Accessible.name: look.label
-                Accessible.focusable: true
-                Accessible.onPressAction: press()
-                Keys.onReturnPressed: press()
-                Keys.onEnterPressed: press()
-                Keys.onSpacePressed: press()
+                onClicked: strip.track.press(modelData)
 
                 Rectangle {
                     anchors.fill: parent

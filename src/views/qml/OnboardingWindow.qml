@@ -102,11 +102,7 @@ ProgramWindow {
                     visible: window.tour.step === 0
                     onPanel: false
                     text: qsTr("Set up later in Settings")
-                    onClicked: {
-                        // Before this button goes, and the keyboard with it.
-                        next.forceActiveFocus(Qt.OtherFocusReason);
-                        window.tour.skipAI();
-                    }
+                    onClicked: window.tour.skipAI()
                 }
                 Row {
                     anchors.horizontalCenter: parent.horizontalCenter

@@ -94,6 +94,11 @@ Item {
             close();
         entry.run();
     }
+    // The key that opened the menu may still be held down.
+    function chooseWith(event) {
+        if (!event.isAutoRepeat)
+            choose(current);
+    }
 
     // The pointer is at that place of `item` with the button down.
     function track(item, x, y) {
@@ -188,9 +193,9 @@ Item {
 
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
-        Keys.onReturnPressed: menu.choose(menu.current)
-        Keys.onEnterPressed: menu.choose(menu.current)
-        Keys.onSpacePressed: menu.choose(menu.current)
+        Keys.onReturnPressed: (event) => chooseWith(event)
+        Keys.onEnterPressed: (event) => chooseWith(event)
+        Keys.onSpacePressed: (event) => chooseWith(event)
         Keys.onEscapePressed: menu.close()
         Keys.onTabPressed: menu.close()
         Keys.onLeftPressed: {}

@@ -29,8 +29,13 @@ FocusScope {
     }
 
     Keys.onEscapePressed: owner.close()
-    Keys.onReturnPressed: owner.confirm()
-    Keys.onEnterPressed: owner.confirm()
+    // The key that chose the form from its menu may still be held down.
+    function confirmWith(event) {
+        if (!event.isAutoRepeat)
+            owner.confirm();
+    }
+    Keys.onReturnPressed: (event) => confirmWith(event)
+    Keys.onEnterPressed: (event) => confirmWith(event)
     Keys.onTabPressed: move(true)
     Keys.onBacktabPressed: move(false)
     Keys.onUpPressed: {}

@@ -77,22 +77,16 @@ Item {
         border.color: Style.hairline
     }
 
-    Item {
+    Pressable {
         id: header
         readonly property bool inColumn: true
         width: parent.width
         height: section.headerHeight
         visible: !section.recap
-        activeFocusOnTab: visible
 
-        Accessible.role: Accessible.Button
         Accessible.name: section.spokenTitle + ", " + Style.counted(section.itemCount, qsTr("1 card"), qsTr("%1 cards"))
         Accessible.description: section.isOpen ? qsTr("expanded") : qsTr("collapsed")
-        Accessible.focusable: true
-        Accessible.onPressAction: section.toggled()
-        Keys.onReturnPressed: section.toggled()
-        Keys.onEnterPressed: section.toggled()
-        Keys.onSpacePressed: section.toggled()
+        onClicked: section.toggled()
 
         Rectangle {
             anchors.fill: parent
@@ -183,11 +177,10 @@ Item {
                 readonly property bool hasLinks: section.intro.includes("<a href")
 
                 activeFocusOnTab: hasLinks
-                Keys.onReturnPressed: section.host.openLinks(introText)
-                Keys.onEnterPressed: section.host.openLinks(introText)
                 Keys.onPressed: (event) => {
-                    event.accepted = event.key === Qt.Key_O && event.modifiers === Qt.NoModifier;
-                    if (event.accepted)
+                    event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+                        || event.key === Qt.Key_O && event.modifiers === Qt.NoModifier;
+                    if (event.accepted && !event.isAutoRepeat)
                         section.host.openLinks(introText);
                 }
                 onLinkActivated: (link) => section.host.cards.openLink(sectionId, index, parseInt(link))

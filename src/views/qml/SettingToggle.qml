@@ -1,7 +1,7 @@
 import QtQuick
 
 // A switch with its name, and below it what it does.
-Item {
+Pressable {
     id: toggle
 
     required property string text
@@ -11,25 +11,16 @@ Item {
 
     width: parent ? parent.width : 0
     implicitHeight: words.implicitHeight
-    activeFocusOnTab: enabled
     opacity: enabled ? 1 : 0.5
 
-    function press() {
-        if (enabled)
-            toggled(!checked);
-    }
+    onClicked: toggled(!checked)
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
     Accessible.description: caption
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.focusable: true
-    Accessible.onPressAction: press()
     Accessible.onToggleAction: press()
-    Keys.onReturnPressed: press()
-    Keys.onEnterPressed: press()
-    Keys.onSpacePressed: press()
 
     Column {
         id: words

@@ -2,28 +2,21 @@ import QtQuick
 import Sunpane
 
 // A page, or an action, in the settings' list.
-Item {
+Pressable {
     id: entry
 
     required property string text
     required property string symbol
     property bool page: false
     property bool selected: false
-    signal clicked
 
     width: parent ? parent.width : 0
     implicitHeight: 32
-    activeFocusOnTab: true
 
     Accessible.role: page ? Accessible.PageTab : Accessible.Button
     Accessible.name: text
     Accessible.selectable: page
     Accessible.selected: selected
-    Accessible.focusable: true
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
     Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
     Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 
@@ -60,6 +53,6 @@ Item {
         id: area
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: entry.clicked()
+        onClicked: entry.press()
     }
 }

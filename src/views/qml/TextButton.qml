@@ -1,26 +1,18 @@
 import QtQuick
 
 // A quiet button that is only its words.
-Item {
+Pressable {
     id: button
 
     required property string text
     readonly property bool inColumn: true
     // Windows beside the panel have a background of their own.
     property bool onPanel: true
-    signal clicked
 
     implicitWidth: label.implicitWidth + 2 * Style.inset
     implicitHeight: label.implicitHeight + 10
-    activeFocusOnTab: true
 
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.focusable: true
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
 
     Scrim {
         visible: button.onPanel
@@ -42,6 +34,6 @@ Item {
         id: area
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: button.clicked()
+        onClicked: button.press()
     }
 }

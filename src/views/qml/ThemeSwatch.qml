@@ -1,18 +1,16 @@
 import QtQuick
 
 // A theme to choose: what the panel would be washed with, and the theme's name below.
-Item {
+Pressable {
     id: swatch
 
     required property string label
     // A list of { color, location } from top to bottom, of at most five.
     required property var fill
     required property bool selected
-    signal clicked
 
     implicitWidth: 44
     implicitHeight: name.y + name.implicitHeight
-    activeFocusOnTab: true
 
     function stop(index) {
         return fill[Math.min(index, fill.length - 1)];
@@ -22,11 +20,6 @@ Item {
     Accessible.name: qsTr("%1 theme").arg(label)
     Accessible.checkable: true
     Accessible.checked: selected
-    Accessible.focusable: true
-    Accessible.onPressAction: clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-    Keys.onSpacePressed: clicked()
 
     Rectangle {
         id: tile
@@ -77,6 +70,6 @@ Item {
         id: area
         anchors.fill: parent
         hoverEnabled: true
-        onClicked: swatch.clicked()
+        onClicked: swatch.press()
     }
 }

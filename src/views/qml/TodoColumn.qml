@@ -169,9 +169,12 @@ Rectangle {
         const id = row.todoId;
         const moved = event.modifiers & Qt.AltModifier;
         const shifted = event.modifiers === Qt.ShiftModifier;
+        // A key that is held down walks through the rows and does nothing else again and again.
+        const once = !event.isAutoRepeat;
         switch (event.key) {
         case Qt.Key_Space:
-            presenter.toggle(id);
+            if (once)
+                presenter.toggle(id);
             return true;
         case Qt.Key_Return:
         case Qt.Key_Enter:
@@ -180,7 +183,8 @@ Rectangle {
             return true;
         case Qt.Key_Delete:
         case Qt.Key_Backspace:
-            removeFromKeyboard(row);
+            if (once)
+                removeFromKeyboard(row);
             return true;
         case Qt.Key_Up:
         case Qt.Key_Down:
@@ -194,11 +198,11 @@ Rectangle {
             return true;
         case Qt.Key_Right:
             // Without Shift these leaf through the briefings.
-            if (shifted)
+            if (shifted && once)
                 presenter.togglePriority(id);
             return shifted;
         case Qt.Key_Left:
-            if (shifted)
+            if (shifted && once)
                 removeFromKeyboard(row);
             return shifted;
         case Qt.Key_Home:

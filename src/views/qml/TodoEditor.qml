@@ -51,8 +51,13 @@ Rectangle {
         Accessible.name: qsTr("Edit todo")
         Accessible.editable: true
 
-        Keys.onReturnPressed: editor.committed(text)
-        Keys.onEnterPressed: editor.committed(text)
+        // The key that opened the editor may still be held down.
+        function commitWith(event) {
+            if (!event.isAutoRepeat)
+                editor.committed(text);
+        }
+        Keys.onReturnPressed: (event) => commitWith(event)
+        Keys.onEnterPressed: (event) => commitWith(event)
         Keys.onEscapePressed: editor.discarded()
         Keys.onTabPressed: editor.committed(text)
         Keys.onBacktabPressed: editor.committed(text)
