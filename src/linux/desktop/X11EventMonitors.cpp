@@ -14,6 +14,8 @@ namespace {
 
 bool isInTextField(QObject* focus) {
     if (focus == nullptr) return false;
+    // One that is only for reading takes no input, and yet the keys that edit are meant for it.
+    if (focus->inherits("QQuickTextEdit") || focus->inherits("QQuickTextInput")) return true;
     QInputMethodQueryEvent query(Qt::ImEnabled);
     QCoreApplication::sendEvent(focus, &query);
     return query.value(Qt::ImEnabled).toBool();
