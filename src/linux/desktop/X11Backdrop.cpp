@@ -166,6 +166,9 @@ std::optional<ScreenBackdrop::Capture> X11Backdrop::capture(std::uint64_t window
                       static_cast<std::uint16_t>(height));
     const xcb_render_picture_t target = xcb_generate_id(c);
     xcb_render_create_picture(c, target, pixmap, formatOf(events_.screen().root_visual), 0, nullptr);
+    // No layer need cover all of it: a part of the window may be off the screen, and a new pixmap holds anything.
+    const xcb_rectangle_t whole{0, 0, static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height)};
+    xcb_render_fill_rectangles(c, XCB_RENDER_PICT_OP_SRC, target, {0, 0, 0, 0xFFFF}, 1, &whole);
     live_ = events_.hasCompositor() && drawLayers(target, window, *area, reduction);
     if (!live_) {
         draw(target, events_.screen().root, events_.screen().root_visual,
