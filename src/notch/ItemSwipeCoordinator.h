@@ -44,8 +44,11 @@ public:
     /// Takes a scroll event; whether it is consumed.
     bool handle(const ScrollEvent& event);
 
-    /// Moves the hovered card to `x` points from its place, as a drag with the mouse does.
-    void moveTo(double x) { setSwipeX(x); }
+    /// Moves the hovered card to `x` points from its place, as a drag with the mouse does. Until it is let go of, two
+    /// fingers do nothing to it.
+    void dragTo(double x);
+    /// Lets go of the card, which goes back.
+    void cancelDrag();
 
     /// Acts on a card that was moved by `swipeX`, and lets go of it.
     void finish(const BriefingItem& item);
@@ -55,12 +58,16 @@ public:
     /// How far (points) the hovered card is moved; positive to the right.
     double swipeX() const { return swipeX_; }
 
+    enum class Outcome { marked, unmarked, cleared, removed };
+    /// Told what became of a card that was swiped far enough, by whatever moved it; the user interface sets it.
+    std::function<void(Outcome)> onOutcome;
+
     /// Runs a change so that it shows with the spring; the user interface sets it. Without it changes just happen.
     Animate animate;
 
 private:
-    void end();
-    // Without the store there is nothing to do and nothing that the undo would bring back.
+    void decide(const BriefingItem& item);
+    void tell(Outcome outcome) const;
     void setSwipeX(double x);
     void run(const Spring& spring, const Change& change);
 
@@ -69,6 +76,7 @@ private:
     std::weak_ptr<ItemFlagStore> flags_;
     std::optional<BriefingItem> hoveredItem_;
     double swipeX_ = 0;
+    bool isDragged_ = false;
     SwipeRecognizer gesture_;
     Subscription registration_;
 };

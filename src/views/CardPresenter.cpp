@@ -16,6 +16,21 @@ QString toQt(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+QString spoken(ItemSwipeCoordinator::Outcome outcome) {
+    using enum ItemSwipeCoordinator::Outcome;
+    switch (outcome) {
+        case marked:
+            return CardPresenter::tr("Marked as a priority");
+        case unmarked:
+            return CardPresenter::tr("No longer a priority");
+        case cleared:
+            return CardPresenter::tr("Cleared");
+        case removed:
+            return CardPresenter::tr("Removed");
+    }
+    return {};
+}
+
 }  // namespace
 
 CardPresenter::CardPresenter(const Collaborators& collaborators, const BriefColumnModel& column)
@@ -25,6 +40,7 @@ CardPresenter::CardPresenter(const Collaborators& collaborators, const BriefColu
       spring_(ItemSwipeCoordinator::hoverAnimation),
       self_(std::make_shared<CardPresenter*>(this)) {
     swipeChanges_ = coordinator_.onWillChange([this] { scheduleRefresh(); });
+    coordinator_.onOutcome = [this](ItemSwipeCoordinator::Outcome outcome) { emit announced(spoken(outcome)); };
     coordinator_.animate = [this](const Spring& spring, const ItemSwipeCoordinator::Change& change) {
         spring_ = SpringCurve(spring);
         springs_ = true;
@@ -80,44 +96,31 @@ void CardPresenter::dragTo(int sectionId, int index, qreal x) {
         coordinator_.pointerEntered(*item);
         springs_ = false;
     }
-    coordinator_.moveTo(x);
+    coordinator_.dragTo(x);
 }
 
-QString CardPresenter::drop() {
-    const auto item = std::exchange(dragged_, std::nullopt);
-    return item ? finishSwipe(*item) : QString();
+void CardPresenter::drop() {
+    if (const auto item = std::exchange(dragged_, std::nullopt)) coordinator_.finish(*item);
 }
 
 void CardPresenter::cancelDrag() {
-    if (!std::exchange(dragged_, std::nullopt)) return;
-    coordinator_.animate(ItemSwipeCoordinator::finishAnimation, [&] { coordinator_.moveTo(0); });
+    if (std::exchange(dragged_, std::nullopt)) coordinator_.cancelDrag();
 }
 
-QString CardPresenter::swipe(const BriefingItem& item, double x) {
-    coordinator_.moveTo(x);
-    return finishSwipe(item);
-}
-
-QString CardPresenter::finishSwipe(const BriefingItem& item) {
-    const ItemFlagStore& flags = with_.viewModel.flagStore();
-    const bool wasPriority = flags.isPrio(item.id());
-    const bool wasCleared = flags.isCleared(item.id());
-    coordinator_.animate(ItemSwipeCoordinator::finishAnimation, [&] { coordinator_.finish(item); });
-    if (flags.isHidden(item.id())) return tr("Removed");
-    if (!wasCleared && flags.isCleared(item.id())) return tr("Cleared");
-    const bool isPriority = flags.isPrio(item.id());
-    if (isPriority == wasPriority) return {};
-    return isPriority ? tr("Marked as a priority") : tr("No longer a priority");
-}
-
-QString CardPresenter::flag(int sectionId, int index) {
+void CardPresenter::swipe(int sectionId, int index, double x) {
     const auto* item = column_.item(sectionId, index);
-    return item != nullptr ? swipe(BriefingItem(*item), ItemSwipeCoordinator::decisionDistance + 1) : QString();
+    if (item == nullptr) return;
+    coordinator_.dragTo(x);
+    // A copy: acting on the card may take it from the column.
+    coordinator_.finish(BriefingItem(*item));
 }
 
-QString CardPresenter::dismiss(int sectionId, int index) {
-    const auto* item = column_.item(sectionId, index);
-    return item != nullptr ? swipe(BriefingItem(*item), -ItemSwipeCoordinator::decisionDistance - 1) : QString();
+void CardPresenter::flag(int sectionId, int index) {
+    swipe(sectionId, index, ItemSwipeCoordinator::decisionDistance + 1);
+}
+
+void CardPresenter::dismiss(int sectionId, int index) {
+    swipe(sectionId, index, -ItemSwipeCoordinator::decisionDistance - 1);
 }
 
 QVariantMap CardPresenter::dragData(int sectionId, int index) const {

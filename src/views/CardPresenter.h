@@ -60,15 +60,14 @@ public:
     Q_INVOKABLE void cardGone(const QString& key);
     /// A card is dragged sideways by `x` points from where it was.
     Q_INVOKABLE void dragTo(int sectionId, int index, qreal x);
-    /// The card is let go of: far enough, and that counts as a swipe. Returns what happened, in words for the screen
-    /// reader; empty for nothing.
-    Q_INVOKABLE QString drop();
+    /// The card is let go of: far enough, and that counts as a swipe.
+    Q_INVOKABLE void drop();
     /// The card goes back, whatever its place.
     Q_INVOKABLE void cancelDrag();
 
-    /// What swipes to the right and to the left do, without one. Return what happened, as `drop`.
-    Q_INVOKABLE QString flag(int sectionId, int index);
-    Q_INVOKABLE QString dismiss(int sectionId, int index);
+    /// What swipes to the right and to the left do, without one.
+    Q_INVOKABLE void flag(int sectionId, int index);
+    Q_INVOKABLE void dismiss(int sectionId, int index);
 
     /// What a drag of the card carries: data by media type. Plain text for other programs, and the payload for the todo
     /// column.
@@ -98,13 +97,14 @@ signals:
     void swipeChanged();
     /// A card is about to be added to the todos.
     void todoComing();
+    /// What a swipe did, for those who hear the program.
+    void announced(const QString& text);
 
 private:
     void scheduleRefresh();
     void refresh();
     // Swipes a card by `x` points without showing it.
-    QString swipe(const BriefingItem& item, double x);
-    QString finishSwipe(const BriefingItem& item);
+    void swipe(int sectionId, int index, double x);
     std::vector<InlineLink> linksIn(int sectionId, int index) const;
 
     Collaborators with_;

@@ -104,6 +104,20 @@ struct ItemSwipeCoordinatorTest : ::testing::Test {
     }
 };
 
+TEST_F(ItemSwipeCoordinatorTest, FingersDoNothingToACardThatTheMouseHolds) {
+    swipes->pointerEntered(card);
+    play({event(began), event(changed, 30)});
+    swipes->dragTo(90);
+    EXPECT_EQ(play({event(changed, -50), event(ended), event(began), event(changed, -200), event(ended)}), "-----");
+    EXPECT_EQ(swipes->swipeX(), 90);
+    swipes->finish(card);
+    EXPECT_EQ(state(card), "prio ");
+    swipes->dragTo(90);
+    swipes->cancelDrag();
+    swipe(-100);
+    EXPECT_EQ(state(card), "cleared ") << "let go of, it is swiped again";
+}
+
 TEST_F(ItemSwipeCoordinatorTest, LocksTheAxisAndFollowsTheFingersSideways) {
     struct Case {
         const char* what;

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "views/ViewModelFixture.h"
 
 namespace sunpane {
@@ -15,6 +17,12 @@ struct CardPresenterTest : testing::ViewModelFixture {
     testing::SimulatedWorkspace workspace;
     BriefColumnModel column;
     CardPresenter cards{{*model, hub, undo, platform.runLoop, workspace}, column};
+    std::vector<std::string> heard;
+
+    void SetUp() override {
+        QObject::connect(&cards, &CardPresenter::announced,
+                         [this](const QString& text) { heard.push_back(text.toStdString()); });
+    }
 
     ItemFlagStore& flags() { return model->flagStore(); }
     static BriefingSection section(int id, std::string intro, const std::vector<std::string>& texts) {
@@ -35,9 +43,10 @@ TEST_F(CardPresenterTest, ADragActsOnNoOtherCardOnceItsOwnIsGone) {
     show({"Second"});
     cards.cardGone("first");
     cards.pointerEntered(0, 0);
-    EXPECT_EQ(cards.drop(), "");  // the button comes up over what has moved there
+    cards.drop();  // the button comes up over what has moved there
+    EXPECT_FALSE(flags().isPrio("second"));
     cards.dragTo(0, 0, 100);
-    EXPECT_EQ(cards.drop(), "Marked as a priority");
+    cards.drop();
     EXPECT_TRUE(flags().isPrio("second"));
     EXPECT_FALSE(flags().isPrio("first"));
 }
@@ -46,8 +55,39 @@ TEST_F(CardPresenterTest, AnotherCardThatGoesLeavesADragAlone) {
     show({"First", "Second"});
     cards.dragTo(0, 1, 100);
     cards.cardGone("first");
-    EXPECT_EQ(cards.drop(), "Marked as a priority");
+    cards.drop();
     EXPECT_TRUE(flags().isPrio("second"));
+}
+
+TEST_F(CardPresenterTest, WhatASwipeDidIsToldWhateverItWasMadeWith) {
+    show({"First"});
+    const std::function<void(double)> ways[] = {[&](double x) {
+                                                    cards.dragTo(0, 0, x);
+                                                    cards.drop();
+                                                },
+                                                [&](double x) {
+                                                    cards.setShown(true);
+                                                    cards.pointerEntered(0, 0);
+                                                    pointer.scroll({ScrollPhase::began, ScrollPhase::none, 0, 0});
+                                                    pointer.scroll({ScrollPhase::changed, ScrollPhase::none, x, 0});
+                                                    pointer.scroll({ScrollPhase::ended, ScrollPhase::none, 0, 0});
+                                                    cards.pointerLeft("first");
+                                                },
+                                                [&](double x) { x > 0 ? cards.flag(0, 0) : cards.dismiss(0, 0); }};
+    for (const auto& swipe : ways) {
+        heard.clear();
+        for (const double x : {100, 100, -100, -100})
+            swipe(x);
+        EXPECT_THAT(heard, ElementsAre("Marked as a priority", "No longer a priority", "Cleared", "Removed"));
+        for (const auto& item : section(0, "", {"First"}).items) {
+            flags().unhide(item);
+            flags().unclear(item);
+        }
+    }
+    heard.clear();
+    cards.dragTo(0, 0, 60);
+    cards.drop();
+    EXPECT_THAT(heard, IsEmpty()) << "not far enough";
 }
 
 TEST_F(CardPresenterTest, LinksOfAnIntroductionOpen) {

@@ -50,9 +50,11 @@ Flickable {
         event.accepted = true;
     }
 
-    function announce(text) {
-        if (text.length > 0)
-            announced(text);
+    Connections {
+        target: column.cards
+        function onAnnounced(text) {
+            column.announced(text);
+        }
     }
 
     // Whether a card that is dragged to `x`, in its own coordinates, has left the column for the todos.
@@ -67,14 +69,14 @@ Flickable {
                 label: qsTr("Copy"),
                 run: () => {
                     cards.copyChosen();
-                    announce(qsTr("Copied"));
+                    announced(qsTr("Copied"));
                 }
             },
             {
                 label: qsTr("Add to Todos"),
                 run: () => {
                     cards.addChosenToTodos();
-                    announce(qsTr("Added to the todos"));
+                    announced(qsTr("Added to the todos"));
                 }
             }
         ], byKeyboard);
@@ -88,7 +90,7 @@ Flickable {
 
     function remind(time, rule) {
         cards.remindOfChosen(time, rule);
-        announce(qsTr("Reminder set"));
+        announced(qsTr("Reminder set"));
     }
     function openSheet(card, byKeyboard) {
         sheet.openFor(cards.chosenText(), 0, "", remind, null, byKeyboard ? card : null);

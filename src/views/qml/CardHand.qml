@@ -82,7 +82,7 @@ MouseArea {
             return;
         finish();
         if (did === CardHand.Swiping)
-            card.host.announce(card.cards.drop());
+            card.cards.drop();
         else if (did === CardHand.Choosing)
             card.host.menu.release(card, at.x, at.y);
         else if (did === CardHand.Pressing && linkAt(mouse.x, mouse.y).length > 0)

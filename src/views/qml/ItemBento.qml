@@ -47,13 +47,13 @@ Item {
         host.openCardMenu(card, Style.inset, height, true);
     }
     function flag() {
-        host.announce(cards.flag(sectionId, index));
+        cards.flag(sectionId, index);
     }
     function dismiss() {
         // A card that goes hands the keyboard on to what follows it.
         if (cleared && activeFocus)
             focusNext();
-        host.announce(cards.dismiss(sectionId, index));
+        cards.dismiss(sectionId, index);
     }
     function focusNext() {
         let next = nextItemInFocusChain(true);
