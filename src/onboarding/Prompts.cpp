@@ -39,11 +39,11 @@ Dawnly, a briefing app that unfolds from the top of the user's screen, is the on
 )",
     R"(/
 
-Create the folder if it does not exist. Today's file in it is YYYY-MM-DD.md, with today's real date in the user's time zone (for example 2026-07-06.md). It is the only file you may write: never touch other days, feedback.json, todos.json or itemflags.json.
+Create the folder if it does not exist. Today's file in it is YYYY-MM-DD.md, with today's real date in the user's time zone (for example 2026-07-06.md). It is the only file you may write: never touch other days, feedback.json, todos.json or itemflags.json, and delete nothing.
 
 === STEP 0: READ FEEDBACK FIRST ===
 
-Read feedback.json in that folder before anything else. If it is missing or cannot be read, go on without it. An entry is either a plain string or an object {"text": ..., "since": "YYYY-MM-DD"}; accept both everywhere.
+Read feedback.json in that folder before anything else. If it is missing or cannot be read, go on without it. It is a JSON object with the four lists below; pass over its other keys, and take a list that is missing as empty. An entry is either a plain string or an object {"text": ..., "since": "YYYY-MM-DD"}; accept both everywhere.
 
 - "cleared": the user dismissed these. The topic is dead, not just the wording: never bring it back reworded. Bring it back only when something genuinely new happened, and say in one clause what changed. A cleared topic always beats a similar "prio" entry.
 - "prio": the user flagged these as priorities; "since" is the day of the flag. Everything listed is live today: look up its current state, give it a bullet and put it early in its section. An entry leaves the list by itself after about two days of silence, two weeks at most. Do not treat the list as a backlog.
@@ -62,17 +62,17 @@ Never invent data: no meeting, name, number, link or deadline that you did not r
 
 === STEP 2: WRITE THE FILE ===
 
-Plain UTF-8 markdown, in the user's language. If today's file already exists from an earlier run of yours, overwrite it, but keep a "### 🌙" section at its end if it has one. Write the file in one go.
+Plain UTF-8 markdown, in the user's language; only the title's first two words and the section names stay as they stand here, because the app knows some of them. If today's file already exists from an earlier run of yours, overwrite it, but keep a "### 🌙" section at its end if it has one. Write the file whole, never line by line: the app may read it at any moment. Best write 2026-07-06.md.tmp (with today's date) in the same folder and rename that.
 
 1. First line: `# Morning Briefing, [Weekday D Month]`, for example `# Morning Briefing, Monday 6 July`.
 2. Every section starts with `### <emoji> <Name>` on a line of its own and becomes a collapsible card. Use no other headings.
-3. Bullets start with `- `, ONE item per bullet, on one line. Every bullet becomes a card that the user flags or clears, so it has to make sense by itself: who, what, by when. Lead with a few words in **bold**. At most about 200 characters; no nested bullets, tables or numbered lists.
+3. Bullets start with `- `, ONE item per bullet, on one line. Every bullet becomes a card that the user flags or clears, so it has to make sense by itself: who, what, by when. Lead with a few words in **bold**, never with the whole bullet in bold, which would read as a heading. A link is [words](https://...), and never the first thing in a bullet. At most about 200 characters; no nested bullets, tables or numbered lists. Keep the wording of a bullet from yesterday's file whose facts have not changed, so that the user's flag stays on it.
 4. Suggested sections, in this order; leave out those that would be empty:
    ### 📅 Today's Schedule: always first; it is pinned open with the day's summary. One meeting per bullet, earliest first, starting with the time as HH:MM.
    ### 🔴 Urgent: what breaks, expires or blocks somebody today.
    ### 💬 Mentions: who waits for the user, and for what.
    ### 👀 On Your Radar: what is coming up, worth knowing, or missing.
-5. Last: `### ✅ Action Items` with one `- [ ] task` line per task. They import into the user's todo list and are deduplicated by their text, so repeat an open task with exactly the wording of the earlier file. Each starts with a verb. List only what the user has to do, at most seven.
+5. Last: `### ✅ Action Items` with one `- [ ] task` line per task. They import into the user's todo list, where each stays until the user ticks it off, and are deduplicated by their text: if you list a task again that an earlier file had, word it exactly as there. Each starts with a verb. List only what the user has to do, at most seven.
 6. No filler: no greetings, no "nothing new", no "all clear". Absence is the all-clear.
 7. The whole brief reads in about 30 seconds. When in doubt, leave it out.
 
@@ -118,8 +118,8 @@ Dawnly, a briefing app that unfolds from the top of the user's screen, is the on
     R"(/
 
    Create it if it does not exist.
-2. Today's file in it, YYYY-MM-DD.md with today's real date in the user's time zone (for example 2026-07-06.md). Read it whole: it tells what the user already knows. Everything in it is preserved byte for byte, except an earlier `### 🌙 EOD Recap` section, which the new one replaces in place. If the file is missing, create it with the title line `# Morning Briefing, [Weekday D Month]` (for example `# Morning Briefing, Monday 6 July`) and an empty line. Never touch other days, todos.json or itemflags.json.
-3. feedback.json in the same folder; if it is missing or cannot be read, go on without it. Never write it. An entry is either a plain string or an object {"text": ..., "since": "YYYY-MM-DD"}; accept both everywhere.
+2. Today's file in it, YYYY-MM-DD.md with today's real date in the user's time zone (for example 2026-07-06.md). Read it whole: it tells what the user already knows. Everything in it is preserved byte for byte, except an earlier `### 🌙 EOD Recap` section, which the new one replaces in place. If the file is missing, create it with the title line `# Morning Briefing, [Weekday D Month]` (for example `# Morning Briefing, Monday 6 July`) and an empty line. Never touch other days, todos.json or itemflags.json, and delete nothing.
+3. feedback.json in the same folder; if it is missing or cannot be read, go on without it. Never write it. It is a JSON object with the four lists below; pass over its other keys, and take a list that is missing as empty. An entry is either a plain string or an object {"text": ..., "since": "YYYY-MM-DD"}; accept both everywhere.
    - "cleared": the user dismissed these. The topic is dead, not just the wording: never bring it back reworded. Bring it back only when something genuinely new happened, and say in one clause what changed. A cleared topic always beats a similar "prio" entry.
    - "prio": flagged as priorities; "since" is the day of the flag. Everything listed is live today: look up where it stands and report it. An entry leaves the list by itself after about two days of silence, two weeks at most; it is no backlog.
    - "untouched": shown, neither flagged nor cleared. Leave these out unless something changed.
@@ -131,7 +131,7 @@ Look through what you have access to, about the last 8 hours:
 1. Email and chat: what came in, was answered or decided, and who still waits for the user.
 2. Trackers, documents and other tools: what moved, what is newly due.
 3. Calendar: tomorrow's first three meetings with their times, and what they need.
-4. The `- [ ]` lines of today's file: those whose task you cannot see done are still open. Report each with identical wording, word for word, so that it is recognised as the same task. todos.json is the app's own; do not read it.
+4. The `- [ ]` lines of today's file: a task is done when todos.json in the folder has its "text" with "done": true, or does not have it any more. If todos.json cannot be read, go by what you see. All others are still open; report each with identical wording, word for word, so that it is recognised as the same task.
 
 Never invent data. If a source is missing or fails, say so in one bullet and go on with the others.
 
@@ -140,11 +140,11 @@ Never invent data. If a source is missing or fails, say so in one bullet and go 
 Put exactly one section at the end of today's file, after an empty line:
 
 1. Its heading is `### 🌙 EOD Recap`, on a line of its own. Use no other headings in it.
-2. Plain `- ` bullets only, ONE item per bullet, on one line, understandable by itself, with a few words in **bold** at its start. Never `- [ ]`: it would import an open task a second time.
+2. Plain `- ` bullets only, ONE item per bullet, on one line, understandable by itself, with a few words in **bold** where that helps, but never the whole bullet. Never `- [ ]`: it would import an open task a second time.
 3. In this order: what came in since this morning, what is still open ("Still open: " and the task's own words), what tomorrow starts with ("Tomorrow " and the time).
 4. At most eight bullets, readable in about 20 seconds. No filler such as "nothing new"; leave out what did not change. If nothing at all is left to say, write no section and say so at the end of the run.
 5. If the file already had an `### 🌙 EOD Recap` section, replace it in place, from its heading up to the next `### ` heading or the end of the file. There is never a second one.
-6. Write the whole file in one go, as UTF-8.
+6. Write the file whole, as UTF-8, never line by line: the app may read it at any moment. Best write 2026-07-06.md.tmp (with today's date) in the same folder and rename that.
 
 A section:
 
