@@ -83,6 +83,8 @@ public:
             notificationCenter_.wallClockChanged();
             meetings_.refresh(false);
         });
+        QObject::connect(&x11Events_, &sunpane::X11Events::compositorChanged, &tourWindow_,
+                         &sunpane::OnboardingWindowController::fitShape);
         // Last, when everything that can be asked for is listened for.
         sunpane::claimBusName();
         qCInfo(programLog) << "settings in" << sunpane::JsonUserDefaults::defaultPath().c_str() << "and briefings in"
@@ -168,7 +170,8 @@ private:
     sunpane::FolderPickerWindow folderPicker_{windows_.engine()};
     sunpane::Tour tour_{{defaults_, notifications_, runLoop_, calendars_, calendar_, workspace_, pasteboard_,
                          [this](const std::function<void()>& done) { openCalendarPrivacy(done); }}};
-    sunpane::OnboardingWindowController tourWindow_{windows_.engine(), tour_, runLoop_};
+    sunpane::OnboardingWindowController tourWindow_{windows_.engine(), tour_, runLoop_,
+                                                    [this] { return x11Events_.hasCompositor(); }};
     sunpane::SettingsModel settings_{{defaults_, notifications_, loginItem_, calendars_, workspace_, folderPicker_,
                                       pasteboard_, [this] { hotkey_.registerAnew(); }}};
     sunpane::SettingsWindowController settingsWindow_{

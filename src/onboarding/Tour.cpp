@@ -43,7 +43,11 @@ void Tour::finish() {
 
 void Tour::goTo(Step step) {
     change(step_, step);
-    if (step == Step::done) readCalendarStatus();
+    comeBack();
+}
+
+void Tour::comeBack() {
+    if (step_ == Step::done) readCalendarStatus();
 }
 
 void Tour::choosePath(Path path) {

@@ -50,7 +50,7 @@ public:
     int briefTab() const { return briefTab_; }
     bool copied() const { return copied_; }
     bool skippedAI() const { return skippedAI_; }
-    /// As it was when the last step began, or when the user was asked from there.
+    /// As it was when the last step began, when the user was asked from there, or when he came back to it.
     CalendarAccess calendarStatus() const { return calendarStatus_; }
 
     /// Back to the first step, for a window that opens again.
@@ -65,6 +65,8 @@ public:
     std::string currentPrompt() const;
     void copy();
 
+    /// The user is back from another window, where he may have answered for the calendars.
+    void comeBack();
     void connectCalendar();
     void openCalendarSettings();
     void openAccountSettings() { with_.workspace.openAccountSettings(); }

@@ -5,7 +5,6 @@
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QUrl>
-#include <cassert>
 #include <utility>
 
 namespace sunpane {
@@ -14,7 +13,7 @@ CalendarPrompt::CalendarPrompt() = default;
 CalendarPrompt::~CalendarPrompt() = default;
 
 void CalendarPrompt::ask(std::function<void(CalendarAccess)> answer) {
-    assert(!answer_);
+    if (answer_) return comeToFront();
     answer_ = std::move(answer);
     engine_ = std::make_unique<QQmlEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/"));
@@ -27,6 +26,12 @@ void CalendarPrompt::ask(std::function<void(CalendarAccess)> answer) {
     qApp->installEventFilter(this);
     connect(engine_.get(), &QQmlEngine::quit, qApp, &QCoreApplication::quit);
     window->show();
+    comeToFront();
+}
+
+void CalendarPrompt::comeToFront() {
+    auto* window = qobject_cast<QQuickWindow*>(window_.get());
+    window->raise();
     window->requestActivate();
 }
 

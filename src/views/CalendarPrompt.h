@@ -22,7 +22,7 @@ public:
     ~CalendarPrompt() override;
 
     /// Shows the window and calls `answer` with what was chosen: full, `writeOnly` or `denied`, which closing the
-    /// window also means. Not while another question is open.
+    /// window also means. While the question is open it only comes to the front, and `answer` is never called.
     void ask(std::function<void(CalendarAccess)> answer);
 
     /// A question that is open when the program ends stays unanswered.
@@ -32,6 +32,8 @@ private slots:
     void take(const QString& choice);
 
 private:
+    void comeToFront();
+
     std::function<void(CalendarAccess)> answer_;
     std::unique_ptr<QQmlEngine> engine_;
     std::unique_ptr<QObject> window_;

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <memory>
 
 #include "base/RunLoop.h"
@@ -25,11 +26,13 @@ class OnboardingWindowController : public QObject {
     Q_PROPERTY(bool calendarDeclined READ calendarDeclined NOTIFY changed)
 
 public:
-    /// All outlive it.
-    OnboardingWindowController(ViewEngine& engine, Tour& tour, RunLoop& runLoop);
+    /// All outlive it. `hasCompositor` tells whether windows may be seen through.
+    OnboardingWindowController(ViewEngine& engine, Tour& tour, RunLoop& runLoop, std::function<bool()> hasCompositor);
 
     /// Brings the tour to the front; from its first step if it was closed.
     void show();
+    /// Cuts off what cannot be seen through, once more after a compositor came or went.
+    void fitShape();
 
     int step() const { return static_cast<int>(tour_.step()); }
     bool haveBrief() const { return tour_.path() == Tour::Path::haveBrief; }
@@ -48,6 +51,7 @@ public:
     Q_INVOKABLE void choosePath(int path) { tour_.choosePath(static_cast<Tour::Path>(path)); }
     Q_INVOKABLE void chooseBriefTab(int tab) { tour_.chooseBriefTab(tab); }
     Q_INVOKABLE void copy() { tour_.copy(); }
+    Q_INVOKABLE void comeBack() { tour_.comeBack(); }
     Q_INVOKABLE void connectCalendar() { tour_.connectCalendar(); }
     Q_INVOKABLE void openCalendarSettings() { tour_.openCalendarSettings(); }
     Q_INVOKABLE void openAccountSettings() { tour_.openAccountSettings(); }
@@ -58,6 +62,7 @@ signals:
 
 private:
     Tour& tour_;
+    std::function<bool()> hasCompositor_;
     SecondaryWindow window_;
     std::shared_ptr<OnboardingWindowController*> self_;
     Subscription changes_;

@@ -24,6 +24,8 @@ public:
     SecondaryWindow(ViewEngine& engine, QString file, QStringList kept = {});
     ~SecondaryWindow() override;
 
+    /// Null while it is not on screen.
+    QQuickWindow* window() const { return window_.get(); }
     bool isVisible() const;
 
     /// Shows the window in front of the others and gives it the keyboard. It is made with `properties` when it is not

@@ -91,7 +91,7 @@ TEST_F(TourTest, IsCompletedByItsLastButtonOnly) {
     EXPECT_TRUE(defaults.read<bool>(onboarding::didCompleteOnboardingKey).valueOr(false));
 }
 
-TEST_F(TourTest, ReadsTheCalendarsStateWhenTheLastStepBeginsAndAfterEachAnswer) {
+TEST_F(TourTest, ReadsTheCalendarsStateAtTheLastStepAfterEachAnswerAndWhenTheUserComesBack) {
     calendars.status = CalendarAccess::notDetermined;
     tour.finish();
     EXPECT_EQ(tour.calendarStatus(), CalendarAccess::notDetermined);
@@ -100,6 +100,9 @@ TEST_F(TourTest, ReadsTheCalendarsStateWhenTheLastStepBeginsAndAfterEachAnswer) 
     EXPECT_EQ(tour.calendarStatus(), CalendarAccess::denied);
     tour.openCalendarSettings();
     EXPECT_EQ(tour.calendarStatus(), CalendarAccess::full);
+    calendars.status = CalendarAccess::denied;
+    tour.comeBack();
+    EXPECT_EQ(tour.calendarStatus(), CalendarAccess::denied);
 }
 
 }  // namespace

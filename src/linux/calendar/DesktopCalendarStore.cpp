@@ -124,9 +124,8 @@ void DesktopCalendarStore::requestFullAccess(std::function<void(bool granted)> a
         ports_.runLoop.post([answer = std::move(answer), granted = known == CalendarAccess::full] { answer(granted); });
         return;
     }
-    // One prompt answers everyone who asks while it is open.
+    // The first answer is everyone's who asked until then.
     waitingForAnswer_.push_back(std::move(answer));
-    if (waitingForAnswer_.size() > 1) return;
     ports_.prompt([this, weak = std::weak_ptr(alive_)](CalendarAccess answered) {
         if (!weak.expired()) answerPrompt(answered);
     });

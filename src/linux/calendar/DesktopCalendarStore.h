@@ -19,7 +19,8 @@
 
 namespace sunpane {
 
-/// Asks the user whether the program may read the calendars, and answers once on the main thread.
+/// Asks the user whether the program may read the calendars, and answers once on the main thread. Called again while
+/// the question is open, it only brings that to the front.
 using CalendarAccessPrompt = std::function<void(std::function<void(CalendarAccess)> answer)>;
 
 /// The calendars of a folder of calendar files and of the desktop's calendar service, as one store. Main thread;

@@ -8,12 +8,18 @@ ProgramWindow {
 
     // Room for the shadow, which no window manager draws around a window without a frame.
     readonly property real shadow: 20
+    readonly property real radius: 20
 
     width: Math.min(560 + 2 * shadow, Screen.width)
     height: Math.min(680 + 2 * shadow, Screen.height)
     flags: Qt.Window | Qt.FramelessWindowHint
     title: qsTr("Welcome to Dawnly")
     color: "transparent"
+
+    onActiveChanged: {
+        if (active)
+            tour.comeBack();
+    }
 
     Repeater {
         model: window.shadow
@@ -32,7 +38,7 @@ ProgramWindow {
         id: body
         anchors.fill: parent
         anchors.margins: window.shadow
-        radius: 20
+        radius: window.radius
         border.color: Qt.rgba(1, 1, 1, 0.13)
         gradient: Gradient {
             GradientStop { position: 0; color: "#121112" }
