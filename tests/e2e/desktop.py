@@ -63,7 +63,10 @@ class Screenshot:
 
 
 class Desktop:
-    def __init__(self, compositor=False, window_manager=False, calendar_access="denied", settings=None):
+    """On a desktop for a `first_start` the program finds no settings of its own."""
+
+    def __init__(self, compositor=False, window_manager=False, calendar_access="denied", settings=None,
+                 first_start=False):
         self.home = tempfile.mkdtemp(prefix="dawnly-e2e-")
         self.briefings = os.path.join(self.home, "briefings")
         os.mkdir(self.briefings)
@@ -72,15 +75,16 @@ class Desktop:
                                 XDG_STATE_HOME=self.home + "/state", XDG_DATA_HOME=self.home + "/data",
                                 XDG_RUNTIME_DIR=self.home, LC_ALL="C.UTF-8", QT_QUICK_BACKEND="software")
         self.environment.pop("WAYLAND_DISPLAY", None)
-        os.makedirs(self.home + "/config/dawnly")
-        with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
+        if not first_start:
             # Dark, so that pixels do not depend on what is behind the panel.
             # Not the first start, which would write a welcome briefing and open a tour in front of everything.
             settings = {"briefingsFolderPath": self.briefings, "notchTheme": "dark", "didWriteWelcomeBrief": True,
                         "didCompleteOnboarding": True, **(settings or {})}
             if calendar_access is not None:  # otherwise the program asks
                 settings["calendarAccess"] = calendar_access
-            json.dump(settings, defaults)
+            os.makedirs(self.home + "/config/dawnly")
+            with open(self.home + "/config/dawnly/defaults.json", "w") as defaults:
+                json.dump(settings, defaults)
         self._start_server()
         self._start_bus()
         self.run("xsetroot", "-solid", "#c84090")
@@ -124,8 +128,11 @@ class Desktop:
     def run(self, *command):
         return subprocess.run(command, env=self.environment, check=True, stdout=subprocess.PIPE).stdout
 
-    def start_program(self):
-        self.program = self.start(os.environ["DAWNLY"], stderr=None)
+    def start_program(self, at=None):
+        """Starts it now, or at another time, such as "2026-11-23 09:12:05", which goes on from there."""
+        # Not by the command, which stays beside the program. Timers run by the machine's other clock, which stays true.
+        clock = ["env", "LD_PRELOAD=/usr/$LIB/faketime/libfaketime.so.1", "FAKETIME=@" + at, "DONT_FAKE_MONOTONIC=1"] if at else []
+        self.program = self.start(*clock, os.environ["DAWNLY"], stderr=None)
         # A program that has just started misses the question.
         self.wait_for(lambda: self.report(patience=0.3)["panelVisible"], "the panel to show")
         return self.program

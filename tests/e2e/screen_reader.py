@@ -54,25 +54,25 @@ class ScreenReader:
 
     def nodes(self):
         """Everything that shows in the program's windows, in reading order."""
+        return [self._read(accessible, depth) for accessible, depth in self._walk_program()]
+
+    def _walk_program(self):
         self._run(0.05)
-        found = []
         root = Atspi.get_desktop(0)
         for i in range(root.get_child_count()):
             program = root.get_child_at_index(i)
             if program is not None and program.get_name() == "dawnly":
                 program.set_cache_mask(Atspi.Cache.NONE)
-                self._walk(program, 0, found)
-        return found
+                yield from self._walk(program, 0)
 
-    def _walk(self, accessible, depth, found):
-        node = self._read(accessible, depth)
-        if depth > 0 and "SHOWING" not in node.states:
+    def _walk(self, accessible, depth):
+        if depth > 0 and not accessible.get_state_set().contains(Atspi.StateType.SHOWING):
             return
-        found.append(node)
+        yield accessible, depth
         for i in range(accessible.get_child_count()):
             child = accessible.get_child_at_index(i)
             if child is not None:
-                self._walk(child, depth + 1, found)
+                yield from self._walk(child, depth + 1)
 
     @staticmethod
     def _read(accessible, depth):
@@ -90,10 +90,16 @@ class ScreenReader:
 
     def find(self, role, name):
         """The one that shows with that role and that beginning of a name."""
-        for node in self.nodes():
-            if node.role == role and node.name.startswith(name):
-                return node
+        for accessible, depth in self._walk_program():
+            if accessible.get_role_name() == role and accessible.get_name().startswith(name):
+                return self._read(accessible, depth)
         raise AssertionError("no %s %r among\n%s" % (role, name, self.text()))
+
+    @staticmethod
+    def place(node):
+        """Where it is on the screen: left, top, width and height in pixels."""
+        box = Atspi.Component.get_extents(node.accessible, Atspi.CoordType.SCREEN)
+        return box.x, box.y, box.width, box.height
 
     def do(self, action, role, name):
         node = self.find(role, name)

@@ -56,8 +56,8 @@ TODOS = [
 class Stage(Desktop):
     """A desktop on which it is always the same morning."""
 
-    def __init__(self, settings=None):
-        super().__init__(calendar_access="fullAccess", compositor=True, window_manager=True, settings=settings)
+    def __init__(self, settings=None, **options):
+        super().__init__(calendar_access="fullAccess", compositor=True, window_manager=True, settings=settings, **options)
         self.environment["TZ"] = "UTC"
         self.run("hsetroot", "-solid", WALLPAPER)
 
@@ -85,12 +85,8 @@ class Stage(Desktop):
         self.start(sys.executable, os.path.join(HERE, "../support/mpris_player.py"), "player", "Weightless",
                    "Marconi Union", "")
 
-    def start_program(self):
-        self.program = self.start("faketime", "-f", "@" + NOW, os.environ["DAWNLY"], stderr=None)
-        self.wait_for(lambda: self.report(patience=0.3)["panelVisible"], "the panel to show")
-
     def open_panel(self):
-        self.start_program()
+        self.start_program(NOW)
         self.move(*NOTCH)
         self.wait_for(lambda: self.report()["expanded"], "the panel to unfold")
         # Not beside it while it still grows.
@@ -242,7 +238,7 @@ def windows():
     stage = Stage(settings={"didCompleteOnboarding": False})
     try:
         stage.write_sample_day()
-        stage.start_program()
+        stage.start_program(NOW)
         yield "tour", window_picture(stage, "Welcome to Dawnly", set())
     finally:
         stage.close()
