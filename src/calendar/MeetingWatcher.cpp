@@ -102,7 +102,7 @@ void MeetingWatcher::refreshWithAccess() {
         if (*meeting.start >= now + alertHorizon || alerts.size() == maximumAlerts) break;
         alerts.push_back(alertFor(meeting));
     }
-    with_.reminders.syncMeetingAlerts(std::move(alerts), with_.store.complete());
+    with_.reminders.syncMeetingAlerts(std::move(alerts), with_.store.unread());
     publish(mostLikelyMeeting(meetings));
 }
 

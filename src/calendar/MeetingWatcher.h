@@ -66,7 +66,7 @@ public:
 
     /// Computes `next` anew and brings the alerts in line with it. Without `mayPrompt` nothing happens unless access
     /// was granted already, and the user is never asked. While the calendars are being read nothing happens either;
-    /// while some are still missing, no alert is taken back for want of its meeting.
+    /// no alert of a calendar that was never read is taken back for want of its meeting.
     void refresh(bool mayPrompt);
 
     /// The panel was opened (true) or folded.

@@ -56,10 +56,10 @@ public:
     /// is announced at the end of the first reading tells when.
     virtual bool loaded() const = 0;
 
-    /// Whether `events` answers for all calendars. While some have never been read since access was granted, as when
-    /// their server is slow to start, an event that is missing need not be gone. False until `loaded`; a store that
-    /// reads all or nothing is complete from then on.
-    virtual bool complete() const { return loaded(); }
+    /// What the identifiers of events begin with for which `events` cannot answer yet: their calendars have never been
+    /// read since access was granted, as when a server is slow to start, so one that is missing need not be gone. Only
+    /// once `loaded`; a store that reads all or nothing has none.
+    virtual std::vector<std::string> unread() const { return {}; }
 
     /// All events of all calendars that overlap [from, to), in an order that stays the same while nothing changes.
     /// Empty without full access.

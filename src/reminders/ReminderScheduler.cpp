@@ -123,32 +123,39 @@ void ReminderScheduler::cancel(const Uuid& todoID) {
     center_.removePending({identifier});
 }
 
-void ReminderScheduler::syncMeetingAlerts(std::vector<MeetingAlert> alerts, bool complete) {
+void ReminderScheduler::syncMeetingAlerts(std::vector<MeetingAlert> alerts, std::vector<std::string> unread) {
     const std::uint64_t number = ++lastSync_;
-    ensureAuth([this, number, complete, alerts = std::move(alerts)]() mutable {
+    ensureAuth([this, number, unread = std::move(unread), alerts = std::move(alerts)]() mutable {
         if (number != lastSync_) return;
-        center_.pending(
-            [weak = std::weak_ptr(self_), number, complete, alerts = std::move(alerts)](const auto& pending) {
-                const auto self = weak.lock();
-                if (self && number == (*self)->lastSync_) (*self)->replaceMeetingAlerts(alerts, complete, pending);
-            });
+        center_.pending([weak = std::weak_ptr(self_), number, unread = std::move(unread),
+                         alerts = std::move(alerts)](const auto& pending) {
+            const auto self = weak.lock();
+            if (self && number == (*self)->lastSync_) (*self)->replaceMeetingAlerts(alerts, unread, pending);
+        });
     });
 }
 
-void ReminderScheduler::replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, bool complete,
+void ReminderScheduler::replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts,
+                                             const std::vector<std::string>& unread,
                                              const std::vector<NotificationRequest>& pending) {
     std::map<std::string, NotificationRequest> wanted;
     for (const auto& alert : alerts) {
         NotificationRequest request = meetingRequest(alert);
         wanted.insert_or_assign(request.identifier, std::move(request));
     }
+    const auto isUnread = [&](std::string_view identifier) {
+        identifier.remove_prefix(notification_id::meetingPrefix.size());
+        return std::any_of(unread.begin(), unread.end(),
+                           [&](const std::string& prefix) { return identifier.starts_with(prefix); });
+    };
     std::vector<std::string> unwanted;
     const Instant now = clock_.now();
     for (const auto& request : pending) {
         if (!request.identifier.starts_with(notification_id::meetingPrefix)) continue;
         const auto found = wanted.find(request.identifier);
         // A meeting that was moved so close that it is not announced any more must not be announced for its old time.
-        const bool isUnwanted = found == wanted.end() ? complete : found->second.trigger != request.trigger;
+        const bool isUnwanted =
+            found == wanted.end() ? !isUnread(request.identifier) : found->second.trigger != request.trigger;
         if (isUnwanted) unwanted.push_back(request.identifier);
     }
     if (!unwanted.empty()) center_.removePending(unwanted);

@@ -62,8 +62,8 @@ public:
     void cancel(const Uuid& todoID);
 
     /// Makes the pending meeting alerts those of `alerts` that are still to come. Of overlapping calls the last counts.
-    /// Unless `complete`, some meetings are not known yet: what is pending for others than these stays.
-    void syncMeetingAlerts(std::vector<MeetingAlert> alerts, bool complete = true);
+    /// Meetings whose ids begin with one of `unread` may not be known yet: what is pending for them stays.
+    void syncMeetingAlerts(std::vector<MeetingAlert> alerts, std::vector<std::string> unread = {});
 
     /// Runs `action` on the main thread, whatever the user's answer, once it is known whether notifications may be
     /// shown; asks the user if that was never decided.
@@ -79,7 +79,7 @@ public:
 
 private:
     void replaceTodoRequest(NotificationRequest request, const std::vector<NotificationRequest>& pending);
-    void replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, bool complete,
+    void replaceMeetingAlerts(const std::vector<MeetingAlert>& alerts, const std::vector<std::string>& unread,
                               const std::vector<NotificationRequest>& pending);
 
     UserNotificationCenter& center_;

@@ -180,14 +180,15 @@ TEST_F(MeetingWatcherTest, ChangesNothingWhileTheCalendarsAreBeingRead) {
     EXPECT_THAT(center.identifiers(), IsEmpty());
 }
 
-TEST_F(MeetingWatcherTest, TakesNoAlertBackWhileCalendarsAreMissing) {
-    store.all = {timedEvent("Of a slow server", start + 3600), timedEvent("Moved close", start + 3600)};
+TEST_F(MeetingWatcherTest, TakesNoAlertOfACalendarBackThatIsMissing) {
+    store.all = {timedEvent("Slow server", start + 3600), timedEvent("Slow server moved close", start + 3600),
+                 timedEvent("Cancelled", start + 3600)};
     refresh();
-    store.isComplete = false;
-    store.all = {timedEvent("New", start + 7200), timedEvent("Moved close", start + 600)};
+    store.missing = {"event-Slow", "event-Away"};
+    store.all = {timedEvent("New", start + 7200), timedEvent("Slow server moved close", start + 600)};
     refresh();
-    EXPECT_THAT(center.identifiers(), ElementsAre("meeting-event-New", "meeting-event-Of a slow server"));
-    store.isComplete = true;
+    EXPECT_THAT(center.identifiers(), ElementsAre("meeting-event-New", "meeting-event-Slow server"));
+    store.missing.clear();
     refresh();
     EXPECT_THAT(center.identifiers(), ElementsAre("meeting-event-New"));
 }

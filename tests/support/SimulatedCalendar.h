@@ -21,7 +21,7 @@ public:
         question_ = std::move(answer);
     }
     bool loaded() const override { return isLoaded; }
-    bool complete() const override { return isLoaded && isComplete; }
+    std::vector<std::string> unread() const override { return missing; }
     std::vector<CalendarEvent> events(Instant from, Instant to) const override {
         if (status != CalendarAccess::full || !isLoaded) return {};
         std::vector<CalendarEvent> found;
@@ -50,7 +50,7 @@ public:
 
     CalendarAccess status = CalendarAccess::full;
     bool isLoaded = true;
-    bool isComplete = true;
+    std::vector<std::string> missing;
     std::vector<CalendarEvent> all;
     std::vector<CalendarInfo> known;
     int questions = 0;

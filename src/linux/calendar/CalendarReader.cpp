@@ -237,13 +237,20 @@ CalendarSnapshot::Part CalendarReader::toPart(std::size_t calendar, Parsed& pars
     return {calendar, parsed.content, parsed.occurrences};
 }
 
-bool CalendarReader::isComplete() const {
-    const bool hasFiles =
-        std::all_of(files_.begin(), files_.end(), [](const auto& file) { return file.second.content != nullptr; });
-    const bool hasService =
-        std::all_of(serviceCalendars_.begin(), serviceCalendars_.end(),
-                    [](const ServiceCalendar& calendar) { return calendar.parsed.content != nullptr; });
-    return hasFiles && hasService && (serviceKnown_ || service_ == nullptr);
+std::vector<std::string> CalendarReader::unread() const {
+    std::vector<std::string> unread;
+    for (const auto& calendar : found_) {
+        const bool isRead = std::all_of(calendar.files.begin(), calendar.files.end(), [&](const auto& file) {
+            const auto found = files_.find(file.path);
+            return found != files_.end() && found->second.content != nullptr;
+        });
+        if (!isRead) unread.push_back(eventPrefix(folderIdentifier(calendar.entry)));
+    }
+    if (service_ != nullptr && !serviceKnown_) unread.emplace_back(CalendarService::identifierPrefix);
+    for (const auto& calendar : serviceCalendars_) {
+        if (!calendar.parsed.content) unread.push_back(eventPrefix(calendar.info.identifier));
+    }
+    return unread;
 }
 
 void CalendarReader::publish() {
@@ -265,8 +272,7 @@ void CalendarReader::publish() {
         if (calendar.parsed.content) parts.push_back(toPart(calendars.size(), calendar.parsed));
         calendars.push_back(calendar.info);
     }
-    auto snapshot =
-        std::make_shared<const CalendarSnapshot>(span_, std::move(calendars), std::move(parts), isComplete());
+    auto snapshot = std::make_shared<const CalendarSnapshot>(span_, std::move(calendars), std::move(parts), unread());
     // Whoever looks at the calendars begins anew at each change.
     if (stopped_ || (published_ && published_->saysTheSameAs(*snapshot))) return;
     published_ = std::move(snapshot);

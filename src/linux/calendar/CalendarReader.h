@@ -107,7 +107,7 @@ private:
     std::optional<std::string> addToFolder(const std::string& uid, const std::string& text);
 
     void publish();
-    bool isComplete() const;
+    std::vector<std::string> unread() const;
     CalendarSnapshot::Part toPart(std::size_t calendar, Parsed& parsed) const;
 
     Ports ports_;

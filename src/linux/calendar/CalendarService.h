@@ -15,6 +15,9 @@ namespace sunpane {
 /// own, in any order, late or never when the service hangs.
 class CalendarService {
 public:
+    /// What the identifiers of its calendars begin with, and no others.
+    static constexpr const char* identifierPrefix = "eds:";
+
     struct Calendar {
         CalendarInfo info;
         /// All events and their time zones as one iCalendar text. Absent when they could not be read this time.

@@ -7,8 +7,8 @@
 namespace sunpane {
 
 CalendarSnapshot::CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts,
-                                   bool complete)
-    : span_(span), calendars_(std::move(calendars)), parts_(std::move(parts)), complete_(complete) {
+                                   std::vector<std::string> unread)
+    : span_(span), calendars_(std::move(calendars)), parts_(std::move(parts)), unread_(std::move(unread)) {
     for (const auto& part : parts_) {
         for (const auto& occurrence : *part.occurrences)
             entries_.push_back({&occurrence, part.calendar, {}});
@@ -37,7 +37,7 @@ std::vector<CalendarEvent> CalendarSnapshot::events(Instant from, Instant to) co
 }
 
 bool CalendarSnapshot::saysTheSameAs(const CalendarSnapshot& other) const {
-    if (span_ != other.span_ || complete_ != other.complete_ || calendars_ != other.calendars_) return false;
+    if (span_ != other.span_ || unread_ != other.unread_ || calendars_ != other.calendars_) return false;
     return std::equal(entries_.begin(), entries_.end(), other.entries_.begin(), other.entries_.end(),
                       [&](const Entry& mine, const Entry& others) {
                           if (mine.occurrence == others.occurrence && mine.calendar == others.calendar) return true;
@@ -60,9 +60,13 @@ CalendarEvent CalendarSnapshot::toEvent(const Entry& entry) const {
             .calendar = calendar};
 }
 
+std::string eventPrefix(const std::string& calendar) {
+    return calendar + ":";
+}
+
 std::string eventIdentifier(const std::string& calendar, const std::string& uid, const std::string& recurrence) {
     if (uid.empty()) return {};
-    return calendar + ":" + uid + (recurrence.empty() ? "" : "/" + recurrence);
+    return eventPrefix(calendar) + uid + (recurrence.empty() ? "" : "/" + recurrence);
 }
 
 }  // namespace sunpane

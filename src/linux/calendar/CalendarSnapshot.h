@@ -20,11 +20,12 @@ public:
         std::shared_ptr<const std::vector<IcsOccurrence>> occurrences;
     };
 
-    /// `Part::calendar` counts through `calendars`. Not `complete` when some calendar could never be read yet.
-    CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts, bool complete = true);
+    /// `Part::calendar` counts through `calendars`. For `unread` see `CalendarStore::unread`.
+    CalendarSnapshot(TimeSpan span, std::vector<CalendarInfo> calendars, std::vector<Part> parts,
+                     std::vector<std::string> unread = {});
 
     TimeSpan span() const { return span_; }
-    bool complete() const { return complete_; }
+    const std::vector<std::string>& unread() const { return unread_; }
     const std::vector<CalendarInfo>& calendars() const { return calendars_; }
 
     /// What overlaps [from, to), by start; events with the same start in the order of calendars and identifiers. Takes
@@ -46,10 +47,13 @@ private:
     TimeSpan span_;
     std::vector<CalendarInfo> calendars_;
     std::vector<Part> parts_;
-    bool complete_;
+    std::vector<std::string> unread_;
     // By start.
     std::vector<Entry> entries_;
 };
+
+/// What the identifiers of all events of a calendar begin with.
+std::string eventPrefix(const std::string& calendar);
 
 /// An event's identifier among all calendars; empty for an event without a uid.
 std::string eventIdentifier(const std::string& calendar, const std::string& uid, const std::string& recurrence);

@@ -144,8 +144,8 @@ bool DesktopCalendarStore::loaded() const {
     return access() == CalendarAccess::full && snapshot_ != nullptr;
 }
 
-bool DesktopCalendarStore::complete() const {
-    return loaded() && snapshot_->complete();
+std::vector<std::string> DesktopCalendarStore::unread() const {
+    return loaded() ? snapshot_->unread() : std::vector<std::string>();
 }
 
 std::vector<CalendarEvent> DesktopCalendarStore::events(Instant from, Instant to) const {

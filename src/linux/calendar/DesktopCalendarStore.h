@@ -58,7 +58,7 @@ public:
     CalendarAccess access() const override;
     void requestFullAccess(std::function<void(bool granted)> answer) override;
     bool loaded() const override;
-    bool complete() const override;
+    std::vector<std::string> unread() const override;
     std::vector<CalendarEvent> events(Instant from, Instant to) const override;
     std::vector<CalendarInfo> calendars() const override;
     void add(const NewEvent& event, std::function<void(std::optional<std::string> identifier)> done) override;

@@ -340,31 +340,30 @@ TEST_F(DesktopCalendarStoreTest, GoesOnWithoutAServiceThatHangs) {
     platform.time.runPending();
 }
 
-TEST_F(DesktopCalendarStoreTest, KnowsWhetherItsPictureIsComplete) {
+TEST_F(DesktopCalendarStoreTest, KnowsWhichEventsItCannotTellOf) {
     grant();
     open(true);
-    EXPECT_FALSE(store->complete());
     platform.time.advance(CalendarReader::servicePatience);
     EXPECT_TRUE(store->loaded());
-    EXPECT_FALSE(store->complete()) << "the service has not answered";
+    EXPECT_THAT(store->unread(), ElementsAre("eds:")) << "the service has not answered";
     const auto answer = [&](std::optional<std::vector<CalendarService::Calendar>> answered) {
         service.reads.back()(std::move(answered));
         platform.time.runPending();
     };
     answer(std::nullopt);
-    EXPECT_FALSE(store->complete()) << "it did not start in time";
+    EXPECT_THAT(store->unread(), ElementsAre("eds:")) << "it did not start in time";
     platform.time.advance(CalendarReader::firstRetry);
-    answer({{serviceCalendar("s1", oneEvent("A")), serviceCalendar("s2", std::nullopt)}});
-    EXPECT_THAT(titles(), ElementsAre("A@s1"));
-    EXPECT_FALSE(store->complete()) << "one calendar was never read";
+    answer({{serviceCalendar("eds:s1", oneEvent("A")), serviceCalendar("eds:s2", std::nullopt)}});
+    EXPECT_THAT(titles(), ElementsAre("A@eds:s1"));
+    EXPECT_THAT(store->unread(), ElementsAre("eds:s2:")) << "one calendar was never read";
     platform.time.advance(2 * CalendarReader::firstRetry);
-    answer({{serviceCalendar("s1", oneEvent("A")), serviceCalendar("s2", oneEvent("B"))}});
-    EXPECT_TRUE(store->complete());
+    answer({{serviceCalendar("eds:s1", oneEvent("A")), serviceCalendar("eds:s2", oneEvent("B"))}});
+    EXPECT_THAT(store->unread(), IsEmpty());
     service.changed();
     platform.time.advance(CalendarReader::settleTime);
-    answer({{serviceCalendar("s1", std::nullopt), serviceCalendar("s2", oneEvent("B"))}});
-    EXPECT_THAT(titles(), ElementsAre("A@s1", "B@s2"));
-    EXPECT_TRUE(store->complete()) << "what was read before still counts";
+    answer({{serviceCalendar("eds:s1", std::nullopt), serviceCalendar("eds:s2", oneEvent("B"))}});
+    EXPECT_THAT(titles(), ElementsAre("A@eds:s1", "B@eds:s2"));
+    EXPECT_THAT(store->unread(), IsEmpty()) << "what was read before still counts";
 }
 
 TEST_F(DesktopCalendarStoreTest, TellsOfNothingThatIsAsItWas) {
@@ -416,12 +415,14 @@ TEST_F(DesktopCalendarStoreTest, KeepsWhatItReadOfAFileThatCannotBeRead) {
     open();
     platform.time.runPending();
     EXPECT_THAT(titles(), ElementsAre("A@work"));
-    EXPECT_FALSE(store->complete());
+    EXPECT_THAT(store->unread(), ElementsAre("ics:new.ics:"));
+    const auto events = store->events(platform.clock.now(), platform.clock.now() + 14 * 86400.0);
+    EXPECT_TRUE(events.at(0).identifier.starts_with("ics:work.ics:")) << events.at(0).identifier;
     files.unreadable = {calendars + "/work.ics"};
     write("work.ics", oneEvent("A2"));
     platform.time.advance(CalendarReader::pollInterval);
     EXPECT_THAT(titles(), ElementsAre("B@new", "A@work"));
-    EXPECT_TRUE(store->complete());
+    EXPECT_THAT(store->unread(), IsEmpty());
     files.unreadable.clear();
     platform.time.advance(CalendarReader::pollInterval);
     EXPECT_THAT(titles(), ElementsAre("B@new", "A2@work"));

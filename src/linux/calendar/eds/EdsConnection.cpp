@@ -14,7 +14,7 @@ constexpr auto withoutWaitingForNetwork = static_cast<guint32>(-1);
 constexpr std::size_t maximumZonesPerCalendar = 1000;
 
 std::string identifierOf(ESource* source) {
-    return std::string("eds:") + e_source_get_uid(source);
+    return std::string(CalendarService::identifierPrefix) + e_source_get_uid(source);
 }
 
 CalendarInfo infoOf(ESource* source) {
