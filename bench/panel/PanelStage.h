@@ -81,7 +81,7 @@ struct PanelStage {
     ScrollSwipeHub scrollSwipes{pointer};
     testing::SimulatedMotion motion;
     X11Backdrop backdrop{events};
-    ThemeStore theme{defaults};
+    ThemeStore theme{defaults, runLoop};
     QQmlEngine engine;
     RootWindow* window = nullptr;  // owned by the panel
     std::unique_ptr<X11PanelWindow> panel;

@@ -113,7 +113,7 @@ private:
     sunpane::X11EventMonitors monitors_{x11Events_, runLoop_};
     sunpane::DBusDistributedNotifications distributed_;
     sunpane::DBusStoreRequests storeRequests_;
-    sunpane::ThemeStore theme_{defaults_};
+    sunpane::ThemeStore theme_{defaults_, runLoop_};
     sunpane::CalendarPrompt calendarPrompt_;
     sunpane::DesktopCalendarStore calendars_{
         {clock_, runLoop_, queues_, folderEvents_, files_, defaults_, sunpane::xdg::dataFolder() + "/calendars",

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
+#include <variant>
 
 namespace sunpane {
 namespace {
@@ -33,8 +35,9 @@ NotchTheme storedTheme(const UserDefaults& defaults) {
 
 }  // namespace
 
-ThemeStore::ThemeStore(UserDefaults& defaults)
+ThemeStore::ThemeStore(UserDefaults& defaults, RunLoop& runLoop)
     : defaults_(defaults),
+      runLoop_(runLoop),
       customTopHex_(defaults.read<std::int64_t>(topKey).valueOr(defaultTopHex)),
       customBottomHex_(defaults.read<std::int64_t>(bottomKey).valueOr(defaultBottomHex)),
       customStrength_(defaults.read<double>(strengthKey).valueOr(defaultStrength)),
@@ -44,6 +47,7 @@ ThemeStore::ThemeStore(UserDefaults& defaults)
 }
 
 ThemeStore::~ThemeStore() {
+    writeNow();
     if (sharedStore == this) sharedStore = nullptr;
 }
 
@@ -53,6 +57,8 @@ ThemeStore& ThemeStore::shared() {
 }
 
 double ThemeStore::storedTranslucency(NotchTheme theme) const {
+    const auto unwritten = unwritten_.find(translucencyKey(theme));
+    if (unwritten != unwritten_.end()) return std::get<double>(unwritten->second.value);
     const double fallback = theme == NotchTheme::glass ? defaultGlassTranslucency : defaultTranslucency;
     return defaults_.read<double>(translucencyKey(theme)).valueOr(fallback);
 }
@@ -61,14 +67,33 @@ template <class T>
 void ThemeStore::change(T& field, T value, std::string_view key) {
     announceChange();
     field = value;
-    defaults_.set(key, value);
+    keepSoon(key, value);
+}
+
+void ThemeStore::keepSoon(std::string_view key, UserDefaults::Value value) {
+    const auto found = unwritten_.find(key);
+    if (found != unwritten_.end()) {
+        found->second.value = std::move(value);
+    } else {
+        unwritten_.emplace(key, Unwritten{std::move(value), defaults_.value(key)});
+    }
+    writing_ = runLoop_.after(writeDelay, [this] { writeNow(); });
+}
+
+void ThemeStore::writeNow() {
+    writing_.cancel();
+    for (auto& [key, unwritten] : std::exchange(unwritten_, {})) {
+        // Whoever set it meanwhile did so later.
+        if (defaults_.value(key) == unwritten.before) defaults_.set(key, unwritten.value);
+    }
 }
 
 void ThemeStore::setTheme(NotchTheme theme) {
     announceChange();
     theme_ = theme;
-    defaults_.set(themeKey, themeName());
+    keepSoon(themeKey, themeName());
     setTranslucency(storedTranslucency(theme));
+    writeNow();
 }
 
 void ThemeStore::setTranslucency(double translucency) {

@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/Observable.h"
+#include "base/RunLoop.h"
+#include "base/Subscription.h"
 #include "platform/UserDefaults.h"
 #include "views/NotchTheme.h"
 
@@ -13,16 +18,19 @@ namespace sunpane {
 /// What the user chose for the panel's background, and the numbers that it is painted with: black at `baseOpacity`
 /// over the blurred screen, then the wash at `washStrength`.
 ///
-/// One for the process, which the start-up code owns; main thread only. A change announces itself, takes effect and is
-/// kept in the settings at once.
+/// One for the process, which the start-up code owns; main thread only. A change announces itself and takes effect. A
+/// theme is kept in the settings at once; what is dragged, a moment after the last step and at the end, unless another
+/// program has set the same meanwhile.
 class ThemeStore : public Observable {
 public:
     static constexpr std::int64_t defaultTopHex = 0xA7A6CE;
     static constexpr std::int64_t defaultBottomHex = 0x170F16;
     static constexpr double defaultStrength = 0.55;
+    /// Writing waits for the disk, which a slider under the pointer must not do at every step.
+    static constexpr Seconds writeDelay = 0.3;
 
-    /// `defaults` outlives the store.
-    explicit ThemeStore(UserDefaults& defaults);
+    /// Both outlive the store.
+    ThemeStore(UserDefaults& defaults, RunLoop& runLoop);
     ~ThemeStore();
 
     /// The first store that is alive. There must be one.
@@ -58,14 +66,26 @@ public:
 private:
     template <class T>
     void change(T& field, T value, std::string_view key);
+    void keepSoon(std::string_view key, UserDefaults::Value value);
+    void writeNow();
     GradientStops customStops() const;
 
+    struct Unwritten {
+        UserDefaults::Value value;
+        // What the settings held before it changed here.
+        std::optional<UserDefaults::Value> before;
+    };
+
     UserDefaults& defaults_;
+    RunLoop& runLoop_;
+    // Asked already while what follows is set up.
+    std::map<std::string, Unwritten, std::less<>> unwritten_;
     std::int64_t customTopHex_;
     std::int64_t customBottomHex_;
     double customStrength_;
     NotchTheme theme_;
     double translucency_;
+    Subscription writing_;
 };
 
 }  // namespace sunpane

@@ -20,6 +20,7 @@ public:
         return found == values.end() ? std::nullopt : std::optional(found->second);
     }
     bool set(std::string_view key, Value value) override {
+        ++writes;
         values.insert_or_assign(std::string(key), std::move(value));
         return isWritable;
     }
@@ -38,6 +39,7 @@ public:
     bool isWritable = true;
     /// How often a value was asked for.
     mutable int reads = 0;
+    int writes = 0;
 };
 
 }  // namespace sunpane::testing

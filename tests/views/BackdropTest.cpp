@@ -257,8 +257,9 @@ double over(double below, double color, double opacity) {
 }
 
 TEST(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults);
+    ThemeStore theme(defaults, platform.runLoop);
     for (const NotchTheme name : notch_theme::all) {
         for (const double translucency : {0.2, 0.6, 1.0}) {
             theme.setTheme(name);
@@ -278,8 +279,9 @@ TEST(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
 }
 
 TEST(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults);
+    ThemeStore theme(defaults, platform.runLoop);
     theme.setTheme(NotchTheme::custom);
     theme.setTranslucency(0);
     theme.setCustomTopHex(0);
@@ -289,8 +291,9 @@ TEST(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
 }
 
 TEST(PanelPaintTest, TheScrimKeepsEveryBackgroundDarkUnderText) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults);
+    ThemeStore theme(defaults, platform.runLoop);
     for (const NotchTheme name : notch_theme::all) {
         for (const double translucency : {0.0, 0.5, 1.0}) {
             theme.setTheme(name);

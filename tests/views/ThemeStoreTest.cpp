@@ -4,11 +4,13 @@
 
 #include <set>
 
+#include "support/SimulatedPlatform.h"
 #include "support/SimulatedUserDefaults.h"
 
 namespace sunpane {
 namespace {
 
+using testing::SimulatedPlatform;
 using testing::SimulatedUserDefaults;
 using Value = UserDefaults::Value;
 
@@ -66,9 +68,10 @@ TEST(ThemeStoreTest, StartsFromWhatTheSettingsHold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
+        SimulatedPlatform platform;
         SimulatedUserDefaults defaults;
         defaults.values = c.settings;
-        const ThemeStore store(defaults);
+        const ThemeStore store(defaults, platform.runLoop);
         EXPECT_EQ(store.theme(), c.theme);
         EXPECT_EQ(store.translucency(), c.translucency);
         EXPECT_NEAR(store.baseOpacity(), c.baseOpacity, 1e-12);
@@ -77,8 +80,9 @@ TEST(ThemeStoreTest, StartsFromWhatTheSettingsHold) {
 }
 
 TEST(ThemeStoreTest, KeepsSomeBlackUnderAWash) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore store(defaults);
+    ThemeStore store(defaults, platform.runLoop);
     struct Case {
         NotchTheme theme;
         double translucency;
@@ -94,8 +98,9 @@ TEST(ThemeStoreTest, KeepsSomeBlackUnderAWash) {
 }
 
 TEST(ThemeStoreTest, EachThemeKeepsItsTranslucency) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore store(defaults);
+    ThemeStore store(defaults, platform.runLoop);
     store.setTranslucency(0.35);
     store.setTheme(NotchTheme::dusk);
     EXPECT_EQ(store.translucency(), 0.8);
@@ -105,15 +110,16 @@ TEST(ThemeStoreTest, EachThemeKeepsItsTranslucency) {
     EXPECT_EQ(store.translucency(), 0.35);
     EXPECT_EQ(store.storedTranslucency(NotchTheme::dusk), 0.5);
 
-    const ThemeStore next(defaults);
+    const ThemeStore next(defaults, platform.runLoop);
     EXPECT_EQ(next.theme(), NotchTheme::glass);
     EXPECT_EQ(next.translucency(), 0.35);
 }
 
 TEST(ThemeStoreTest, TheUsersColoursMakeTheCustomWash) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
     defaults.values = {{"customStrength", "strong"}, {"customBottomHex", 5.5}};
-    ThemeStore store(defaults);
+    ThemeStore store(defaults, platform.runLoop);
     EXPECT_EQ(store.customBottomHex(), ThemeStore::defaultBottomHex);
     EXPECT_EQ(store.customStrength(), 0.55);
     EXPECT_EQ(store.washStops(), std::nullopt);
@@ -126,15 +132,16 @@ TEST(ThemeStoreTest, TheUsersColoursMakeTheCustomWash) {
               (GradientStops{{{18 / 255.0, 52 / 255.0, 86 / 255.0, 1}, 0}, {ThemeColor::fromHex(0x170F16), 1}}));
     EXPECT_EQ(store.washStrength(), 0.8);
 
-    const ThemeStore next(defaults);
+    const ThemeStore next(defaults, platform.runLoop);
     EXPECT_EQ(next.customTopHex(), 0x123456);
     EXPECT_EQ(next.washStrength(), 0.8);
     EXPECT_EQ(next.theme(), NotchTheme::custom);
 }
 
-TEST(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAtOnce) {
+TEST(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAThemeAtOnce) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore store(defaults);
+    ThemeStore store(defaults, platform.runLoop);
     std::vector<std::string> seen;
     const auto changes = store.onWillChange([&] { seen.push_back(store.themeName()); });
     store.setTheme(NotchTheme::sun);
@@ -147,11 +154,41 @@ TEST(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAtOnce) {
     EXPECT_EQ(seen.size(), 6);
 }
 
-TEST(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
+TEST(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
+    SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
-    ThemeStore first(defaults);
     {
-        const ThemeStore second(defaults);
+        ThemeStore store(defaults, platform.runLoop);
+        for (int step = 0; step < 50; ++step) {
+            store.setTranslucency(0.01 * step);
+            EXPECT_EQ(store.storedTranslucency(NotchTheme::glass), store.translucency());
+            platform.time.advance(0.05);
+        }
+        EXPECT_EQ(defaults.writes, 0);
+        platform.time.advance(ThemeStore::writeDelay);
+        EXPECT_EQ(defaults.writes, 1);
+        EXPECT_EQ(defaults.values["translucency.glass"], Value(0.49));
+
+        store.setTranslucency(0.6);
+        store.setTheme(NotchTheme::glass);
+        EXPECT_EQ(store.translucency(), 0.6) << "chosen anew before it was written";
+
+        store.setCustomStrength(0.4);
+        store.setCustomTopHex(7);
+        defaults.values["customStrength"] = 0.9;  // another program
+        defaults.values["customBottomHex"] = std::int64_t{8};
+    }
+    EXPECT_EQ(defaults.values["customStrength"], Value(0.9)) << "it came later";
+    EXPECT_EQ(defaults.values["customBottomHex"], Value(std::int64_t{8}));
+    EXPECT_EQ(defaults.values["customTopHex"], Value(std::int64_t{7})) << "written at the end";
+}
+
+TEST(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
+    SimulatedPlatform platform;
+    SimulatedUserDefaults defaults;
+    ThemeStore first(defaults, platform.runLoop);
+    {
+        const ThemeStore second(defaults, platform.runLoop);
         EXPECT_EQ(&ThemeStore::shared(), &first);
     }
     EXPECT_EQ(&ThemeStore::shared(), &first);
