@@ -100,6 +100,16 @@ std::string findZone() {
     return variable != nullptr && makeTimeZone(variable) ? variable : utc;
 }
 
+// Who reads English may write dates as at home, so the locale of dates and times counts, not that of messages, which is
+// ICU's default. Null when the environment names none.
+const char* localeVariable() {
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+        const char* name = std::getenv(variable);
+        if (name != nullptr && *name != '\0') return name;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 Instant SystemClock::now() const {
@@ -117,7 +127,11 @@ std::string SystemClock::timeZone() const {
 }
 
 std::string SystemClock::locale() const {
-    return icu::Locale::getDefault().getName();
+    const char* name = localeVariable();
+    const auto locale = name != nullptr ? icu::Locale::createCanonical(name) : icu::Locale::getDefault();
+    // Neither "C" nor "POSIX" is a language.
+    const std::size_t length = std::string_view(locale.getLanguage()).size();
+    return locale.isBogus() || length < 2 || length > 3 ? "en_US_POSIX" : locale.getName();
 }
 
 }  // namespace sunpane

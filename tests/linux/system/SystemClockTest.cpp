@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/Dates.h"
 #include "support/TemporaryFolder.h"
@@ -14,27 +15,34 @@
 namespace sunpane {
 namespace {
 
-/// Sets TZ for a while.
-class ZoneSetting {
+/// Sets an environment variable for a while; an absent value unsets it.
+class Setting {
 public:
-    explicit ZoneSetting(const std::string& zone) {
-        if (const char* before = std::getenv("TZ")) before_ = before;
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
+    Setting(const char* name, const std::optional<std::string>& value) : name_(name) {
+        if (const char* before = std::getenv(name)) before_ = before;
+        set(value);
     }
-    ~ZoneSetting() {
-        if (before_) {
-            setenv("TZ", before_->c_str(), 1);
+    ~Setting() { set(before_); }
+    Setting(const Setting&) = delete;
+    Setting& operator=(const Setting&) = delete;
+
+private:
+    void set(const std::optional<std::string>& value) const {
+        if (value) {
+            setenv(name_, value->c_str(), 1);
         } else {
-            unsetenv("TZ");
+            unsetenv(name_);
         }
         tzset();
     }
-    ZoneSetting(const ZoneSetting&) = delete;
-    ZoneSetting& operator=(const ZoneSetting&) = delete;
 
-private:
+    const char* name_;
     std::optional<std::string> before_;
+};
+
+class ZoneSetting : Setting {
+public:
+    explicit ZoneSetting(const std::string& zone) : Setting("TZ", zone) {}
 };
 
 CivilTime timeOfTheSystem(std::time_t instant) {
@@ -114,6 +122,33 @@ TEST(SystemClock, PrefersNamesToRulesAndFollowsALinkThatMoves) {
     std::filesystem::create_symlink("/usr/share/zoneinfo/right/Africa/Lagos", folder / "next");
     std::filesystem::rename(folder / "next", link);
     EXPECT_EQ(clock.timeZone(), "Africa/Lagos");
+}
+
+TEST(SystemClock, TakesTheLocaleOfDatesAndTimes) {
+    struct Case {
+        std::optional<std::string> all, time, lang;
+        const char* locale;
+    };
+    const std::optional<std::string> unset;
+    for (const auto& [all, time, lang, locale] : {
+             Case{unset, "nl_NL.UTF-8", "en_US.UTF-8", "nl_NL"},
+             Case{"", "", "de_DE@euro", "de_DE"},
+             Case{"fr_FR.UTF-8", "nl_NL.UTF-8", "en_US.UTF-8", "fr_FR"},
+             Case{"C.UTF-8", "nl_NL.UTF-8", unset, "en_US_POSIX"},
+             Case{unset, "POSIX", "nl_NL.UTF-8", "en_US_POSIX"},
+             Case{unset, unset, "sr_RS.UTF-8@latin", "sr_RS"},
+             Case{unset, "../../etc", unset, "en_US_POSIX"},
+             Case{unset, std::string(100000, 'x'), unset, "en_US_POSIX"},
+         }) {
+        const Setting setAll("LC_ALL", all);
+        const Setting setTime("LC_TIME", time);
+        const Setting setLang("LANG", lang);
+        EXPECT_EQ(SystemClock().locale().substr(0, std::string_view(locale).size()), locale);
+    }
+    const Setting setAll("LC_ALL", unset);
+    const Setting setTime("LC_TIME", "nl_NL.UTF-8");
+    const LocalCalendar calendar("UTC", SystemClock().locale());
+    EXPECT_EQ(calendar.format(Instant::fromUnix(1795392000), "EEEE d MMM"), "maandag 23 nov");
 }
 
 }  // namespace
