@@ -74,6 +74,8 @@ struct IcsEvent {
     std::unique_ptr<const IcsRecurrence> recurrence;
     /// Set on an event that stands for one occurrence of the event of the same uid.
     std::optional<IcsTime> replaces;
+    /// Whether it stands for all later occurrences too.
+    bool replacesLater = false;
 };
 
 /// What one calendar file says.

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -70,7 +71,7 @@ std::string recurrenceName(const IcsTime& time) {
 /// How long an event lasts from any start.
 class Length {
 public:
-    Length(const IcsEvent& event, const IcsZone& userZone) : userZone_(userZone) {
+    Length(const IcsEvent& event, const IcsZone& userZone) : userZone_(&userZone) {
         isDay_ = event.start.isDay;
         if (event.end && isDay_) {
             clockSeconds_ = event.end->clockSeconds - event.start.clockSeconds;
@@ -86,10 +87,10 @@ public:
     }
 
     TimeSpan from(const IcsTime& start) const {
-        const Instant begin = start.instant(userZone_);
+        const Instant begin = start.instant(*userZone_);
         Instant end = begin;
         if (clockSeconds_ != 0) {
-            end = IcsTime{start.clockSeconds + clockSeconds_, start.isDay, start.zone}.instant(userZone_);
+            end = IcsTime{start.clockSeconds + clockSeconds_, start.isDay, start.zone}.instant(*userZone_);
         }
         return {begin, std::max(begin, end + seconds_)};
     }
@@ -97,7 +98,7 @@ public:
     Seconds longest() const { return static_cast<Seconds>(clockSeconds_) + seconds_ + secondsPerDay; }
 
 private:
-    const IcsZone& userZone_;
+    const IcsZone* userZone_;
     bool isDay_ = false;
     // Days by the clock, which may be longer or shorter than 24 hours, and then real seconds.
     std::int64_t clockSeconds_ = 0;
@@ -112,23 +113,85 @@ bool hasConditions(const icalrecurrencetype& rule) {
            isSet(rule.by_set_pos);
 }
 
+/// What stands for occurrences of one repeating event.
+struct Replacements {
+    /// The names of those occurrences. Some programs name a timed one by its day alone.
+    std::set<std::string> names;
+    /// Events that stand for all later ones too.
+    std::vector<const IcsEvent*> lasting;
+};
+
+/// From one of its occurrences on, a repeating event takes place as this event does: as long, and as much earlier or
+/// later as that occurrence was moved.
+class Change {
+public:
+    Change(const IcsEvent& event, const IcsTime& seriesStart, const IcsZone& userZone)
+        : event_(&event), length_(event, userZone), userZone_(&userZone) {
+        IcsTime replaced = *event.replaces;
+        if (replaced.isDay && !seriesStart.isDay) {
+            const std::int64_t ofDay = seriesStart.clockSeconds - startOfDay(seriesStart.clockSeconds);
+            replaced = {replaced.clockSeconds + ofDay, false, seriesStart.zone};
+        }
+        from_ = replaced.instant(userZone);
+        shift_ = event.start.clockSeconds - event.start.clockSecondsAt(from_, userZone);
+    }
+
+    const IcsEvent& event() const { return *event_; }
+    const Length& length() const { return length_; }
+    Instant from() const { return from_; }
+    /// How much later (s) its clock shows an occurrence than before.
+    std::int64_t shift() const { return shift_; }
+
+    /// When an occurrence that was due at `instant` takes place.
+    IcsTime moved(Instant instant) const {
+        const IcsTime& like = event_->start;
+        const std::int64_t clock = like.clockSecondsAt(instant, *userZone_) + shift_;
+        // The clock may skip midnight.
+        return {like.isDay ? startOfDay(clock + secondsPerDay / 2) : clock, like.isDay, like.zone};
+    }
+
+private:
+    static std::int64_t startOfDay(std::int64_t clockSeconds) {
+        return std::chrono::floor<std::chrono::days>(std::chrono::seconds(clockSeconds)).count() * secondsPerDay;
+    }
+
+    const IcsEvent* event_;
+    Length length_;
+    const IcsZone* userZone_;
+    Instant from_;
+    std::int64_t shift_ = 0;
+};
+
 /// Works out the occurrences of one repeating event.
 class Series {
 public:
-    Series(const IcsEvent& event, TimeSpan span, const IcsZone& userZone, std::set<std::string> replaced,
+    /// `replacements` outlive the series.
+    Series(const IcsEvent& event, TimeSpan span, const IcsZone& userZone, const Replacements& replacements,
            const StopFlag& stopped)
         : event_(event),
           span_(span),
           userZone_(userZone),
           stopped_(stopped),
           length_(event, userZone),
-          taken_(std::move(replaced)) {
+          replaced_(replacements.names) {
         for (const auto& time : event.recurrence->excluded)
             excluded_.insert(recurrenceName(time));
-        const Seconds lookBack = std::clamp(length_.longest(), 0.0, maximumLookBack);
+        for (const IcsEvent* lasting : replacements.lasting)
+            changes_.emplace_back(*lasting, event.start, userZone);
+        std::stable_sort(changes_.begin(), changes_.end(),
+                         [](const Change& a, const Change& b) { return a.from() < b.from(); });
+        Seconds reach = length_.longest();
+        Seconds earlier = 0;
+        for (const auto& change : changes_) {
+            const auto shift = static_cast<Seconds>(change.shift());
+            reach = std::max(reach, change.length().longest() + shift);
+            earlier = std::max(earlier, -shift);
+        }
+        const Seconds lookBack = std::clamp(reach, 0.0, maximumLookBack);
+        const Seconds lookAhead = std::min(earlier, maximumLookBack);
         // A day on either side covers every difference between clocks.
         firstClock_ = event.start.clockSecondsAt(span.from - lookBack, userZone) - secondsPerDay;
-        lastClock_ = event.start.clockSecondsAt(span.to, userZone) + secondsPerDay;
+        lastClock_ = event.start.clockSecondsAt(span.to + lookAhead, userZone) + secondsPerDay;
     }
 
     std::vector<IcsOccurrence> occurrences() && {
@@ -143,14 +206,30 @@ public:
 private:
     void add(const IcsTime& start, std::optional<Seconds> duration) {
         if (result_.size() >= maximumOccurrencesPerEvent) return;
-        TimeSpan time = length_.from(start);
+        const Change* change = changeAt(start);
+        const IcsEvent& event = change != nullptr ? change->event() : event_;
+        if (event.cancelled) return;
+        TimeSpan time =
+            change != nullptr ? change->length().from(change->moved(start.instant(userZone_))) : length_.from(start);
         if (duration) time.to = time.from + *duration;
         if (!overlaps(time, span_)) return;
         std::string name = recurrenceName(start);
-        // Some programs leave out a timed occurrence by its day.
-        if (excluded_.contains(name) || excluded_.contains(dayName(start.clockSeconds))) return;
+        // Some programs leave out or replace a timed occurrence by its day.
+        const std::string day = dayName(start.clockSeconds);
+        for (const std::set<std::string>& others : {std::cref(excluded_), std::cref(replaced_)}) {
+            if (others.contains(name) || others.contains(day)) return;
+        }
         if (!taken_.insert(name).second) return;
-        result_.push_back({time, &event_, std::move(name)});
+        result_.push_back({time, &event, std::move(name)});
+    }
+
+    // The last change from which on `start` is different; null when it is as it always was.
+    const Change* changeAt(const IcsTime& start) const {
+        if (changes_.empty()) return nullptr;
+        const auto next =
+            std::upper_bound(changes_.begin(), changes_.end(), start.instant(userZone_),
+                             [](Instant instant, const Change& change) { return instant < change.from(); });
+        return next == changes_.begin() ? nullptr : &*std::prev(next);
     }
 
     // The end of the rule or of the span, whichever is first; without it a rule that never comes true would be
@@ -195,8 +274,11 @@ private:
     const IcsZone& userZone_;
     const StopFlag& stopped_;
     Length length_;
-    std::set<std::string> taken_;
+    const std::set<std::string>& replaced_;
     std::set<std::string> excluded_;
+    // By the moment from which they count.
+    std::vector<Change> changes_;
+    std::set<std::string> taken_;
     std::vector<IcsOccurrence> result_;
     std::int64_t firstClock_ = 0;
     std::int64_t lastClock_ = 0;
@@ -206,19 +288,22 @@ private:
 
 std::vector<IcsOccurrence> expand(const IcsContent& content, TimeSpan span, const IcsZone& userZone,
                                   const StopFlag& stopped) {
-    std::map<std::string_view, std::set<std::string>> replaced;
+    std::map<std::string_view, Replacements> replacements;
     for (const auto& event : content.events) {
-        if (event.replaces) replaced[event.uid].insert(recurrenceName(*event.replaces));
+        if (!event.replaces) continue;
+        Replacements& own = replacements[event.uid];
+        own.names.insert(recurrenceName(*event.replaces));
+        if (event.replacesLater) own.lasting.push_back(&event);
     }
+    const Replacements none;
     std::vector<IcsOccurrence> result;
     for (const auto& event : content.events) {
         if (stopped || result.size() >= maximumOccurrencesPerFile) break;
         if (event.cancelled) continue;
         if (event.recurrence && !event.replaces) {
-            const auto own = replaced.find(event.uid);
+            const auto own = replacements.find(event.uid);
             auto found =
-                Series(event, span, userZone, own == replaced.end() ? std::set<std::string>() : own->second, stopped)
-                    .occurrences();
+                Series(event, span, userZone, own == replacements.end() ? none : own->second, stopped).occurrences();
             std::move(found.begin(), found.end(), std::back_inserter(result));
             continue;
         }

@@ -65,6 +65,11 @@ const char* zoneParameter(icalproperty* property) {
     return parameter != nullptr ? icalparameter_get_tzid(parameter) : nullptr;
 }
 
+bool reachesOn(icalproperty* property) {
+    icalparameter* parameter = icalproperty_get_first_parameter(property, ICAL_RANGE_PARAMETER);
+    return parameter != nullptr && icalparameter_get_range(parameter) == ICAL_RANGE_THISANDFUTURE;
+}
+
 // The property's own getters trust it to hold a value of the usual kind, which a file may override.
 std::optional<IcsTime> timeOf(icalproperty* property, FileZones& zones) {
     const icalvalue* value = icalproperty_get_value(property);
@@ -200,6 +205,7 @@ bool readProperty(icalproperty* property, FileZones& zones, IcsEvent& event, Gat
             break;
         case ICAL_RECURRENCEID_PROPERTY:
             event.replaces = timeOf(property, zones);
+            event.replacesLater = reachesOn(property);
             break;
         case ICAL_RRULE_PROPERTY:
             if (auto rule = ruleOf(property)) recurrence.rules.push_back(std::move(*rule));

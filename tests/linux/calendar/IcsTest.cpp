@@ -174,6 +174,77 @@ TEST(IcsTest, ReplacesOccurrencesThatWereMovedOrCancelled) {
                 ElementsAre("2026-11-02 09:00 +0 T"));
 }
 
+TEST(IcsTest, ReplacesATimedOccurrenceByItsDay) {
+    // Two of them begin on one day, and one begins on another day in UTC.
+    const std::string series =
+        event("DTSTART;TZID=Europe/Amsterdam:20261127T003000\nRRULE:FREQ=DAILY;COUNT=3\nRDATE:20261127T003000Z\n");
+    EXPECT_THAT(inNovember(file(series + event("RECURRENCE-ID;VALUE=DATE:20261128\nDTSTART:20261128T140000\n"))),
+                ElementsAre("2026-11-27 00:30 +0 T 20261126T233000Z", "2026-11-27 01:30 +0 T 20261127T003000Z",
+                            "2026-11-28 14:00 +0 T 20261128", "2026-11-29 00:30 +0 T 20261128T233000Z"));
+}
+
+TEST(IcsTest, ReplacesAllOccurrencesFromOneOn) {
+    const auto change = [](const std::string& title, const std::string& lines) {
+        return "BEGIN:VEVENT\nUID:e\nSUMMARY:" + title + "\n" + lines + "END:VEVENT\n";
+    };
+    const std::string timed =
+        event("DTSTART;TZID=Europe/Amsterdam:20261126T090000\nDURATION:PT1H\nRRULE:FREQ=DAILY;COUNT=5\n");
+    const std::string later = change("later",
+                                     "RECURRENCE-ID;RANGE=THISANDFUTURE:20261127T080000Z\n"
+                                     "DTSTART;TZID=Europe/Amsterdam:20261127T143000\nDURATION:PT30M\n");
+    const std::string first = "2026-11-26 09:00 +60 T 20261126T080000Z";
+    const std::string second = "2026-11-27 14:30 +30 later 20261127T080000Z";
+    struct Case {
+        const char* what;
+        std::string text;
+        std::vector<std::string> expected;
+    };
+    const Case cases[] = {
+        {"until the end, one of them moved by itself and one left out",
+         timed + later + change("single", "RECURRENCE-ID:20261128T080000Z\nDTSTART:20261128T170000\n") +
+             change("gone", "RECURRENCE-ID:20261129T080000Z\nDTSTART:20261129T170000\nSTATUS:CANCELLED\n"),
+         {first, second, "2026-11-28 17:00 +0 single 20261128T080000Z", "2026-11-30 14:30 +30 later 20261130T080000Z"}},
+        {"until they change again, whichever the file names first",
+         change("cancelled",
+                "RECURRENCE-ID;RANGE=THISANDFUTURE:20261129T080000Z\nDTSTART:20261129T090000\n"
+                "STATUS:CANCELLED\n") +
+             later + timed,
+         {first, second, "2026-11-28 14:30 +30 later 20261128T080000Z"}},
+        {"by day, to another zone",
+         timed + change("day",
+                        "RECURRENCE-ID;VALUE=DATE;RANGE=THISANDFUTURE:20261129\n"
+                        "DTSTART;TZID=America/New_York:20261129T050000\n"),
+         {first, "2026-11-27 09:00 +60 T 20261127T080000Z", "2026-11-28 09:00 +60 T 20261128T080000Z",
+          "2026-11-29 11:00 +0 day 20261129", "2026-11-30 11:00 +0 day 20261130T080000Z"}},
+        {"days that move into the month",
+         event("DTSTART;VALUE=DATE:20260907\nRRULE:FREQ=MONTHLY;BYMONTHDAY=7\n") +
+             change("moved",
+                    "RECURRENCE-ID;VALUE=DATE;RANGE=THISANDFUTURE:20261007\nDTSTART;VALUE=DATE:20261103\n"
+                    "DTEND;VALUE=DATE:20261105\n"),
+         {"2026-11-03 00:00 +2880 moved 20261007"}},
+        {"earlier, from beyond the month",
+         event("DTSTART;VALUE=DATE:20260907\nRRULE:FREQ=MONTHLY;BYMONTHDAY=7\n") +
+             change("moved", "RECURRENCE-ID;VALUE=DATE;RANGE=THISANDFUTURE:20261007\nDTSTART;VALUE=DATE:20260927\n"),
+         {"2026-11-27 00:00 +1440 moved 20261207"}},
+        {"timed ones that fill their days",
+         timed + change("day", "RECURRENCE-ID;RANGE=THISANDFUTURE:20261129T080000Z\nDTSTART;VALUE=DATE:20261129\n"),
+         {first, "2026-11-27 09:00 +60 T 20261127T080000Z", "2026-11-28 09:00 +60 T 20261128T080000Z",
+          "2026-11-29 00:00 +1440 day 20261129T080000Z", "2026-11-30 00:00 +1440 day 20261130T080000Z"}},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.what);
+        EXPECT_EQ(inNovember(file(each.text)), each.expected);
+    }
+    // The hour that summer time ends with is no part of the difference.
+    EXPECT_THAT(
+        happenings(file(event("DTSTART;TZID=Europe/Amsterdam:20261023T090000\nRRULE:FREQ=DAILY;COUNT=4\n") +
+                        change("later",
+                               "RECURRENCE-ID;RANGE=THISANDFUTURE:20261024T070000Z\n"
+                               "DTSTART;TZID=Europe/Amsterdam:20261024T100000\n")),
+                   "2026-10-25T00:00", "2026-11-01T00:00"),
+        ElementsAre("2026-10-25 10:00 +0 later 20261025T080000Z", "2026-10-26 10:00 +0 later 20261026T080000Z"));
+}
+
 TEST(IcsTest, UsesTheZonesThatAFileDefines) {
     const std::string zone =
         "BEGIN:VTIMEZONE\r\nTZID:Office\r\nBEGIN:STANDARD\r\nDTSTART:20001029T030000\r\n"
