@@ -6,11 +6,11 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickWindow>
 #include <memory>
 
 #include "views/RootWindow.h"
+#include "views/ViewEngine.h"
 
 namespace sunpane::testing {
 
@@ -60,7 +60,7 @@ public:
             press(window, c.toUpper().unicode(), c);
     }
 
-    QQmlEngine engine;
+    ViewEngine engine{[] {}};
     std::unique_ptr<QQuickWindow> shown;
 
 private:
