@@ -51,7 +51,7 @@ std::unique_ptr<PanelWindow> PanelAssembly::make(const Rect& frame, const Size& 
                                                    [this] { return root_->presenter().expanded(); });
         QObject::connect(root_, &RootWindow::outlineChanged, window_.get(), &X11PanelWindow::setOutline);
         QObject::connect(window_.get(), &X11PanelWindow::unfoldingExpected, root_, &RootWindow::makeContent);
-        QObject::connect(root_, &RootWindow::contentGivenUp, &engine_, &ViewEngine::contentGone);
+        QObject::connect(root_, &RootWindow::contentGivenUp, &engine_, &ViewEngine::tidyUp);
     }
     return std::make_unique<PanelOnScreen>(*window_);
 }

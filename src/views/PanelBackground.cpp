@@ -1,9 +1,12 @@
 #include "views/PanelBackground.h"
 
 #include <QBrush>
-#include <QLinearGradient>
+#include <QGradient>
+#include <QImage>
 #include <QPen>
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "views/PanelPaint.h"
@@ -23,15 +26,44 @@ QColor black(qreal opacity) {
     return QColor::fromRgbF(0, 0, 0, static_cast<float>(opacity));
 }
 
-QLinearGradient toQt(const GradientStops& stops, qreal height) {
-    QLinearGradient gradient(0, 0, 0, height);
+QGradientStops toQt(const GradientStops& stops) {
+    QGradientStops result;
     for (const auto& stop : stops) {
-        gradient.setColorAt(
-            stop.location,
-            QColor::fromRgbF(static_cast<float>(stop.color.red), static_cast<float>(stop.color.green),
-                             static_cast<float>(stop.color.blue), static_cast<float>(stop.color.opacity)));
+        result.append({stop.location,
+                       QColor::fromRgbF(static_cast<float>(stop.color.red), static_cast<float>(stop.color.green),
+                                        static_cast<float>(stop.color.blue), static_cast<float>(stop.color.opacity))});
     }
-    return gradient;
+    return result;
+}
+
+/// The colour at `position`, in premultiplied form. `stops` are in order and not empty.
+QRgb colorAt(const QGradientStops& stops, qreal position) {
+    const auto upper =
+        std::find_if(stops.begin(), stops.end(), [&](const auto& stop) { return stop.first > position; });
+    if (upper == stops.begin()) return qPremultiply(upper->second.rgba());
+    const auto lower = std::prev(upper);
+    if (upper == stops.end()) return qPremultiply(lower->second.rgba());
+    const qreal part = (position - lower->first) / (upper->first - lower->first);
+    const QRgb from = qPremultiply(lower->second.rgba());
+    const QRgb to = qPremultiply(upper->second.rgba());
+    const auto mix = [part](int a, int b) { return qRound(a + (b - a) * part); };
+    return qRgba(mix(qRed(from), qRed(to)), mix(qGreen(from), qGreen(to)), mix(qBlue(from), qBlue(to)),
+                 mix(qAlpha(from), qAlpha(to)));
+}
+
+// The toolkit keeps the last 60 gradients that it painted, ten kilobytes each, and a panel that unfolds has another one
+// in every frame. So a gradient from the top down to `height` is painted as a picture, which repeats sideways.
+QBrush verticalGradient(const QGradientStops& stops, qreal height, qreal scale) {
+    constexpr int width = 64;
+    const int rows = std::max(1, static_cast<int>(std::ceil(height * scale)));
+    QImage strip(width, rows, QImage::Format_ARGB32_Premultiplied);
+    for (int row = 0; row < rows; ++row) {
+        std::fill_n(reinterpret_cast<QRgb*>(strip.scanLine(row)), width,
+                    colorAt(stops, (row + 0.5) / (height * scale)));
+    }
+    QBrush brush(strip);
+    if (scale != 1) brush.setTransform(QTransform::fromScale(1 / scale, 1 / scale));
+    return brush;
 }
 
 // The picture's pixels without a copy; the image keeps them alive.
@@ -131,21 +163,20 @@ void PanelBackground::paint(QPainter& painter, const QPainterPath& outline, cons
         painter.fillPath(outline, Qt::black);
     } else {
         paintBackdrop(painter, outline);
-        painter.fillPath(outline, toQt(coating, measures.cardHeight));
+        const qreal scale = painter.device()->devicePixelRatioF();
+        painter.fillPath(outline, verticalGradient(toQt(coating), measures.cardHeight, scale));
         const qreal reach = measures.headerBottom + scrimRunOut;
         const qreal strength = std::max(leastHeaderScrim, scrim_) * openness;
-        QLinearGradient scrim(0, 0, 0, reach);
-        scrim.setColorAt(0, black(openness));
-        scrim.setColorAt(measures.notchHeight / reach, black(strength));
+        QGradientStops scrim{{0, black(openness)}, {measures.notchHeight / reach, black(strength)}};
         // Runs out along a curve, so that no edge shows.
         for (int step = 0; step <= 4; ++step) {
             const qreal part = step / 4.0;
             const qreal left = 1 - part * part * (3 - 2 * part);
-            scrim.setColorAt((measures.headerBottom + part * scrimRunOut) / reach, black(strength * left));
+            scrim.append({(measures.headerBottom + part * scrimRunOut) / reach, black(strength * left)});
         }
         painter.save();
         painter.setClipRect(outline.boundingRect().intersected(QRectF(-1e6, 0, 2e6, reach)));
-        painter.fillPath(outline, scrim);
+        painter.fillPath(outline, verticalGradient(scrim, reach, scale));
         painter.restore();
     }
     if (shown_ && openness > 0) {

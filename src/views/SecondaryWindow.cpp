@@ -56,7 +56,7 @@ void SecondaryWindow::discard() {
 
 void SecondaryWindow::release() {
     window_.release()->deleteLater();
-    engine_.windowGone();
+    engine_.tidyUp();
 }
 
 }  // namespace sunpane

@@ -17,19 +17,11 @@ constexpr auto untilGone = 500ms;
 ViewEngine::ViewEngine(std::function<void()> returnMemory) : returnMemory_(std::move(returnMemory)) {
     tidying_.setSingleShot(true);
     tidying_.setInterval(untilGone);
-    connect(&tidying_, &QTimer::timeout, this, &ViewEngine::tidyUp);
-}
-
-void ViewEngine::windowGone() {
-    hasUnusedTypes_ = true;
-    tidying_.start();
-}
-
-void ViewEngine::tidyUp() {
-    collectGarbage();
-    if (std::exchange(hasUnusedTypes_, false)) trimComponentCache();
-    QPixmapCache::clear();
-    returnMemory_();
+    connect(&tidying_, &QTimer::timeout, this, [this] {
+        collectGarbage();
+        QPixmapCache::clear();
+        returnMemory_();
+    });
 }
 
 }  // namespace sunpane
