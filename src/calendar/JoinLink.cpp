@@ -25,6 +25,8 @@ enum CharacterClass : std::uint8_t {
     inAddress = 2,
     // May stand in a host name.
     inHost = 4,
+    // Has to be escaped in an address, and is often written as it is.
+    escapable = 8,
 };
 
 constexpr std::array<std::uint8_t, 256> makeClasses() {
@@ -37,6 +39,7 @@ constexpr std::array<std::uint8_t, 256> makeClasses() {
     add("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~", inAddress | inHost);
     add("!$&()*+,;='", inAddress | inHost);
     add(":/?#@%", inAddress);
+    add("|{}[\\^`", escapable);
     // Other scripts are written out in paths, and browsers take them.
     for (std::size_t byte = 0x80; byte < 256; ++byte)
         classes[byte] |= inAddress;
@@ -46,6 +49,10 @@ constexpr auto classes = makeClasses();
 
 bool is(char c, CharacterClass what) {
     return (classes[static_cast<unsigned char>(c)] & what) != 0;
+}
+
+bool isAscii(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
 }
 
 bool isHexDigit(char c) {
@@ -80,13 +87,22 @@ bool hasInvisibleCharacters(std::string_view address) {
     return false;
 }
 
-// The host of an address as it is written there, from what follows "//". Empty when the address is malformed. A host
-// in other scripts than ASCII counts as malformed: browsers rewrite such names before they look them up, so that what
-// is read here need not be where the browser goes.
-std::string_view hostOf(std::string_view afterSlashes) {
-    if (!std::all_of(afterSlashes.begin(), afterSlashes.end(), [](char c) { return is(c, inAddress); })) return {};
-    if (!hasOnlyWholeEscapes(afterSlashes) || hasInvisibleCharacters(afterSlashes)) return {};
-    std::string_view host = afterSlashes.substr(0, afterSlashes.find_first_of("/?#"));
+bool isPlain(std::string_view address) {
+    return std::all_of(address.begin(), address.end(), [](char c) { return is(c, inAddress); }) &&
+           hasOnlyWholeEscapes(address) && !hasInvisibleCharacters(address);
+}
+
+// What follows "//" up to the path: the host, with whoever logs in and the port.
+std::string_view authorityOf(std::string_view afterSlashes) {
+    return afterSlashes.substr(0, afterSlashes.find_first_of("/?#"));
+}
+
+// The host as it is written there. Empty when the authority is malformed. A host in other scripts than ASCII counts as
+// malformed: browsers rewrite such names before they look them up, so that what is read here need not be where the
+// browser goes.
+std::string_view hostOf(std::string_view authority) {
+    if (!isPlain(authority)) return {};
+    std::string_view host = authority;
     const std::size_t at = host.find('@');
     if (at != std::string_view::npos) host.remove_prefix(at + 1);
     if (const std::size_t colon = host.find(':'); colon != std::string_view::npos) {
@@ -95,6 +111,36 @@ std::string_view hostOf(std::string_view afterSlashes) {
     }
     if (!std::all_of(host.begin(), host.end(), [](char c) { return is(c, inHost); })) return {};
     return host;
+}
+
+// Writes out what services put into paths and queries as it is, though an address has to escape it. Past the host
+// nothing can lead elsewhere by that.
+std::string withEscapes(std::string_view pathAndQuery) {
+    std::string escaped;
+    escaped.reserve(pathAndQuery.size());
+    for (const char c : pathAndQuery) {
+        if (!is(c, escapable)) {
+            escaped += c;
+            continue;
+        }
+        constexpr std::string_view digits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(c);
+        escaped.append({'%', digits[byte >> 4], digits[byte & 15]});
+    }
+    return escaped;
+}
+
+// Without the invisible characters that come along when a link is copied out of a message.
+std::string_view withoutInvisibleEnd(std::string_view link) {
+    while (!link.empty() && !isAscii(link.back())) {
+        std::size_t last = link.size() - 1;
+        while (last > 0 && (static_cast<unsigned char>(link[last]) & 0xC0) == 0x80)
+            --last;
+        std::size_t position = last;
+        if (u_charType(static_cast<UChar32>(text::nextCodePoint(link, position))) != U_FORMAT_CHAR) break;
+        link = link.substr(0, last);
+    }
+    return link;
 }
 
 bool isMeetingHost(std::string_view host) {
@@ -107,7 +153,7 @@ bool isMeetingHost(std::string_view host) {
 // Where the link that runs through `position` ends.
 std::size_t endOfLink(std::string_view text, std::size_t position) {
     while (position < text.size()) {
-        if (static_cast<unsigned char>(text[position]) < 0x80) {
+        if (isAscii(text[position])) {
             if (is(text[position], endsLink)) break;
             ++position;
             continue;
@@ -132,7 +178,12 @@ std::optional<std::string> joinURL(std::string_view text) {
         const std::string_view link = text.substr(start, end - start);
         position = end;
         if (link.size() > maximumLinkBytes) continue;
-        if (isMeetingHost(hostOf(link.substr(linkPrefix.size())))) return std::string(link);
+        const std::string_view afterSlashes = withoutInvisibleEnd(link).substr(linkPrefix.size());
+        const std::string_view authority = authorityOf(afterSlashes);
+        if (!isMeetingHost(hostOf(authority))) continue;
+        const std::string rest = withEscapes(afterSlashes.substr(authority.size()));
+        if (!isPlain(rest) || linkPrefix.size() + authority.size() + rest.size() > maximumLinkBytes) continue;
+        return std::string(linkPrefix).append(authority).append(rest);
     }
     return std::nullopt;
 }
@@ -149,7 +200,9 @@ std::optional<std::string> joinURL(const CalendarEvent& event) {
 bool isWebAddress(std::string_view text) {
     if (text.size() > maximumLinkBytes) return false;
     for (const std::string_view scheme : {std::string_view("https://"), std::string_view("http://")}) {
-        if (text.starts_with(scheme)) return !hostOf(text.substr(scheme.size())).empty();
+        if (!text.starts_with(scheme)) continue;
+        const std::string_view afterSlashes = text.substr(scheme.size());
+        return isPlain(afterSlashes) && !hostOf(authorityOf(afterSlashes)).empty();
     }
     return false;
 }

@@ -13,7 +13,8 @@ namespace sunpane {
 inline constexpr std::size_t maximumLinkBytes = 8192;
 
 /// The address of the first online meeting that `text` (valid UTF-8) links to; absent without one. Only links with
-/// `https` to a known meeting service count. Runs at memory speed on text without links. Any thread.
+/// `https` to a known meeting service count; what their paths and queries leave unescaped is escaped. Runs at memory
+/// speed on text without links. Any thread.
 std::optional<std::string> joinURL(std::string_view text);
 
 /// The same for an event: its URL, its location and its notes are looked at in this order.

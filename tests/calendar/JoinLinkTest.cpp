@@ -34,6 +34,13 @@ TEST(JoinLink, FindsTheFirstLinkToAMeetingServiceInText) {
         {"https://zoom.us/j/1\u2028next", "https://zoom.us/j/1"},
         {"https://zoom.us/j/ü,ok", "https://zoom.us/j/ü,ok"},
         {"https://zoom.us/j/1.", "https://zoom.us/j/1."},
+        {"https://zoom.us/j/1\u200B", "https://zoom.us/j/1"},
+        {"https://zoom.us\u200B\uFEFF\U000E0041 next", "https://zoom.us"},
+        {"https://zoom.us/j/ü\u2060", "https://zoom.us/j/ü"},
+        // What has to be escaped and is not.
+        {"https://teams.microsoft.com/l/a|b?context={`Tid`:^1}\\[2]",
+         "https://teams.microsoft.com/l/a%7Cb?context=%7B%60Tid%60:%5E1%7D%5C%5B2"},
+        {"https://zoom.us/j/1%7C|#a|b", "https://zoom.us/j/1%7C%7C#a%7Cb"},
         {"xhttps://zoom.us", "https://zoom.us"},
         {"https://<https://zoom.us", "https://zoom.us"},
         // One link, to a host named "https".
@@ -67,15 +74,20 @@ TEST(JoinLink, IsNotFooledByHostsThatOnlyLookLikeAService) {
              "https://zoom.us/%",
              "https://zoom.us/%4",
              "https://zoom.us/%zz",
-             "https://zoom.us/a|b",
+             "https://zoom.us\\@evil.example/",
+             "https://zoom.us|evil.example/",
+             "https://zoom.us{/",
+             "https://evil.example\u200B.zoom.us/",
              "https:///zoom.us/",
              "https://[zoom.us",
              "https://\x01zoom.us/",
              "https://zoom.us/\u009B31m",
              "https://zoom.us/\u202Egpj",
-             "https://zoom.us/j/1\u200B",
+             "https://zoom.us/j/1\u200B2",
+             "https://zoom.us/j/1\u009B\u200B",
+             "https://zoom.us/\u202Egpj\u200B",
              "https://zoom.us/\u2066a",
-             "https://zoom.us/\U000E0041",
+             "https://zoom.us/\U000E0041a",
          }) {
         EXPECT_EQ(joinURL(std::string_view(link)), std::nullopt) << link;
     }
@@ -100,6 +112,9 @@ TEST(JoinLink, LooksAtTheURLThenTheLocationThenTheNotes) {
 TEST(JoinLink, SurvivesHostileSizes) {
     const std::string longLink = "https://zoom.us/" + std::string(maximumLinkBytes, 'a');
     EXPECT_EQ(joinURL(std::string_view(longLink + " https://zoom.us/j/2")), "https://zoom.us/j/2");
+    // Escaping must not lengthen one past the bound.
+    const std::string growing = "https://zoom.us/" + std::string(maximumLinkBytes / 2, '|');
+    EXPECT_EQ(joinURL(std::string_view(growing)), std::nullopt);
     std::string prefixes;
     while (prefixes.size() < 1 << 20)
         prefixes += "https://";
