@@ -27,8 +27,9 @@ bool isBrowserPath(std::string_view path);
 /// when it holds anything else.
 std::optional<DevToolsEndpoint> parsePortFile(std::string_view content);
 
-/// The first endpoint on which somebody listens: the port that the user set, else the one in the profile of Chrome,
-/// else in that of Chromium. Any thread; waits for nobody.
+/// The first endpoint on which somebody listens: the port that the user set, else the one in the default profile folder
+/// of Chrome, else in that of Chromium. Recent browsers open no port for that folder, so for them it has to be set. Any
+/// thread; waits for nobody.
 std::optional<DevToolsEndpoint> findDevTools(const UserDefaults& defaults);
 
 }  // namespace sunpane
