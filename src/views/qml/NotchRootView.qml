@@ -149,13 +149,17 @@ FocusScope {
     function makeContent() {
         content.make();
         content.item.settle();
-        idle.restart();
+        // The pointer may also come near while the panel still folds; then the time begins when it has folded.
+        if (folded)
+            idle.restart();
     }
     Timer {
         id: idle
         interval: 30000
         running: root.folded && content.item !== null
         onTriggered: {
+            if (!root.folded)
+                return;
             if (content.item.holdsText) {
                 restart();
             } else {

@@ -1,0 +1,112 @@
+#include "views/RootWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QQuickItem>
+
+#include "views/ViewModelFixture.h"
+#include "views/WindowsFixture.h"
+
+namespace sunpane {
+namespace {
+
+class NoBackdrop : public ScreenBackdrop {
+public:
+    bool isBlurredByDesktop() const override { return false; }
+    bool isLive() const override { return false; }
+    std::optional<Capture> capture(std::uint64_t, int) override { return std::nullopt; }
+};
+
+/// The panel's QML over a simulated platform, in a window that no screen shows. Only its animations and its timers take
+/// real time.
+struct RootWindowTest : testing::ViewModelFixture {
+    testing::SimulatedWorkspace workspace;
+    testing::SimulatedMotion motion;
+    NoBackdrop backdrop;
+    ThemeStore theme{defaults, platform.runLoop};
+    QQmlEngine engine;
+    std::unique_ptr<RootWindow> window;
+
+    static void SetUpTestSuite() { testing::WindowsFixture::SetUpTestSuite(); }
+    static void TearDownTestSuite() { testing::WindowsFixture::TearDownTestSuite(); }
+
+    void SetUp() override {
+        std::string cards;
+        for (int i = 0; i < 40; ++i)
+            cards += "- Card " + std::to_string(i) + "\n";
+        longDay = "### Schedule\n" + cards;
+        folder.write("2026-11-20.md", "# One\n" + longDay);
+        folder.write("2026-11-21.md", "# Two\n" + longDay);
+        model->start();
+        platform.time.runPending();
+        engine.addImportPath(QStringLiteral("qrc:/"));
+        const PanelPresenter::Collaborators collaborators{
+            *model,         agenda.meetings, agenda.fallback, players.nowPlaying, platform.runLoop,
+            platform.clock, notifications,   defaults,        workspace,          hub,
+            motion};
+        window = std::make_unique<RootWindow>(
+            engine, std::make_unique<PanelPresenter>(collaborators, PanelPresenter::Measures{{200, 32}, 720, 600}),
+            PanelBackground::Collaborators{theme, backdrop, platform.runLoop, platform.queues, [] { return 0; }});
+        window->resize(780, 640);
+        // The ways of the notch without their length.
+        motion.reduce(true);
+        platform.time.runPending();
+    }
+
+    QQuickItem& root() { return *window->contentItem()->childItems().front(); }
+    template <class T>
+    T* child(const char* type) {
+        for (auto* object : root().findChildren<T*>()) {
+            if (QByteArray(object->metaObject()->className()).startsWith(type)) return object;
+        }
+        return nullptr;
+    }
+    void setOpen(bool open) {
+        model->setExpanded(open);
+        platform.time.runPending();
+    }
+    template <class Condition>
+    static bool waitFor(const Condition& condition, int milliseconds = 3000) {
+        QElapsedTimer clock;
+        clock.start();
+        while (!condition() && clock.elapsed() < milliseconds)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+        return condition();
+    }
+    bool hasContent() { return child<QQuickItem>("BriefingCard") != nullptr; }
+    bool isFolded() { return root().property("folded").toBool(); }
+
+    std::string longDay;
+};
+
+TEST_F(RootWindowTest, GivesItsContentUpOnlyWhileFolded) {
+    constexpr int shortTime = 60;
+    QObject* idle = nullptr;
+    for (auto* object : root().findChildren<QObject*>()) {
+        if (object->property("interval").toInt() == 30000) idle = object;
+    }
+    ASSERT_NE(idle, nullptr);
+    idle->setProperty("interval", shortTime);
+    window->makeContent();
+    ASSERT_TRUE(hasContent());
+    EXPECT_TRUE(waitFor([&] { return !hasContent(); })) << "nobody came";
+
+    setOpen(true);
+    ASSERT_TRUE(waitFor([&] { return root().property("unfolding") == 1.0; }));
+    motion.reduce(false);
+    setOpen(false);
+    // The pointer stays near while the panel folds, and comes back before it has.
+    window->makeContent();
+    EXPECT_FALSE(isFolded());
+    setOpen(true);
+    EXPECT_FALSE(waitFor([&] { return !hasContent(); }, 10 * shortTime)) << "an open panel goes blank";
+
+    motion.reduce(true);
+    setOpen(false);
+    ASSERT_TRUE(waitFor([&] { return isFolded(); }));
+    EXPECT_TRUE(waitFor([&] { return !hasContent(); }));
+}
+
+}  // namespace
+}  // namespace sunpane
