@@ -142,6 +142,16 @@ class Cards(unittest.TestCase):
         self.assertEqual((todo["text"], todo["sourceItemKey"], todo["source"]), ("Alpha report", "alpha-report", "item"))
         self.assertAlmostEqual(todo["remindAt"] + 978307200, before + 3 * 3600, delta=2)
 
+        # A row that the pointer has left is not chosen, however quickly it is back where it began.
+        self.hold(3)
+        d.move(HAND_X + 1, CARD_Y[3])
+        d.move(*self.menu_row(3, 0))
+        d.move(*self.menu_row(3, 1))
+        d.run("xdotool", "mousemove", str(HAND_X), str(CARD_Y[3]), "mouseup", "1")
+        time.sleep(0.3)
+        d.key("Escape")
+        self.assertEqual(len(self.todos()), 1)
+
         # Let go where it was held, the menu stays for a click; a click beside it closes it.
         self.hold(1)
         d.run("xdotool", "mouseup", "1")

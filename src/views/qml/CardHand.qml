@@ -11,8 +11,6 @@ MouseArea {
     property point start
     enum Doing { Nothing, Pressing, Swiping, Choosing, Ignoring }
     property int doing: CardHand.Nothing
-    // A hand that holds something still moves this much.
-    readonly property real tremor: 8
 
     acceptedButtons: Qt.LeftButton | Qt.RightButton
     // Nor does a drag up or down scroll the column.
@@ -62,7 +60,7 @@ MouseArea {
         const at = mapToItem(card, mouse.x, mouse.y);
         const dx = at.x - start.x;
         const dy = at.y - start.y;
-        if (doing === CardHand.Pressing && Math.hypot(dx, dy) > tremor) {
+        if (doing === CardHand.Pressing && Style.isMeant(dx, dy)) {
             ring.cancel();
             doing = Math.abs(dx) > Math.abs(dy) ? CardHand.Swiping : CardHand.Ignoring;
             if (doing === CardHand.Swiping)

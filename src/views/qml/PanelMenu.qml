@@ -19,8 +19,10 @@ Item {
     property Item returnTo: null
     // While other entries take the place of those that were shown.
     property bool switching: false
-    // Where the pointer was when its way was first handed on. A trembling hand chooses nothing.
+    // Where the pointer was when its way was first handed on. A trembling hand chooses nothing; once it has moved
+    // further than that, whatever row it is over is meant, also back where it began.
     property var heldAt: null
+    property bool meant: false
 
     anchors.fill: parent
     visible: isOpen
@@ -33,6 +35,7 @@ Item {
         entries = choices;
         returnTo = byKeyboard ? item : null;
         heldAt = null;
+        meant = false;
         // A second hand, or the keyboard, may open another menu while a button holds this one open.
         if (!isOpen)
             presenter.setMenuOpen(true);
@@ -107,7 +110,9 @@ Item {
         const at = item.mapToItem(column, x, y);
         if (!heldAt)
             heldAt = at;
-        if (Math.abs(at.x - heldAt.x) + Math.abs(at.y - heldAt.y) > 8)
+        if (Style.isMeant(at.x - heldAt.x, at.y - heldAt.y))
+            meant = true;
+        if (meant)
             current = rowAt(at.x, at.y);
     }
     // The button came up.

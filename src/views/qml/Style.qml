@@ -1,7 +1,7 @@
 pragma Singleton
 import QtQuick
 
-// The panel's look in one place: every colour, size and font that more than one view uses.
+// The panel's look in one place: every colour, size, font and measure that more than one view uses.
 QtObject {
     readonly property string family: "Inter"
     readonly property int titleSize: 16
@@ -52,6 +52,10 @@ QtObject {
     readonly property int inset: 12
     readonly property int margin: 20
 
+    // Whether the pointer moved further (points) than a hand does that holds something still.
+    function isMeant(dx, dy) {
+        return Math.hypot(dx, dy) > 8;
+    }
     // A layer of a colour above the scrim, as one colour.
     function onScrim(red, green, blue, opacity) {
         const whole = 1 - (1 - scrim) * (1 - opacity);

@@ -205,7 +205,7 @@ Item {
             function drag(at) {
                 const dx = at.x - start.x, dy = at.y - start.y;
                 const distance = Math.hypot(dx, dy);
-                if (distance > 8)
+                if (Style.isMeant(dx, dy))
                     ring.cancel();
                 if (mode === "press" && distance >= row.presenter.dragDistance) {
                     mode = row.presenter.isVerticalDrag(dx, dy) ? "vertical" : "horizontal";
