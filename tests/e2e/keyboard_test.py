@@ -97,6 +97,22 @@ class Keyboard(unittest.TestCase):
         self.press("r", "Escape")  # the menu alone
         self.assertTrue(d.report()["expanded"])
 
+    def test_what_asks_the_user_keeps_the_keyboard(self):
+        d = self.desktop
+        self.to_first_card()
+        for key in ("F6", "Menu"):  # over to the other column, and for the panel's menu
+            self.press("m", key, "Down", "Return")
+            d.wait_for(lambda: "Alpha" in d.todos(), "the todo", 3)
+        self.press("m", "shift+Tab", "shift+Right")  # closed, and the keyboard is on the card again
+        self.await_flags(prio=["alpha"])
+        self.press("r", "Up", "Return")
+        time.sleep(0.3)
+        self.press("F6", "shift+F10", "Menu")
+        d.key(*"281220270930", "Return")
+        d.wait_for(lambda: any("remindAt" in todo for todo in self.read("todos.json")["todos"]), "the reminder", 3)
+        self.assertEqual(sorted(d.todos()), ["Alpha", "Dentist"])
+        self.assertFalse(os.path.exists(self.opened))
+
     def test_the_panels_menu_and_the_settings(self):
         d = self.desktop
         self.press("F6", "Up", "shift+F10", "Return")  # on a button of the header

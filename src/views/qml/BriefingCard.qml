@@ -40,7 +40,11 @@ Item {
         if (item)
             menu.current = 0;
     }
+    // What asks the user something has the keyboard until it is answered.
+    readonly property bool asks: menu.isOpen || sheet.isOpen
     function openMenuFromKeyboard(item) {
+        if (asks)
+            return;
         openMenu(header.x, header.y + header.height, item);
     }
 
@@ -218,6 +222,8 @@ Item {
 
     // Takes the keyboard from one column to the other.
     function switchColumn() {
+        if (asks)
+            return;
         if (todos.hasFocus)
             column.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason);
         else

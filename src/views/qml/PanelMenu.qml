@@ -203,6 +203,7 @@ Item {
         Keys.onSpacePressed: (event) => chooseWith(event)
         Keys.onEscapePressed: menu.close()
         Keys.onTabPressed: menu.close()
+        Keys.onBacktabPressed: menu.close()
         Keys.onLeftPressed: {}
         Keys.onRightPressed: {}
         Keys.onDownPressed: menu.current = (menu.current + 1) % menu.entries.length
