@@ -80,7 +80,7 @@ class Keyboard(unittest.TestCase):
         self.await_flags(prio=["alpha", "gamma"], cleared=["beta"])
 
     def test_days(self):
-        self.press("F6", "Left")
+        self.press("F6", "shift+Left", "ctrl+Left", "Left", "shift+Right")  # with another key held they turn no page
         self.press("F6", "F6", "Down", "shift+Right")  # over to the todos and back
         self.await_flags(prio=["delta"])
         self.press("Right")
@@ -112,6 +112,21 @@ class Keyboard(unittest.TestCase):
         d.wait_for(lambda: any("remindAt" in todo for todo in self.read("todos.json")["todos"]), "the reminder", 3)
         self.assertEqual(sorted(d.todos()), ["Alpha", "Dentist"])
         self.assertFalse(os.path.exists(self.opened))
+
+    def test_a_missed_priority_hands_the_keyboard_on(self):
+        d = self.desktop
+        self.to_first_card()
+        self.press("shift+Right", "Down", "shift+Right")
+        self.await_flags(prio=["alpha", "beta"])
+        d.write_briefing(time.strftime("%Y-%m-%d.md"), "# Today\n### Reading\n- Gamma\n")
+        time.sleep(1.5)
+        self.press("F6", "F6", "Down", "Down", "Return", "Down")  # past the only card, into the section below it
+        self.press("shift+Right")
+        self.await_flags(prio=["beta"])
+        self.press("shift+Left")
+        self.await_flags(cleared=["beta"])
+        d.key(*"Milk", "Return")  # what follows is the field for todos
+        d.wait_for(lambda: "Milk" in d.todos(), "the todo", 3)
 
     def test_the_panels_menu_and_the_settings(self):
         d = self.desktop

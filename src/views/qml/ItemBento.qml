@@ -14,6 +14,8 @@ Item {
     required property bool joinable
     required property bool imminent
     required property int sectionId
+    // Whether it is there only as long as it has priority.
+    required property bool missed
     // The column that shows the card; it knows the menus.
     required property var host
     readonly property var cards: host.presenter.cards
@@ -47,15 +49,19 @@ Item {
         host.openCardMenu(card, Style.inset, height, true);
     }
     function flag() {
+        if (missed)
+            handOn();
         cards.flag(sectionId, index);
     }
     function dismiss() {
-        // A card that goes hands the keyboard on to what follows it.
-        if (cleared && activeFocus)
-            focusNext();
+        if (missed || cleared)
+            handOn();
         cards.dismiss(sectionId, index);
     }
-    function focusNext() {
+    // A card that goes hands the keyboard on to what follows it.
+    function handOn() {
+        if (!activeFocus)
+            return;
         let next = nextItemInFocusChain(true);
         if (next === join)
             next = join.nextItemInFocusChain(true);

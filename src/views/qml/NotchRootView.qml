@@ -189,12 +189,17 @@ FocusScope {
     }
     Keys.onDownPressed: moveFocus(true)
     Keys.onUpPressed: moveFocus(false)
-    Keys.onLeftPressed: {
-        if (open)
+    // With another key held they mean something else, or nothing.
+    function leafs(event) {
+        event.accepted = open && (event.modifiers & ~Qt.KeypadModifier) === 0;
+        return event.accepted;
+    }
+    Keys.onLeftPressed: (event) => {
+        if (leafs(event))
             presenter.older();
     }
-    Keys.onRightPressed: {
-        if (open)
+    Keys.onRightPressed: (event) => {
+        if (leafs(event))
             presenter.newer();
     }
 

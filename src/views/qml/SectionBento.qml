@@ -221,6 +221,7 @@ Item {
                     ItemBento {
                         width: stack.width
                         sectionId: section.sectionId
+                        missed: section.missed
                         host: section.host
                     }
                 }
