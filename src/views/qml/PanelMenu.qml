@@ -184,14 +184,14 @@ Item {
         Behavior on height {
             enabled: menu.switching
             NumberAnimation {
-                duration: menu.presenter.menuSpring.duration
+                duration: Style.motion(menu.presenter.menuSpring)
                 easing: menu.presenter.menuSpring.curve
             }
         }
         Behavior on y {
             enabled: menu.switching
             NumberAnimation {
-                duration: menu.presenter.menuSpring.duration
+                duration: Style.motion(menu.presenter.menuSpring)
                 easing: menu.presenter.menuSpring.curve
             }
         }
