@@ -192,6 +192,27 @@ class Cards(unittest.TestCase):
         self.assertTrue(d.report()["expanded"])
         self.assertEqual(len(self.todos()), 1)
 
+    def test_the_sheet_is_about_the_card_that_asked_for_it(self):
+        d = self.desktop
+        self.click_into_panel()
+        self.focus_card(1)
+        place = ("mousemove", str(HAND_X), str(CARD_Y[0]))
+        d.key("r")
+        time.sleep(0.3)
+        # Another card's menu opens before the sheet does.
+        d.run("xdotool", "key", "Up", "Return", *place, "click", "3")
+        time.sleep(0.6)
+        d.key("Down", "Down", "Return")
+        d.wait_for(self.todos, "the todo")
+        self.assertEqual([(todo["text"], "remindAt" in todo) for todo in self.todos()], [("Alpha report", False)])
+        # Another card is held, and its menu would open after the sheet did.
+        self.focus_card(1)
+        d.key("r")
+        time.sleep(0.3)
+        d.run("xdotool", "key", "Up", "Return", *place, "mousedown", "1", "sleep", "1", "mouseup", "1", "key", "Return")
+        d.wait_for(lambda: len(self.todos()) == 2, "the second todo", 3)
+        self.assertEqual([todo["text"] for todo in self.todos() if "remindAt" in todo], ["Beta call"])
+
     def test_the_menu_copies_and_adds(self):
         d = self.desktop
         self.swipe(1, 80)

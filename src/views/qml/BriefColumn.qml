@@ -61,8 +61,12 @@ Flickable {
     function isBeside(card, x) {
         return card.mapToItem(column, x, 0).x > width + Style.gap;
     }
+    // What a menu is about from now on. A sheet that asks about one card goes on asking about that.
+    function choose(card) {
+        return !sheet.isOpen && cards.choose(card.sectionId, card.index);
+    }
     function openCardMenu(card, x, y, byKeyboard) {
-        if (!cards.choose(card.sectionId, card.index))
+        if (!choose(card))
             return;
         menu.openAt(card, x, y, qsTr("Card"), [
             {
@@ -83,7 +87,7 @@ Flickable {
     }
 
     function openReminderMenu(card, x, byKeyboard) {
-        if (!cards.choose(card.sectionId, card.index))
+        if (!choose(card))
             return;
         menu.openBeside(card, x, qsTr("Remind me · adds to todos"), menu.times((time) => remind(time, ""), () => openSheet(card, byKeyboard), null), byKeyboard);
     }

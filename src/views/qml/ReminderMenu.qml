@@ -21,6 +21,11 @@ PanelMenu {
         return choices;
     }
 
+    // What another menu is about the sheet would not ask for.
+    onIsOpenChanged: {
+        if (isOpen)
+            afterwards.stop();
+    }
     // The sheet comes once the menu has gone, unless the panel has gone with it.
     Timer {
         id: afterwards
