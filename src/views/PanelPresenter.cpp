@@ -71,6 +71,7 @@ void PanelPresenter::showBriefing(const Briefing* briefing) {
     if (briefing == nullptr) {
         shown_.reset();
         sections_.clear();
+        briefingId_.clear();
         title_ = QString::fromUtf8(Briefing::defaultTitle.data(), static_cast<int>(Briefing::defaultTitle.size()));
         subtitle_.clear();
         icon_ = QStringLiteral("sun.max.fill");
@@ -79,6 +80,7 @@ void PanelPresenter::showBriefing(const Briefing* briefing) {
     if (shown_ != *briefing) {
         shown_ = *briefing;
         sections_ = briefing->sections();
+        briefingId_ = QString::fromStdString(briefing->id);
         const BriefingSection* recap = brief_selection::recapSection(sections_);
         title_ =
             QString::fromStdString(plainText(recap != nullptr ? brief_selection::recapTitle(*recap) : briefing->title));

@@ -27,6 +27,8 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool expanded READ expanded NOTIFY changed)
     Q_PROPERTY(bool hasUnread READ hasUnread NOTIFY changed)
     Q_PROPERTY(bool hasBriefing READ hasBriefing NOTIFY changed)
+    /// The id of the briefing on screen, which stays when the file is written anew; empty when there is none.
+    Q_PROPERTY(QString briefingId READ briefingId NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY changed)
     Q_PROPERTY(QString icon READ icon NOTIFY changed)
@@ -95,6 +97,7 @@ public:
     bool expanded() const { return with_.viewModel.expanded(); }
     bool hasUnread() const { return with_.viewModel.hasUnread(); }
     bool hasBriefing() const { return with_.viewModel.current() != nullptr; }
+    const QString& briefingId() const { return briefingId_; }
     const QString& title() const { return title_; }
     const QString& subtitle() const { return subtitle_; }
     const QString& icon() const { return icon_; }
@@ -171,6 +174,7 @@ private:
     std::optional<Briefing> shown_;
     std::vector<BriefingSection> sections_;  // of `shown_`
     std::vector<BriefingItem> hidden_;       // among the cards of `sections_`
+    QString briefingId_;
     QString title_;
     QString subtitle_;
     QString icon_;

@@ -108,5 +108,22 @@ TEST_F(RootWindowTest, GivesItsContentUpOnlyWhileFolded) {
     EXPECT_TRUE(waitFor([&] { return !hasContent(); }));
 }
 
+TEST_F(RootWindowTest, AnotherDayIsReadFromItsTop) {
+    setOpen(true);
+    auto* column = child<QQuickItem>("BriefColumn");
+    ASSERT_NE(column, nullptr);
+    ASSERT_TRUE(waitFor([&] { return column->property("contentHeight").toReal() > column->height() + 300; }));
+    const auto scrolled = [&] { return column->property("contentY").toReal(); };
+    column->setProperty("contentY", 200);
+    folder.write("2026-11-21.md", "# Two\n" + longDay + "- One more\n");
+    folderEvents.tell(folder.path(), "2026-11-21.md");
+    platform.time.advance(0.5);
+    waitFor([] { return false; }, 50);
+    EXPECT_EQ(scrolled(), 200) << "the same day, written anew";
+    model->older();
+    platform.time.runPending();
+    EXPECT_EQ(scrolled(), 0);
+}
+
 }  // namespace
 }  // namespace sunpane

@@ -14,6 +14,13 @@ Flickable {
     // What happened, for the screen reader.
     signal announced(string text)
 
+    // Another day is read from its top.
+    readonly property string briefing: presenter.briefingId
+    onBriefingChanged: {
+        cancelFlick();
+        contentY = 0;
+    }
+
     contentHeight: rows.height
     boundsBehavior: Flickable.StopAtBounds
     clip: contentHeight > height
