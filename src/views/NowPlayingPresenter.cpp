@@ -35,8 +35,9 @@ void NowPlayingPresenter::scheduleRefresh() {
 
 void NowPlayingPresenter::refresh() {
     refreshPosted_ = false;
-    if (std::exchange(artwork_, nowPlaying_.artwork()) != nowPlaying_.artwork()) cover_ = toImage(artwork_.get());
+    // What was shown of the last track stays while it leaves the screen.
     if (const auto& track = nowPlaying_.track()) {
+        if (std::exchange(artwork_, nowPlaying_.artwork()) != nowPlaying_.artwork()) cover_ = toImage(artwork_.get());
         title_ = toQt(track->title);
         artist_ = toQt(track->artist);
         coverTooltip_ = toQt(now_playing_rules::coverTooltip(*track));

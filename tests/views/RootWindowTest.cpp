@@ -125,5 +125,30 @@ TEST_F(RootWindowTest, AnotherDayIsReadFromItsTop) {
     EXPECT_EQ(scrolled(), 0);
 }
 
+TEST_F(RootWindowTest, WhatPlayedStaysWholeWhileItsStripGoes) {
+    players.applications.running.emplace(bundleIdentifier(Player::spotify));
+    players.scripts.reply(Player::spotify, "playing|||Song|||Artist|||u1");
+    players.nowPlaying.poll();
+    platform.time.runPending();
+    players.covers.arrive("u1", testing::pixel(7));
+    platform.time.runPending();
+    const auto& strip = *window->presenter().nowPlaying();
+    ASSERT_TRUE(strip.hasTrack());
+    ASSERT_TRUE(strip.hasCover());
+    players.applications.running.clear();
+    players.nowPlaying.poll();
+    platform.time.runPending();
+    EXPECT_FALSE(strip.hasTrack());
+    EXPECT_EQ(strip.title(), "Song");
+    EXPECT_TRUE(strip.hasCover());
+    // Another track does not have it.
+    players.applications.running.emplace(bundleIdentifier(Player::spotify));
+    players.scripts.reply(Player::spotify, "playing|||Other|||Artist|||u2");
+    players.nowPlaying.poll();
+    platform.time.runPending();
+    EXPECT_EQ(strip.title(), "Other");
+    EXPECT_FALSE(strip.hasCover());
+}
+
 }  // namespace
 }  // namespace sunpane
