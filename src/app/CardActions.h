@@ -17,6 +17,9 @@ namespace sunpane::card_actions {
 /// What is copied: the card's text without the marks of bold and code.
 std::string copyText(const BriefingItem& item);
 
+/// The media type of what tells the todo column of a dragged card.
+constexpr const char* dragType = "application/x-dawnly-card";
+
 /// What a card that is dragged away carries, as JSON: from it the todo column makes a todo that belongs to the card.
 std::string dragPayload(const BriefingItem& item, const ItemFlagStore& flags);
 

@@ -128,7 +128,7 @@ QVariantMap CardPresenter::dragData(int sectionId, int index) const {
     if (item == nullptr) return {};
     const auto payload = card_actions::dragPayload(*item, with_.viewModel.flagStore());
     return {{QStringLiteral("text/plain"), toQt(item->suggestedTodoText())},
-            {QLatin1String(payloadType), toQt(payload)}};
+            {QLatin1String(card_actions::dragType), toQt(payload)}};
 }
 
 bool CardPresenter::choose(int sectionId, int index) {

@@ -30,9 +30,6 @@ class CardPresenter : public QObject {
     Q_PROPERTY(sunpane::SpringCurve spring READ spring NOTIFY handChanged)
 
 public:
-    /// What a drag carries for the todo column, as JSON.
-    static constexpr const char* payloadType = "application/x-dawnly-card";
-
     struct Collaborators {
         NotchViewModel& viewModel;
         ScrollSwipeHub& scrollSwipes;
@@ -69,7 +66,7 @@ public:
     Q_INVOKABLE void flag(int sectionId, int index);
     Q_INVOKABLE void dismiss(int sectionId, int index);
 
-    /// What a drag of the card carries: data by media type. Plain text for other programs, and the payload for the todo
+    /// What a drag of the card carries: data by media type. Plain text for other programs, and more for the todo
     /// column.
     Q_INVOKABLE QVariantMap dragData(int sectionId, int index) const;
 

@@ -5,7 +5,6 @@
 namespace sunpane::panel_layout {
 namespace {
 
-constexpr double headerHeight = 44;
 constexpr double bottomPadding = 30;
 constexpr double lowestPanel = 240;
 

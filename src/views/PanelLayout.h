@@ -5,6 +5,9 @@
 /// How high the panel folds open. All lengths in points.
 namespace sunpane::panel_layout {
 
+/// What the day's title and the way from day to day stand in, above both columns.
+constexpr double headerHeight = 44;
+
 struct Content {
     double notchHeight = 0;
     double maxCardHeight = 0;

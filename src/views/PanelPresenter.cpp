@@ -143,6 +143,10 @@ void PanelPresenter::showHiddenCards() {
         with_.viewModel.flagStore().unhide(item);
 }
 
+qreal PanelPresenter::headerHeight() {
+    return panel_layout::headerHeight;
+}
+
 qreal PanelPresenter::expandedHeight() const {
     panel_layout::Content content;
     content.notchHeight = measures_.notch.height;

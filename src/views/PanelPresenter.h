@@ -54,6 +54,7 @@ class PanelPresenter : public QObject {
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY reducedMotionChanged)
     Q_PROPERTY(qreal notchWidth READ notchWidth NOTIFY measuresChanged)
     Q_PROPERTY(qreal notchHeight READ notchHeight NOTIFY measuresChanged)
+    Q_PROPERTY(qreal headerHeight READ headerHeight CONSTANT)
     Q_PROPERTY(qreal cardWidth READ cardWidth NOTIFY measuresChanged)
     Q_PROPERTY(sunpane::SpringCurve unfoldSpring READ unfoldSpring CONSTANT)
     Q_PROPERTY(sunpane::SpringCurve foldSpring READ foldSpring CONSTANT)
@@ -119,6 +120,7 @@ public:
     bool reducedMotion() const { return reducedMotion_; }
     qreal notchWidth() const { return measures_.notch.width; }
     qreal notchHeight() const { return measures_.notch.height; }
+    static qreal headerHeight();
     qreal cardWidth() const { return measures_.cardWidth; }
     SpringCurve unfoldSpring() const { return unfoldSpring_; }
     SpringCurve foldSpring() const { return foldSpring_; }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "app/CardActions.h"
 #include "app/NotificationNames.h"
 #include "app/TodoActions.h"
 #include "views/TodoRules.h"
@@ -43,6 +44,10 @@ TodoColumnPresenter::TodoColumnPresenter(const Collaborators& collaborators)
 
 qreal TodoColumnPresenter::swipeThreshold() {
     return todo_rules::swipeThreshold;
+}
+
+QString TodoColumnPresenter::cardType() {
+    return QLatin1String(card_actions::dragType);
 }
 
 qreal TodoColumnPresenter::rowHeight() {

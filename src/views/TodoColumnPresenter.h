@@ -38,6 +38,8 @@ class TodoColumnPresenter : public QObject {
     Q_PROPERTY(qreal swipeX READ swipeX NOTIFY swipeChanged)
     /// How far a row must be swiped.
     Q_PROPERTY(qreal swipeThreshold READ swipeThreshold CONSTANT)
+    /// The media type under which a dragged card of the briefing says more of itself than its words.
+    Q_PROPERTY(QString cardType READ cardType CONSTANT)
     Q_PROPERTY(qreal rowHeight READ rowHeight CONSTANT)
     /// A press that moves less than this is no drag.
     Q_PROPERTY(qreal dragDistance READ dragDistance CONSTANT)
@@ -72,6 +74,7 @@ public:
     const QString& swipedId() const { return swipedId_; }
     qreal swipeX() const { return swipeX_; }
     static qreal swipeThreshold();
+    static QString cardType();
     static qreal rowHeight();
     static qreal dragDistance();
 

@@ -53,7 +53,7 @@ Item {
         x: Style.margin
         y: card.presenter.notchHeight + Style.gap
         width: parent.width - 2 * Style.margin
-        height: 44
+        height: card.presenter.headerHeight
 
         SymbolIcon {
             id: icon

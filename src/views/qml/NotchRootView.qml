@@ -100,7 +100,7 @@ FocusScope {
         bottomRadius: root.between(8, 22)
         topRadius: root.between(6, 10)
         notchHeight: root.presenter.notchHeight
-        headerBottom: root.presenter.notchHeight + Style.gap + 44
+        headerBottom: root.presenter.notchHeight + Style.gap + root.presenter.headerHeight
         // The black of the notch opens into the background well before the panel is open.
         openness: root.folded ? 0 : Math.max(0, Math.min(1, root.unfolding / 0.6))
         background: root.background

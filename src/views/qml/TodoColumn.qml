@@ -395,8 +395,7 @@ Rectangle {
         anchors.fill: parent
         onEntered: (drag) => drag.accepted = drag.hasText
         onDropped: (drop) => {
-            // A card of the briefing says more of itself than its words.
-            const card = "application/x-dawnly-card";
+            const card = todoColumn.presenter.cardType;
             todoColumn.presenter.addDropped(drop.formats.includes(card) ? drop.getDataAsString(card) : drop.text);
             drop.accept(Qt.CopyAction);
         }
