@@ -31,7 +31,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     expandRequests_ = with_.distributed.observe(std::string(appIdentifier) + ".expand",
                                                 [this] { with_.notifications.post(notification::revealTodo); });
     with_.loginItem.registerOnFirstRun();
-    with_.loginItem.followMove();
+    // A copy that is to be moved, or whose move was declined, is not the one to start with the session.
+    if (!reasonToMove(with_.bundle.path(), with_.bundle.applicationFolders())) with_.loginItem.followMove();
     onboarding::writeWelcomeBriefIfNeeded(with_.defaults, with_.files, with_.clock);
     steps_.showPanel();
     if (with_.spaces != nullptr)

@@ -16,7 +16,7 @@ void LoginItem::registerOnFirstRun() {
 }
 
 void LoginItem::followMove() {
-    if (isEnabled() && service_.startsAnotherCopy()) service_.setEnabled(true);
+    if (isAvailable() && service_.startsAnotherCopy()) service_.setEnabled(true);
 }
 
 bool LoginItem::isEnabled() const {

@@ -102,9 +102,11 @@ TEST_F(Launch, LeadsTheLoginItemOfACopyElsewhereHereUnlessTheUserTookItOut) {
     launch();
     EXPECT_FALSE(service.enabled);
     service.enabled = true;
-    bundle.where = "/home/ada/src/build/bin/dawnly";
-    launch();
-    EXPECT_TRUE(service.isForAnotherCopy);
+    for (const char* elsewhere : {"/home/ada/src/build/bin/dawnly", "/home/ada/Downloads/Dawnly.app"}) {
+        bundle.where = elsewhere;
+        launch();
+        EXPECT_TRUE(service.isForAnotherCopy) << elsewhere;
+    }
 }
 
 TEST_F(Launch, OfAProgramThatWasOnlyBuiltRegistersNothingAndOffersNoMove) {

@@ -30,7 +30,7 @@ public:
 class SimulatedLoginService : public LoginService {
 public:
     bool isEnabled() const override { return enabled; }
-    bool startsAnotherCopy() const override { return isForAnotherCopy; }
+    bool startsAnotherCopy() const override { return enabled && isForAnotherCopy; }
     std::optional<std::string> setEnabled(bool on) override {
         ++changes;
         if (error) return error;

@@ -1,9 +1,14 @@
 #include "linux/system/AutostartLoginService.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +20,7 @@ namespace sunpane {
 namespace {
 
 constexpr std::size_t maximumEntryBytes = std::size_t{64} * 1024;
+constexpr std::string_view header = "[Desktop Entry]";
 
 /// A path as one argument of an `Exec` line: quoted, with the escapes of the quotes and then those of any string, and
 /// no field code in it.
@@ -45,6 +51,32 @@ std::string escaped(std::string_view path) {
     return value;
 }
 
+/// The text that a string value stands for.
+std::string unescaped(std::string_view value) {
+    std::string text;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        const bool isEscape = value[i] == '\\' && i + 1 < value.size();
+        const char c = isEscape ? value[++i] : value[i];
+        text += !isEscape || c == '\\' ? c : c == 'n' ? '\n' : c == 't' ? '\t' : c == 'r' ? '\r' : ' ';
+    }
+    return text;
+}
+
+/// Whether a command names the program. Whoever put something before or after it keeps that.
+bool contains(std::string_view command, const std::string& program) {
+    return (" " + std::string(command) + " ").find(" " + program + " ") != std::string::npos;
+}
+
+bool isInPath(const std::string& program) {
+    if (program.find('/') != std::string::npos) return access(program.c_str(), X_OK) == 0;
+    const char* folders = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
+    std::istringstream path(folders != nullptr ? folders : "");
+    for (std::string folder; std::getline(path, folder, ':');) {
+        if (access((folder + "/" + program).c_str(), X_OK) == 0) return true;
+    }
+    return false;
+}
+
 struct Setting {
     std::string_view key;
     std::string_view value;
@@ -61,6 +93,13 @@ Setting settingIn(std::string_view line) {
         return text;
     };
     return {trim(line.substr(0, equals)), trim(line.substr(equals + 1))};
+}
+
+std::optional<std::string_view> valueOf(std::string_view key, const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+        if (const auto setting = settingIn(line); setting.key == key) return setting.value;
+    }
+    return std::nullopt;
 }
 
 bool switchesOff(std::string_view line) {
@@ -95,18 +134,34 @@ std::vector<std::string> AutostartLoginService::lines() const {
 
 bool AutostartLoginService::isEnabled() const {
     const auto entry = lines();
-    return !entry.empty() && std::none_of(entry.begin(), entry.end(), switchesOff);
+    if (entry.empty() || std::any_of(entry.begin(), entry.end(), switchesOff)) return false;
+    const auto needed = valueOf("TryExec", entry);
+    return !needed || isInPath(unescaped(*needed));
 }
 
 bool AutostartLoginService::startsAnotherCopy() const {
     const auto entry = lines();
-    return std::any_of(entry.begin(), entry.end(), [this](const std::string& line) {
-        const auto [key, value] = settingIn(line);
-        // Whoever put something before or after the program keeps it.
-        const std::string command = " " + std::string(value) + " ";
-        return key == "Exec" && command.find(" " + quotedForExec(program_) + " ") == std::string::npos &&
-               command.find(" " + program_ + " ") == std::string::npos;
-    });
+    const auto command = valueOf("Exec", entry);
+    return command && !startsUs(*command) && std::none_of(entry.begin(), entry.end(), switchesOff);
+}
+
+bool AutostartLoginService::startsUs(std::string_view command) const {
+    return contains(command, quotedForExec(program_)) || contains(command, program_);
+}
+
+std::string AutostartLoginService::command(const std::vector<std::string>& entry) const {
+    const auto current = valueOf("Exec", entry);
+    if (current && startsUs(*current)) return std::string(*current);
+    const auto needed = valueOf("TryExec", entry);
+    if (current && needed) {
+        const std::string old = unescaped(*needed);
+        for (const std::string& form : {quotedForExec(old), old}) {
+            if (!contains(*current, form)) continue;
+            std::string command(*current);
+            return command.replace(command.find(form), form.size(), quotedForExec(program_));
+        }
+    }
+    return quotedForExec(program_);
 }
 
 std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
@@ -116,11 +171,29 @@ std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
         if (error) return "Could not remove " + path_ + ": " + error.message() + ".";
         return std::nullopt;
     }
-    const std::string entry =
-        "[Desktop Entry]\nType=Application\nVersion=1.5\nName=Dawnly\nComment=The day's briefing under the notch\n"
-        "Exec=" +
-        quotedForExec(program_) + "\nTryExec=" + escaped(program_) +  // a desktop passes over what was uninstalled
-        "\nIcon=" + std::string(appIdentifier) + "\nTerminal=false\nNoDisplay=true\n";
+    const auto old = lines();
+    const std::pair<std::string_view, std::string> ours[] = {
+        {"Type", "Application"},
+        {"Version", "1.5"},
+        {"Name", "Dawnly"},
+        {"Comment", "The day's briefing under the notch"},
+        {"Exec", command(old)},
+        {"TryExec", escaped(program_)},  // a desktop passes over what was uninstalled
+        {"Icon", std::string(appIdentifier)},
+        {"Terminal", "false"},
+        {"NoDisplay", "true"},
+    };
+    std::string entry(header);
+    entry += '\n';
+    for (const auto& [key, value] : ours)
+        entry += std::string(key) + "=" + value + "\n";
+    // What the user, or the desktop for the user, added stays.
+    for (const std::string& line : old) {
+        const auto key = settingIn(line).key;
+        const bool isOurs =
+            std::any_of(std::begin(ours), std::end(ours), [key](const auto& own) { return own.first == key; });
+        if (!line.empty() && line != header && !isOurs && !switchesOff(line)) entry += line + "\n";
+    }
     PosixFileSystem files;
     errno = 0;
     if (files.createFolders(folder_) && files.replaceAtomically(path_, entry)) return std::nullopt;

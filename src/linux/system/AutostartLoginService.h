@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/LoginService.h"
@@ -25,6 +26,9 @@ public:
 private:
     // The lines of the entry; none without a readable one.
     std::vector<std::string> lines() const;
+    bool startsUs(std::string_view command) const;
+    // What starts this program, with whatever the entry's own command has before and after it.
+    std::string command(const std::vector<std::string>& entry) const;
 
     std::string folder_;
     std::string path_;

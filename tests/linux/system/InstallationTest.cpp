@@ -24,14 +24,19 @@ std::string content(const std::string& path) {
 TEST(AutostartLoginService, WritesAnEntryThatStartsTheProgramAndTakesItBack) {
     const testing::TemporaryFolder folder;
     const std::string path = folder / "autostart/app.dawnly.Dawnly.desktop";
-    AutostartLoginService service(folder / "autostart", R"(/opt/100% "my" $apps\/Dawnly.app/bin/dawnly)");
+    const std::string place = folder / R"(100% "my" $apps\)";
+    fs::create_directories(place);
+    const std::string program = place + "/dawnly";
+    AutostartLoginService service(folder / "autostart", program);
     EXPECT_FALSE(service.isEnabled());
     EXPECT_EQ(service.setEnabled(true), std::nullopt);
+    EXPECT_FALSE(service.isEnabled()) << "there is nothing to start";
+    std::ofstream(program) << "#!/bin/sh\n";
+    EXPECT_FALSE(service.isEnabled()) << "not a program";
+    fs::permissions(program, fs::perms::owner_all);
     EXPECT_TRUE(service.isEnabled());
-    EXPECT_THAT(content(path),
-                HasSubstr(R"(Exec="/opt/100%% \\"my\\" \\$apps\\\\/Dawnly.app/bin/dawnly")" + std::string("\n")));
-    EXPECT_THAT(content(path),
-                HasSubstr(R"(TryExec=/opt/100% "my" $apps\\/Dawnly.app/bin/dawnly)" + std::string("\n")));
+    EXPECT_THAT(content(path), HasSubstr("Exec=\"" + folder.path() + R"(/100%% \\"my\\" \\$apps\\\\/dawnly")" + "\n"));
+    EXPECT_THAT(content(path), HasSubstr("TryExec=" + folder.path() + R"(/100% "my" $apps\\/dawnly)" + "\n"));
     EXPECT_EQ(service.setEnabled(false), std::nullopt);
     EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(service.setEnabled(false), std::nullopt);
@@ -63,6 +68,33 @@ TEST(AutostartLoginService, KnowsAnEntryThatStartsAnotherCopy) {
                                                              {"/opt/Dawnly.app/bin/dawnly.old", true}}) {
         folder.write("app.dawnly.Dawnly.desktop", "[Desktop Entry]\nExec=" + std::string(command) + "\n");
         EXPECT_EQ(service.startsAnotherCopy(), isAnother) << command;
+    }
+}
+
+TEST(AutostartLoginService, KeepsWhatTheUserAddedToTheEntry) {
+    const testing::TemporaryFolder folder;
+    AutostartLoginService service(folder.path(), "/opt/Dawnly.app/bin/dawnly");
+    const std::string rest = "X-GNOME-Autostart-Delay=20\n# slow disk\nOnlyShowIn=GNOME;\n";
+    struct Case {
+        const char* was;
+        const char* command;
+    };
+    for (const auto& [was, command] : std::initializer_list<Case>{
+             {"Exec=nice \"/home/ada/my apps/dawnly\" --verbose\nTryExec=/home/ada/my apps/dawnly\n",
+              "Exec=nice \"/opt/Dawnly.app/bin/dawnly\" --verbose\n"},
+             {"Exec=/old/dawnly --verbose\nTryExec=/old/dawnly\nHidden=true\n",
+              "Exec=\"/opt/Dawnly.app/bin/dawnly\" --verbose\n"},
+             {"Exec=nice /opt/Dawnly.app/bin/dawnly\n", "Exec=nice /opt/Dawnly.app/bin/dawnly\n"},
+             {"Exec=/old/dawnly\n", "Exec=\"/opt/Dawnly.app/bin/dawnly\"\n"}}) {
+        folder.write("app.dawnly.Dawnly.desktop", "[Desktop Entry]\n" + std::string(was) + rest);
+        EXPECT_EQ(service.setEnabled(true), std::nullopt);
+        const std::string entry = content(folder / "app.dawnly.Dawnly.desktop");
+        EXPECT_THAT(entry, HasSubstr(command));
+        EXPECT_THAT(entry, HasSubstr("TryExec=/opt/Dawnly.app/bin/dawnly\n"));
+        EXPECT_THAT(entry, ::testing::EndsWith(rest));
+        EXPECT_THAT(entry, ::testing::Not(HasSubstr("Hidden")));
+        EXPECT_EQ(service.setEnabled(true), std::nullopt);
+        EXPECT_EQ(content(folder / "app.dawnly.Dawnly.desktop"), entry) << "once is enough";
     }
 }
 
