@@ -73,6 +73,10 @@ public:
     /// Wires everything and starts watching the briefings folder. Called once.
     void start();
 
+    /// Brings the briefings and the calendar's schedule and tasks of now into the list and the stores, on the main
+    /// loop.
+    void reapply();
+
     /// Folds the panel open or shut. Opening it marks everything as read and looks for the next meeting.
     /// What plays is followed while it is open.
     void setExpanded(bool expanded);
@@ -104,7 +108,6 @@ public:
     const std::optional<Uuid>& highlightTodoID() const { return highlightTodoID_; }
 
     /// The panel must not be folded before this time.
-    Instant keepOpenUntil() const { return keepOpenUntil_; }
     void setKeepOpenUntil(Instant instant) { keepOpenUntil_ = instant; }
     /// Hovering must not unfold the panel before this time.
     Instant suppressExpandUntil() const { return suppressExpandUntil_; }
@@ -130,7 +133,6 @@ private:
     // Only lists them: while the calendars are being read the newest may be an earlier day's, whose todos and cards
     // must not come back in place of today's.
     void show(std::vector<Briefing> items);
-    void reapply();
     void followCalendar();
     void reveal(std::optional<Uuid> todoID);
     void setHighlight(std::optional<Uuid> todoID);

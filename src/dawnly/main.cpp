@@ -173,7 +173,11 @@ private:
     sunpane::OnboardingWindowController tourWindow_{windows_.engine(), tour_, runLoop_,
                                                     [this] { return x11Events_.hasCompositor(); }};
     sunpane::SettingsModel settings_{{defaults_, notifications_, loginItem_, calendars_, workspace_, folderPicker_,
-                                      pasteboard_, [this] { hotkey_.registerAnew(); }}};
+                                      pasteboard_, [this] { hotkey_.registerAnew(); },
+                                      [this] {
+                                          viewModel_.reapply();
+                                          meetings_.refresh(false);
+                                      }}};
     sunpane::SettingsWindowController settingsWindow_{
         {windows_.engine(), settings_, calendars_, theme_, runLoop_, notifications_},
         {[this] { tourWindow_.show(); }, [this] { workspace_.terminate(); }}};

@@ -40,6 +40,7 @@ bool SettingsModel::calendarTodos() const {
 
 void SettingsModel::setCalendarTodos(bool on) {
     setBool(CalendarFallback::todosEnabledKey, on);
+    with_.readCalendarsAnew();
 }
 
 std::vector<CalendarInfo> SettingsModel::calendars() const {
@@ -66,6 +67,7 @@ void SettingsModel::setTodoCalendar(const std::string& identifier, bool on) {
     if (on) chosen.push_back(identifier);
     announceChange();
     with_.defaults.set(CalendarFallback::todoCalendarsKey, std::move(chosen));
+    with_.readCalendarsAnew();
 }
 
 std::string SettingsModel::watchedFolder() const {

@@ -38,6 +38,8 @@ public:
         Pasteboard& pasteboard;
         /// Takes the quick-capture setting up.
         std::function<void()> registerHotkeyAnew;
+        /// Looks at the calendars with the new choice of what becomes a todo.
+        std::function<void()> readCalendarsAnew;
     };
 
     explicit SettingsModel(Collaborators collaborators);

@@ -381,7 +381,6 @@ TEST_F(NotchViewModelTest, ARevealedTodoIsHighlightedForThreeSeconds) {
     };
     reveal(first.toString());
     EXPECT_TRUE(model->expanded());
-    EXPECT_EQ(model->keepOpenUntil(), platform.clock.now() + 5);
     EXPECT_EQ(model->highlightTodoID(), first);
     platform.time.advance(2.9);
     reveal(second.toString());
@@ -389,6 +388,10 @@ TEST_F(NotchViewModelTest, ARevealedTodoIsHighlightedForThreeSeconds) {
     EXPECT_EQ(model->highlightTodoID(), second);
     platform.time.advance(0.2);
     EXPECT_EQ(model->highlightTodoID(), std::nullopt);
+    platform.time.advance(1.8);
+    EXPECT_TRUE(model->isKeptOpen());
+    platform.time.advance(0.2);
+    EXPECT_FALSE(model->isKeptOpen()) << "5 s after the second";
     reveal(first.toString());
     reveal("no UUID");
     EXPECT_EQ(model->highlightTodoID(), std::nullopt);

@@ -32,9 +32,15 @@ protected:
     testing::SimulatedFolderPicker picker;
     testing::SimulatedPasteboard pasteboard;
     Strings registrations;
-    SettingsModel settings{{defaults, notifications, loginItem, calendars, workspace, picker, pasteboard, [this] {
+    Strings readings;
+    SettingsModel settings{{defaults, notifications, loginItem, calendars, workspace, picker, pasteboard,
+                            [this] {
                                 const bool on = defaults.read<bool>("quickCaptureEnabled").valueOr(true);
                                 registrations.emplace_back(on ? "on" : "off");
+                            },
+                            [this] {
+                                const bool on = defaults.read<bool>("calendarTodosEnabled").valueOr(true);
+                                readings.emplace_back((on ? "on " : "off ") + std::to_string(todoCalendars().size()));
                             }}};
 };
 
@@ -43,6 +49,14 @@ TEST_F(Settings, RegisterTheHotkeyAnewOnceTheNewChoiceIsKept) {
     settings.setQuickCapture(false);
     settings.setQuickCapture(true);
     EXPECT_THAT(registrations, ElementsAre("off", "on"));
+}
+
+TEST_F(Settings, ReadTheCalendarsAnewOnceTheNewChoiceIsKept) {
+    settings.setTodoCalendar("a", true);
+    settings.setTodoCalendar("b", true);
+    settings.setTodoCalendar("a", false);
+    settings.setCalendarTodos(false);
+    EXPECT_THAT(readings, ElementsAre("on 1", "on 2", "on 1", "off 1"));
 }
 
 TEST_F(Settings, ShowALoginItemThatWasRegisteredAfterTheyWereMade) {

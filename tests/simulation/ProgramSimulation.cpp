@@ -295,8 +295,7 @@ private:
         if (model().expanded() && hasPanel()) {
             program_->notifications.post(notification::makeNotchKey);
             require(world_.windows.last->key, "who edits has the keyboard");
-            require(model().keepOpenUntil() == now() + NotchController::keepOpenForEditing,
-                    "the panel stays open for who edits");
+            require(model().isKeptOpen(), "the panel stays open for who edits");
         }
         rules_.mayLose(todo.id);
         const std::string changed = text();
