@@ -25,8 +25,6 @@ public:
     /// setting.
     void registerAnew();
 
-    bool isRegistered() const { return static_cast<bool>(registration_); }
-
 private:
     Hotkeys* hotkeys_;
     const UserDefaults& defaults_;

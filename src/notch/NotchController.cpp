@@ -207,7 +207,8 @@ StateReport NotchController::report() const {
     report.panelOnScreen = panel_ && panel_->isOnScreen();
     report.screenFrame = metrics_ ? metrics_->screenFrame : Rect{};
     report.briefings = static_cast<int>(model.briefings().size());
-    report.suppressed = model.isExpandSuppressed();
+    // Hovering waits for this very moment to pass; who asks is told that it has come.
+    report.suppressed = model.isExpandSuppressed() && with_.clock.now() < model.suppressExpandUntil();
     report.pointer = with_.monitors.pointerLocation();
     report.inZone = metrics_ && metrics_->hotZone().contains(report.pointer);
     if (with_.spaces != nullptr) {
