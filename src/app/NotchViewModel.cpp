@@ -12,6 +12,7 @@ namespace sunpane {
 
 NotchViewModel::NotchViewModel(const Collaborators& collaborators)
     : with_(collaborators),
+      captureDraft_(with_.storeFiles),
       todoStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
       flagStore_(
           std::make_shared<ItemFlagStore>(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults))),

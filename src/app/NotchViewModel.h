@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/CaptureDraft.h"
 #include "app/NotificationNames.h"
 #include "base/Clock.h"
 #include "base/LocalNotifications.h"
@@ -83,6 +84,7 @@ public:
 
     TodoStore& todoStore() { return todoStore_; }
     ItemFlagStore& flagStore() { return *flagStore_; }
+    CaptureDraft& captureDraft() { return captureDraft_; }
     /// For what may outlive the view model.
     std::weak_ptr<ItemFlagStore> weakFlagStore() const { return flagStore_; }
 
@@ -145,6 +147,7 @@ private:
     void postToMain(std::function<void(NotchViewModel&)> task);
 
     Collaborators with_;
+    CaptureDraft captureDraft_;
     TodoStore todoStore_;
     std::shared_ptr<ItemFlagStore> flagStore_;
     std::vector<Briefing> briefings_;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <ostream>
+#include <string>
 
 #include "cli/AgendaCommand.h"
 #include "cli/BriefCommand.h"
@@ -24,10 +25,22 @@ constexpr std::array commands{briefCommand,  checkCommand,    watchCommand,   to
                               nextCommand,   previousCommand, muteCommand,    agendaCommand,
                               expandCommand, reportCommand,   promptCommand,  defaultsCommand};
 
+std::string usageOf(const Command& command) {
+    std::string usage = "dawnlyctl " + std::string(command.name);
+    if (!command.usage.empty()) usage.append(" ").append(command.usage);
+    return usage;
+}
+
+// Behind "--" stands what is meant literally, and "-h" may be part of a text.
+bool asksForHelp(Arguments arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    return std::find(arguments.begin(), end, "--help") != end || (!arguments.empty() && arguments.front() == "-h");
+}
+
 void printHelp(std::ostream& out) {
     out << "dawnlyctl: the briefings, todos, flags, calendars and settings of dawnly, and what is playing\n\nUsage:\n";
     for (const auto& command : commands) {
-        out << "  dawnlyctl " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
+        out << "  " << usageOf(command) << "\n      " << command.summary << '\n';
     }
     out << "  dawnlyctl --help | --version\n"
            "\nA FOLDER that is left out is the one that the panel shows.\n";
@@ -36,8 +49,7 @@ void printHelp(std::ostream& out) {
 }  // namespace
 
 int usageError(const Command& command, std::string_view problem, Environment& environment) {
-    environment.err << "dawnlyctl " << command.name << ": " << problem << "\nusage: dawnlyctl " << command.name << ' '
-                    << command.usage << '\n';
+    environment.err << "dawnlyctl " << command.name << ": " << problem << "\nusage: " << usageOf(command) << '\n';
     return failure;
 }
 
@@ -51,7 +63,7 @@ int runCommandLine(Arguments arguments, Environment& environment) {
         printHelp(environment.out);
         return success;
     }
-    if (name == "--version") {
+    if (name == "--version" || name == "-v") {
         environment.out << "dawnlyctl " << SUNPANE_VERSION << '\n';
         return success;
     }
@@ -62,9 +74,8 @@ int runCommandLine(Arguments arguments, Environment& environment) {
         return failure;
     }
     const Arguments rest = arguments.subspan(1);
-    if (std::find(rest.begin(), rest.end(), "--help") != rest.end()) {
-        environment.out << "usage: dawnlyctl " << command->name << ' ' << command->usage << "\n"
-                        << command->summary << '\n';
+    if (asksForHelp(rest)) {
+        environment.out << "usage: " << usageOf(*command) << '\n' << command->summary << '\n';
         return success;
     }
     return command->run(rest, environment);

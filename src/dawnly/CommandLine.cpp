@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <QLoggingCategory>
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
@@ -32,6 +33,14 @@ std::string_view missingDisplay() {
     return xcb_connection_has_error(connection.get()) == 0 ? "" : "nothing answers at DISPLAY";
 }
 
+// Whether the toolkit is told what to show itself on, and need not find the X display that the environment names.
+bool choosesPlatform(int argc, const char* const* argv) {
+    return std::any_of(argv + 1, argv + argc, [](std::string_view argument) {
+        if (argument.starts_with("--")) argument.remove_prefix(1);
+        return argument.starts_with("-platform") || argument.starts_with("-display");
+    });
+}
+
 }  // namespace
 
 CommandLine readCommandLine(int argc, const char* const* argv) {
@@ -46,7 +55,7 @@ CommandLine readCommandLine(int argc, const char* const* argv) {
         commandLine.exitCode = std::cout ? 0 : 1;
         break;
     }
-    if (!commandLine.exitCode && argc == (commandLine.isVerbose ? 2 : 1)) {
+    if (!commandLine.exitCode && !choosesPlatform(argc, argv)) {
         if (const auto reason = missingDisplay(); !reason.empty()) {
             std::cerr << "dawnly: there is no X display: " << reason << ". A Wayland session needs XWayland.\n";
             commandLine.exitCode = EXIT_FAILURE;

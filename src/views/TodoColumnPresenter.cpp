@@ -108,6 +108,14 @@ std::optional<Todo> TodoColumnPresenter::find(const QString& id) {
     return index ? std::optional(todos().todos()[*index]) : std::nullopt;
 }
 
+QString TodoColumnPresenter::draft() const {
+    return QString::fromStdString(with_.viewModel.captureDraft().text());
+}
+
+void TodoColumnPresenter::setDraft(const QString& text) {
+    with_.viewModel.captureDraft().set(text.toStdString());
+}
+
 void TodoColumnPresenter::submit(const QString& text) {
     moveWith(addSpring);
     const auto before = todos().todos().size();

@@ -81,6 +81,9 @@ public:
     /// Whether the panel is open only to write down one todo.
     Q_INVOKABLE bool isCapturing() const { return capturing_; }
 
+    /// What was typed into the field and not entered, also before the program was started.
+    Q_INVOKABLE QString draft() const;
+    Q_INVOKABLE void setDraft(const QString& text);
     /// Adds what was typed; that ends a capture and folds the panel.
     Q_INVOKABLE void submit(const QString& text);
     /// Folds the panel at the user's wish.

@@ -145,10 +145,18 @@ TEST_F(CommandTest, WrongUsageIsAFailureThatShowsTheRightOne) {
         EXPECT_EQ(out.str(), "");
         EXPECT_NE(err.str(), "");
     }
-    for (const auto& arguments : {std::vector<std::string>{"--help"}, {"--version"}, {"check", "--help"}}) {
+    for (const auto& arguments : {std::vector<std::string>{"--help"},
+                                  {"-h"},
+                                  {"--version"},
+                                  {"-v"},
+                                  {"check", "--help"},
+                                  {"todo", "-h"},
+                                  {"todo", "add", "x", "--help"}}) {
         EXPECT_EQ(run(arguments), success);
         EXPECT_THAT(out.str(), HasSubstr("dawnlyctl"));
     }
+    EXPECT_EQ(run({"check", "--", "--help"}), failure) << "a file of that name, which is not there";
+    EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace

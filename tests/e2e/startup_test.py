@@ -48,6 +48,35 @@ class Startup(unittest.TestCase):
         for round_ in range(3):
             self.assertIn("Todo number %d" % round_, self.todos())
 
+    def test_what_was_typed_and_not_entered_is_there_after_any_end(self):
+        d = self.desktop
+        program = d.start_program()
+        d.key("ctrl+space")
+        d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
+        time.sleep(0.5)
+        d.run("xdotool", "type", "Call")
+        for end, more in ((signal.SIGTERM, " mum"), (None, " at"), (signal.SIGKILL, " noon")):
+            # Only a sudden death may cost the last keys.
+            time.sleep(1 if end == signal.SIGKILL else 0.1)
+            older = program
+            if end is not None:
+                older.send_signal(end)
+                older.wait()
+            program = d.start(os.environ["DAWNLY"], stderr=None)
+            d.wait_for(lambda: older.poll() is not None, "the older copy to end")
+            d.wait_for(lambda: d.report()["panelVisible"], "the newer copy's panel")
+            d.key("ctrl+space")
+            d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
+            time.sleep(0.5)
+            d.run("xdotool", "type", more)
+        d.key("Return")
+        d.wait_for(lambda: d.todos() == ["Call mum at noon"], "the todo")
+        program.kill()
+        program.wait()
+        d.start_program()
+        self.capture("Another")
+        d.wait_for(lambda: "Another" in d.todos(), "a todo from a field that is empty again")
+
     def test_a_copy_that_was_killed_leaves_nothing_in_the_way(self):
         d = self.desktop
         for _ in range(3):

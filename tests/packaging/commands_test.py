@@ -68,7 +68,7 @@ class Commands(unittest.TestCase):
                               stdout=subprocess.PIPE).stdout
 
     def commands(self):
-        found = re.findall(r"^  dawnlyctl ([a-z][a-z-]*) ", self.run_program("--help"), re.M)
+        found = re.findall(r"^  dawnlyctl ([a-z][a-z-]*)\b", self.run_program("--help"), re.M)
         self.assertGreater(len(found), 10)
         return found
 
@@ -116,9 +116,10 @@ class Commands(unittest.TestCase):
                 self.assertIn(os.path.basename(program), told.stdout)
                 self.assertEqual(told.stderr, "")
                 if program != PROGRAM and option == "--help":
-                    without = subprocess.run([program], env=environment, text=True, stderr=subprocess.PIPE)
-                    self.assertEqual(without.returncode, 1)
-                    self.assertIn("no X display", without.stderr)
+                    for wrong in ([], ["--verbose"], ["--versoin"]):
+                        without = subprocess.run([program, *wrong], env=environment, text=True, stderr=subprocess.PIPE)
+                        self.assertEqual(without.returncode, 1, wrong)
+                        self.assertIn("no X display", without.stderr)
                     for long in re.findall(r" --([a-z]+) ", told.stdout):
                         self.assertIn(long, page)
 

@@ -7,9 +7,13 @@ Rectangle {
 
     signal submitted(string text)
     signal dismissed
+    signal edited
     readonly property alias focused: input.activeFocus
     readonly property alias text: input.text
 
+    function show(text) {
+        input.text = text;
+    }
     function takeFocus() {
         input.forceActiveFocus(Qt.OtherFocusReason);
     }
@@ -55,15 +59,16 @@ Rectangle {
         font.family: Style.family
         font.pixelSize: Style.bodySize
         activeFocusOnTab: true
+        onTextChanged: field.edited()
 
         Accessible.role: Accessible.EditableText
         Accessible.name: qsTr("Add a todo…")
         Accessible.editable: true
 
         function submit() {
-            const entered = text;
+            // In this order, so that a program that dies in between has it twice and not lost.
+            field.submitted(text);
             clear();
-            field.submitted(entered);
         }
         Keys.onReturnPressed: submit()
         Keys.onEnterPressed: submit()

@@ -299,6 +299,8 @@ Rectangle {
         width: parent.width - 2 * Style.inset
         onSubmitted: (text) => todoColumn.presenter.submit(text)
         onDismissed: todoColumn.presenter.collapse()
+        onEdited: todoColumn.presenter.setDraft(text)
+        Component.onCompleted: show(todoColumn.presenter.draft())
         Keys.onDownPressed: todoColumn.focusRow(Math.min(rows.currentIndex < 0 ? 0 : rows.currentIndex, rows.count - 1))
     }
     ListView {
