@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/AppIdentity.h"
 #include "base/Text.h"
 #include "cli/TerminalText.h"
 
@@ -122,9 +123,22 @@ int readOne(const std::string& key, bool asJson, Environment& environment) {
     return success;
 }
 
-int keep(bool isKept, Environment& environment) {
-    if (!isKept) environment.err << "dawnlyctl defaults: the settings cannot be written\n";
-    return isKept ? success : failure;
+// Settings that the program only reads when it starts.
+constexpr std::array<std::string_view, 5> startKeys{"calendarAccess", "notchHeight", "notchScreen", "notchWidth",
+                                                    "pinnedSpaceLevel"};
+
+int keep(bool isKept, const std::string& key, Environment& environment) {
+    if (!isKept) {
+        environment.err << "dawnlyctl defaults: the settings cannot be written\n";
+        return failure;
+    }
+    const bool isTold =
+        environment.broadcast && environment.broadcast(std::string(appIdentifier) + ".settings") == Broadcast::sent;
+    if (isTold && std::find(startKeys.begin(), startKeys.end(), key) != startKeys.end()) {
+        environment.err << "dawnlyctl defaults: dawnly takes " << escapedName(key)
+                        << " up when it is started the next time\n";
+    }
+    return success;
 }
 
 int write(const Request& request, Environment& environment) {
@@ -141,7 +155,7 @@ int write(const Request& request, Environment& environment) {
     if (!value) {
         return usageError(defaultsCommand, "that is no value for " + std::string(typeOptions[type]), environment);
     }
-    return keep(environment.defaults.set(key, std::move(*value)), environment);
+    return keep(environment.defaults.set(key, std::move(*value)), key, environment);
 }
 
 }  // namespace
@@ -158,7 +172,7 @@ int runDefaults(Arguments arguments, Environment& environment) {
     }
     if (!request->type && verb == "read" && words.size() == 2) return readOne(words[1], request->asJson, environment);
     if (!request->type && verb == "delete" && words.size() == 2 && !request->asJson) {
-        return keep(environment.defaults.remove(words[1]), environment);
+        return keep(environment.defaults.remove(words[1]), words[1], environment);
     }
     return usageError(defaultsCommand, "read, write KEY VALUE or delete KEY is needed", environment);
 }

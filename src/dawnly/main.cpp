@@ -85,6 +85,10 @@ public:
         });
         QObject::connect(&x11Events_, &sunpane::X11Events::compositorChanged, &tourWindow_,
                          &sunpane::OnboardingWindowController::fitShape);
+        settingsChanges_ = distributed_.observe(std::string(sunpane::appIdentifier) + ".settings", [this] {
+            theme_.reload();
+            settings_.changedOutside();
+        });
         // Last, when everything that can be asked for is listened for.
         sunpane::claimBusName();
         qCInfo(programLog) << "settings in" << sunpane::JsonUserDefaults::defaultPath().c_str() << "and briefings in"
@@ -186,6 +190,7 @@ private:
                                    {[this] { hotkey_.registerAnew(); }, [this] { controller_.show(); },
                                     [this] { tourWindow_.show(); }, [this] { openCalendarPrivacy([] {}); }}};
     sunpane::Subscription wakes_;
+    sunpane::Subscription settingsChanges_;
 };
 
 /// Makes this the only copy that runs. The exit code when it cannot be.

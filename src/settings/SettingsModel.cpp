@@ -13,7 +13,10 @@
 
 namespace sunpane {
 SettingsModel::SettingsModel(Collaborators collaborators)
-    : with_(std::move(collaborators)), self_(std::make_shared<SettingsModel*>(this)) {}
+    : with_(std::move(collaborators)),
+      knownFolder_(watchedFolder()),
+      knownQuickCapture_(quickCapture()),
+      self_(std::make_shared<SettingsModel*>(this)) {}
 
 bool SettingsModel::launchAtLogin() const {
     return loginItemError_ ? refusedLaunchAtLogin_ : with_.loginItem.isEnabled();
@@ -31,6 +34,7 @@ bool SettingsModel::quickCapture() const {
 
 void SettingsModel::setQuickCapture(bool on) {
     setBool(HotkeyManager::enabledKey, on);
+    knownQuickCapture_ = on;
     with_.registerHotkeyAnew();
 }
 
@@ -85,7 +89,16 @@ void SettingsModel::setFolder(const std::optional<std::string>& folder) {
     } else {
         with_.defaults.remove(FolderBriefingProvider::folderDefaultsKey);
     }
+    knownFolder_ = watchedFolder();
     with_.notifications.post(notification::briefingsFolderChanged);
+}
+
+void SettingsModel::changedOutside() {
+    announceChange();
+    if (std::exchange(knownQuickCapture_, quickCapture()) != quickCapture()) with_.registerHotkeyAnew();
+    if (std::exchange(knownFolder_, watchedFolder()) != watchedFolder()) {
+        with_.notifications.post(notification::briefingsFolderChanged);
+    }
 }
 
 void SettingsModel::pickFolder() {

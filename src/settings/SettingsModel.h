@@ -78,6 +78,9 @@ public:
     std::string task(Task task) const;
     void copy(Task task);
 
+    /// Another program changed settings: what the program keeps of them is taken up.
+    void changedOutside();
+
 private:
     std::vector<std::string> todoCalendars() const;
     void setBool(std::string_view key, bool on);
@@ -86,6 +89,9 @@ private:
     // Counts only while there is an error.
     bool refusedLaunchAtLogin_ = false;
     std::optional<std::string> loginItemError_;
+    // What the rest of the program was last told.
+    std::string knownFolder_;
+    bool knownQuickCapture_;
     std::shared_ptr<SettingsModel*> self_;
 };
 

@@ -112,6 +112,15 @@ void ThemeStore::setCustomStrength(double strength) {
     change(customStrength_, strength, strengthKey);
 }
 
+void ThemeStore::reload() {
+    announceChange();
+    customTopHex_ = defaults_.read<std::int64_t>(topKey).valueOr(defaultTopHex);
+    customBottomHex_ = defaults_.read<std::int64_t>(bottomKey).valueOr(defaultBottomHex);
+    customStrength_ = defaults_.read<double>(strengthKey).valueOr(defaultStrength);
+    theme_ = storedTheme(defaults_);
+    translucency_ = storedTranslucency(theme_);
+}
+
 double ThemeStore::baseOpacity() const {
     const double solid = 1 - translucency_;
     switch (theme_) {

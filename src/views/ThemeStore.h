@@ -55,6 +55,9 @@ public:
     double customStrength() const { return customStrength_; }
     void setCustomStrength(double strength);
 
+    /// Takes up what another program changed in the settings.
+    void reload();
+
     /// From 0 to 1.
     double baseOpacity() const;
     /// Nothing for a theme without a wash.

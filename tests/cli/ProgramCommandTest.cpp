@@ -115,6 +115,19 @@ TEST_F(ProgramCommandTest, PromptsNameTheChosenFolder) {
     }
 }
 
+TEST_F(ProgramCommandTest, TheProgramHearsOfEveryChangeAndTheUserOfWhatTakesAStart) {
+    EXPECT_EQ(run({"defaults", "write", "notchTheme", "dark"}), success);
+    EXPECT_EQ(run({"defaults", "read", "notchTheme"}), success);
+    EXPECT_EQ(run({"defaults", "delete", "notchTheme"}), success);
+    EXPECT_THAT(broadcasts, ElementsAre("app.dawnly.Dawnly.settings", "app.dawnly.Dawnly.settings"));
+    EXPECT_EQ(err.str(), "");
+    EXPECT_EQ(run({"defaults", "write", "notchHeight", "--float", "32"}), success);
+    EXPECT_THAT(err.str(), HasSubstr("started the next time"));
+    reachable = Broadcast::nobodyListens;
+    EXPECT_EQ(run({"defaults", "delete", "notchHeight"}), success);
+    EXPECT_EQ(err.str(), "") << "nobody has to start anything";
+}
+
 TEST_F(ProgramCommandTest, DefaultsKeepTheTypeThatWasSaid) {
     using Value = UserDefaults::Value;
     const struct {

@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from desktop import NOTCH, Desktop
+from desktop import AWAY, NOTCH, Desktop
 
 COMPANION = os.environ["DAWNLYCTL"]
 WRITERS, TODOS_EACH = 4, 10
@@ -55,7 +55,7 @@ class Companion(unittest.TestCase):
         self.assertEqual(self.companion("todo", "add", "Water", "the\x07 plants"), "1 [ ] Water the\ufffd plants\n")
         self.assertEqual(self.todos(), ["Water the\x07 plants"])  # in the file when the command ends
         # In the open panel at once: sooner than it would look into the file by itself.
-        d.wait_for(lambda: d.screenshot().pixels != before.pixels, "the todo to show", 0.5)
+        d.wait_for(lambda: d.screenshot().pixels != before.pixels, "the todo to show", 1)
         self.assertEqual(self.companion("todo", "rename", "1", "Water", "them"), "1 [ ] Water them\n")
         self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] ! Water them\n")
         self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] Water them\n")
@@ -110,6 +110,26 @@ class Companion(unittest.TestCase):
         self.assertEqual(self.todos(), [])
         self.companion("todo", "add", "Afterwards")
         self.assertEqual(self.todos(), ["Afterwards"])
+
+    def test_settings_take_effect_in_the_running_program(self):
+        d = self.desktop
+        d.start_program()
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(1)
+        shown = d.screenshot().pixels
+        self.companion("defaults", "write", "notchTheme", "custom")
+        d.wait_for(lambda: d.screenshot().pixels != shown, "the other theme", 3)
+        self.assertEqual(self.companion("defaults", "read", "notchTheme"), "custom\n")
+        d.move(*AWAY)
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
+        self.companion("defaults", "write", "quickCaptureEnabled", "--bool", "false")
+        d.key("ctrl+space")
+        time.sleep(0.5)
+        self.assertFalse(d.report()["expanded"])
+        self.companion("defaults", "delete", "quickCaptureEnabled")
+        d.key("ctrl+space")
+        d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
 
     def test_what_the_program_cannot_write_is_kept_and_told(self):
         d = self.desktop

@@ -59,6 +59,25 @@ TEST_F(Settings, ReadTheCalendarsAnewOnceTheNewChoiceIsKept) {
     EXPECT_THAT(readings, ElementsAre("on 1", "on 2", "on 1", "off 1"));
 }
 
+TEST_F(Settings, TakeUpWhatAnotherProgramChangedAndNothingElse) {
+    int folders = 0;
+    const auto watch = notifications.observe(notification::briefingsFolderChanged, [&](const auto&) { ++folders; });
+    settings.changedOutside();
+    EXPECT_THAT(registrations, IsEmpty());
+    EXPECT_EQ(folders, 0);
+    defaults.set("quickCaptureEnabled", false);
+    defaults.set("briefingsFolderPath", std::string("/elsewhere"));
+    settings.changedOutside();
+    settings.changedOutside();
+    EXPECT_THAT(registrations, ElementsAre("off"));
+    EXPECT_EQ(folders, 1);
+    settings.setFolder("/third");
+    settings.setQuickCapture(true);
+    settings.changedOutside();
+    EXPECT_EQ(folders, 2) << "our own changes are told once";
+    EXPECT_EQ(registrations.size(), 2U);
+}
+
 TEST_F(Settings, ShowALoginItemThatWasRegisteredAfterTheyWereMade) {
     loginItem.registerOnFirstRun();
     EXPECT_TRUE(settings.launchAtLogin());

@@ -34,6 +34,7 @@ constexpr const char* description = R"(  <interface name="app.dawnly.Dawnly">
     </method>
     <signal name="expand"/>
     <signal name="report"/>
+    <signal name="settings"/>
   </interface>
 )";
 
