@@ -12,10 +12,10 @@ namespace sunpane {
 
 NotchViewModel::NotchViewModel(const Collaborators& collaborators)
     : with_(collaborators),
+      storesFolder_(FolderBriefingProvider::currentDirectory(with_.defaults)),
       captureDraft_(with_.storeFiles),
-      todoStore_(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults)),
-      flagStore_(
-          std::make_shared<ItemFlagStore>(with_.storeFiles, FolderBriefingProvider::currentDirectory(with_.defaults))),
+      todoStore_(with_.storeFiles, storesFolder_),
+      flagStore_(std::make_shared<ItemFlagStore>(with_.storeFiles, storesFolder_)),
       flagsSettled_(with_.runLoop, storeDebounce, [this] { recomputeUntouched(); }),
       todosSettled_(with_.runLoop, storeDebounce, [this] { pushReminders(); }),
       self_(std::make_shared<NotchViewModel*>(this)) {}

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "app/CaptureDraft.h"
@@ -33,7 +34,8 @@ namespace sunpane {
 /// the calendar's tasks into the todos, and tells the flag store what `feedback.json` needs to know. On a day without
 /// a briefing the calendar's schedule comes first in the list.
 ///
-/// The stores keep the folder that was current when the view model was made.
+/// The stores keep the folder that was current when the view model was made: whoever looks at another folder has the
+/// same todos, reminders and flags as before, and what an undo puts back is still there.
 ///
 /// One instance, created by the start-up code; it lives as long as the process. Main thread only.
 class NotchViewModel : public Observable {
@@ -82,6 +84,8 @@ public:
     /// What plays is followed while it is open.
     void setExpanded(bool expanded);
 
+    /// Where the todos and the flags are.
+    const std::string& storesFolder() const { return storesFolder_; }
     TodoStore& todoStore() { return todoStore_; }
     ItemFlagStore& flagStore() { return *flagStore_; }
     CaptureDraft& captureDraft() { return captureDraft_; }
@@ -147,6 +151,7 @@ private:
     void postToMain(std::function<void(NotchViewModel&)> task);
 
     Collaborators with_;
+    const std::string storesFolder_;
     CaptureDraft captureDraft_;
     TodoStore todoStore_;
     std::shared_ptr<ItemFlagStore> flagStore_;

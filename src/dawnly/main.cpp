@@ -181,7 +181,8 @@ private:
                                       [this] {
                                           viewModel_.reapply();
                                           meetings_.refresh(false);
-                                      }}};
+                                      },
+                                      viewModel_.storesFolder()}};
     sunpane::SettingsWindowController settingsWindow_{
         {windows_.engine(), settings_, calendars_, theme_, runLoop_, notifications_},
         {[this] { tourWindow_.show(); }, [this] { workspace_.terminate(); }}};

@@ -82,6 +82,10 @@ bool SettingsModel::usesDefaultFolder() const {
     return watchedFolder() == FolderBriefingProvider::defaultDirectory();
 }
 
+std::optional<std::string> SettingsModel::otherStoresFolder() const {
+    return watchedFolder() == with_.storesFolder ? std::nullopt : std::optional(with_.storesFolder);
+}
+
 void SettingsModel::setFolder(const std::optional<std::string>& folder) {
     announceChange();
     if (folder) {

@@ -40,6 +40,8 @@ public:
         std::function<void()> registerHotkeyAnew;
         /// Looks at the calendars with the new choice of what becomes a todo.
         std::function<void()> readCalendarsAnew;
+        /// Where this run of the program has its todos and flags.
+        std::string storesFolder;
     };
 
     explicit SettingsModel(Collaborators collaborators);
@@ -68,6 +70,8 @@ public:
     /// The folder of briefings now.
     std::string watchedFolder() const;
     bool usesDefaultFolder() const;
+    /// Where todos and flags are until the next start, when that is not the folder of briefings.
+    std::optional<std::string> otherStoresFolder() const;
     /// Without a folder, the default one.
     void setFolder(const std::optional<std::string>& folder);
     void pickFolder();

@@ -27,6 +27,8 @@ class SettingsPresenter : public QObject {
     Q_PROPERTY(QVariantList calendars READ calendars NOTIFY calendarsChanged)
     Q_PROPERTY(QStringList todoCalendars READ todoCalendars NOTIFY changed)
     Q_PROPERTY(QString watchedFolder READ watchedFolder NOTIFY changed)
+    /// Where the todos are meanwhile; empty when they are in the watched folder.
+    Q_PROPERTY(QString otherStoresFolder READ otherStoresFolder NOTIFY changed)
     Q_PROPERTY(bool usesDefaultFolder READ usesDefaultFolder NOTIFY changed)
     Q_PROPERTY(QString morningTask READ morningTask NOTIFY changed)
     Q_PROPERTY(QString eveningTask READ eveningTask NOTIFY changed)
@@ -51,6 +53,7 @@ public:
     QVariantList calendars() const;
     QStringList todoCalendars() const;
     QString watchedFolder() const { return QString::fromStdString(model_.watchedFolder()); }
+    QString otherStoresFolder() const { return QString::fromStdString(model_.otherStoresFolder().value_or("")); }
     bool usesDefaultFolder() const { return model_.usesDefaultFolder(); }
     QString morningTask() const { return QString::fromStdString(model_.task(SettingsModel::Task::morning)); }
     QString eveningTask() const { return QString::fromStdString(model_.task(SettingsModel::Task::evening)); }

@@ -7,46 +7,14 @@
 #include <nlohmann/json.hpp>
 
 #include "app/PanelBriefing.h"
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
+#include "support/ViewModelFixture.h"
 
 namespace sunpane {
 namespace {
 
 using ::testing::ElementsAre;
 
-struct NotchViewModelTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues,
-                           [this](Seconds seconds) { platform.time.advance(seconds); }},
-                          "/state"};
-    LocalNotifications notifications;
-    testing::SimulatedAgenda agenda{platform, defaults};
-    testing::SimulatedPlayers players{platform};
-    std::optional<NotchViewModel> model;
-
-    void SetUp() override {
-        defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock,
-                                                    platform.runLoop,
-                                                    notifications,
-                                                    defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles,
-                                                    agenda.fallback,
-                                                    agenda.meetings,
-                                                    players.nowPlaying});
-    }
+struct NotchViewModelTest : testing::ViewModelFixture {
     void start() {
         model->start();
         platform.time.runPending();
@@ -124,6 +92,65 @@ TEST_F(NotchViewModelTest, MovesToAnotherFolderWithOneProviderAtATime) {
     EXPECT_EQ(model->briefings().size(), 1U);
 }
 
+TEST_F(NotchViewModelTest, TodosAndFlagsStayInTheirFolderWhenAnotherIsWatched) {
+    folder.write("2026-11-22.md", "# Here\n### S\n- **Old** card\n### Action Items\n- [ ] Old task\n");
+    start();
+    model->todoStore().setReminder(model->todoStore().todos().front().id, platform.clock.now() + 3600, std::nullopt);
+    const testing::TemporaryFolder other;
+    other.write("2026-11-22.md", "# There\n### S\n- **New** card\n### Action Items\n- [ ] New task\n");
+    defaults.set("briefingsFolderPath", other.path());
+    notifications.post("briefingsFolderChanged");
+    platform.time.advance(3);  // and whoever reads the stores' files anew has done so
+    model->flagStore().togglePrio(BriefingItem("**Flagged** there"));
+    model->todoStore().toggle(model->todoStore().todos().back().id);
+    platform.time.advance(3);
+    storeFiles.drain();
+
+    std::vector<std::string> texts;
+    for (const auto& todo : model->todoStore().todos())
+        texts.push_back(todo.text);
+    EXPECT_THAT(texts, ElementsAre("Old task", "New task"));
+    const auto feedback = nlohmann::json::parse(files.content(folder / "feedback.json").value());
+    EXPECT_EQ(feedback["untouched"], nlohmann::json::array({"New card"}));
+    EXPECT_EQ(feedback["prio"][0]["text"], "Flagged there");
+    EXPECT_EQ(feedback["reminders"].size(), 1U);
+    for (const char* name : {"todos.json", "itemflags.json"})
+        EXPECT_TRUE(files.content(folder / name)) << name;
+    for (const char* name : {"todos.json", "itemflags.json", "feedback.json"})
+        EXPECT_FALSE(files.content(other / name)) << name;
+
+    // The next run has the other folder's, and leaves the first one's as they are.
+    const auto left = files.content(folder / "todos.json");
+    restart();
+    start();
+    model->todoStore().add("Only there");
+    storeFiles.drain();
+    EXPECT_EQ(model->todoStore().todos().size(), 2U);
+    EXPECT_TRUE(files.content(other / "todos.json"));
+    EXPECT_EQ(files.content(folder / "todos.json"), left);
+}
+
+TEST_F(NotchViewModelTest, AFolderThatCannotBeMadeIsEmptyUntilItIsThere) {
+    folder.write("2026-11-22.md", "# Here");
+    folder.write("file", "");
+    start();
+    defaults.set("briefingsFolderPath", folder / "file/briefings");
+    notifications.post("briefingsFolderChanged");
+    platform.time.runPending();
+    EXPECT_EQ(model->current(), nullptr);
+    EXPECT_FALSE(model->hasUnread());
+    std::filesystem::remove(folder / "file");
+    std::filesystem::create_directories(folder / "file/briefings");
+    folder.write("file/briefings/2026-11-22.md", "# There");
+    platform.time.advance(20);
+    ASSERT_NE(model->current(), nullptr);
+    EXPECT_EQ(model->current()->title, "There");
+    EXPECT_TRUE(folderEvents.watcherCount() == 1);
+    std::filesystem::remove_all(folder / "file");
+    platform.time.advance(20);
+    EXPECT_EQ(model->current(), nullptr);
+}
+
 TEST_F(NotchViewModelTest, DropsBriefingsOlderThanThirtyDaysNowAndTwiceADay) {
     folder.write("2026-10-01.md", "# Old");
     folder.write("2026-11-01.md", "# Kept");
@@ -186,8 +213,7 @@ TEST_F(NotchViewModelTest, TellsTheAgentWhatIsUntouchedASecondAfterTheLastFlag) 
     EXPECT_EQ(feedback()["reminders"], nlohmann::json::array({"Send the deck — reminder set for 2027-01-05 09:05 "
                                                               "(repeats weekly)"}));
     // The next run tells of it as well, although nothing changes.
-    model.reset();
-    SetUp();
+    restart();
     start();
     model->flagStore().togglePrio(BriefingItem("**Card** 30"));
     platform.time.advance(1.1);
@@ -209,10 +235,7 @@ TEST_F(NotchViewModelTest, AStarOnATodoFlagsTheCardItWasMadeFrom) {
 }
 
 struct NotchViewModelAgendaTest : NotchViewModelTest {
-    void SetUp() override {
-        agenda.store.status = CalendarAccess::full;
-        NotchViewModelTest::SetUp();
-    }
+    NotchViewModelAgendaTest() { agenda.store.status = CalendarAccess::full; }
     Instant today(int hour) const { return LocalCalendar(platform.clock).settingTime(platform.clock.now(), hour, 0); }
     std::vector<std::string> todoTexts() {
         std::vector<std::string> texts;

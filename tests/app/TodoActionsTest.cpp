@@ -3,20 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedPlatform.h"
+#include "support/StoresFixture.h"
 
 namespace sunpane {
 namespace {
 
 using ::testing::ElementsAre;
 
-struct TodoActionsTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem files{platform.clock};
-    testing::SimulatedCloudFiles cloudFiles;
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
+struct TodoActionsTest : testing::StoresFixture {
     TodoStore todos{storeFiles, "/briefings"};
     NotchUndo undo;
 

@@ -8,9 +8,8 @@
 #include "app/TodoActions.h"
 #include "base/Dates.h"
 #include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
 #include "support/SimulatedNotifications.h"
-#include "support/SimulatedPlatform.h"
+#include "support/StoresFixture.h"
 
 namespace sunpane {
 namespace {
@@ -18,12 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-struct TodoRemindersTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem files{platform.clock};
-    testing::SimulatedCloudFiles cloudFiles;
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
+struct TodoRemindersTest : testing::StoresFixture {
     TodoStore todos{storeFiles, "/briefings"};
     testing::SimulatedNotificationCenter center{platform.runLoop};
     ReminderScheduler scheduler{center, platform.clock};

@@ -1,12 +1,13 @@
 """The settings and the welcome tour: what the user chooses there is kept, and takes effect at once."""
 
+import json
 import os
 import re
 import subprocess
 import time
 import unittest
 
-from desktop import AWAY, HEADER_Y, NOTCH, PANEL_RIGHT, Desktop
+from desktop import AWAY, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_RIGHT, TODO_LEFT, Desktop
 
 GEAR = (PANEL_RIGHT - 30 - 20 - 13, HEADER_Y)
 FIRST_RUN = {"didWriteWelcomeBrief": False, "didCompleteOnboarding": False}
@@ -45,6 +46,7 @@ class SettingsWindow(WindowsTest):
         time.sleep(0.9)
         d.click(*GEAR)
         self.window("Dawnly")
+        time.sleep(0.4)  # until it has its place and takes clicks
         self.origin = self.place()
 
     def exists(self, window):
@@ -105,10 +107,20 @@ class SettingsWindow(WindowsTest):
         self.click(QUICK_CAPTURE_SWITCH)
         self.await_setting("quickCaptureEnabled", False)
 
+    def test_what_the_companion_changes_shows_in_the_open_window(self):
+        d = self.start()
+        self.open_settings()
+        self.click(GENERAL)
+        d.run(os.environ["DAWNLYCTL"], "defaults", "write", "quickCaptureEnabled", "--bool", "false")
+        d.report()  # which the program answers after it was told
+        self.click(QUICK_CAPTURE_SWITCH)  # off by now
+        self.await_setting("quickCaptureEnabled", True)
+
     def test_another_folder_is_made_watched_and_left_again(self):
         d = self.start()
         d.write_briefing("2026-11-22.md", "# Old folder\n### A\n- one\n")
         d.wait_for(lambda: d.report()["briefings"] == 1, "the first folder's briefing")
+        d.run(os.environ["DAWNLYCTL"], "todo", "--folder", d.briefings, "add", "First")
         self.open_settings()
         self.click(BRIEFINGS)
         self.click(CHOOSE_FOLDER)
@@ -130,7 +142,29 @@ class SettingsWindow(WindowsTest):
                 file.write("# New folder\n### A\n- one\n")
         d.wait_for(lambda: d.report()["briefings"] == 2, "the new folder's briefings")
 
-        self.window("Dawnly")
+        # What the user has written down is where it was, and so is what is done to it from now on.
+        d.run(os.environ["DAWNLYCTL"], "todo", "--folder", d.briefings, "add", "Second")
+        d.wait_for(lambda: d.todos() == ["First", "Second"], "the todo")
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        time.sleep(2.5)  # until it has read what another program wrote
+        d.click(TODO_LEFT + 20, COLUMNS_TOP + 90)
+        d.wait_for(lambda: d.todos() == ["Second", "First"], "a tick to put the first todo last")
+        d.move(*AWAY)
+        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
+        with open(os.path.join(d.briefings, "feedback.json")) as file:
+            self.assertEqual(json.load(file)["untouched"], ["one"])
+        self.assertEqual(sorted(os.listdir(os.path.join(d.home, "new/folder"))), ["2026-11-21.md", "2026-11-22.md"])
+
+        # The next run has them in the new folder.
+        left = d.todos()
+        d.start_program()
+        self.panels = set(d.search("Dawnly"))
+        d.wait_for(lambda: d.report()["briefings"] == 2, "the new folder's briefings again")
+        d.wait_for(lambda: os.path.exists(d.home + "/new/folder/feedback.json"), "feedback in the new folder")
+        self.assertEqual(d.todos(), left)
+        self.open_settings()
+        self.click(BRIEFINGS)
         self.click(RESET_FOLDER)
         self.await_setting("briefingsFolderPath", None)
         d.wait_for(lambda: d.report()["briefings"] == 0, "the default folder to be read")

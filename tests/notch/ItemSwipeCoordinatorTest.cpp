@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedPlatform.h"
+#include "support/StoresFixture.h"
 
 namespace sunpane {
 namespace {
@@ -76,12 +75,7 @@ TEST_F(ScrollSwipeHubTest, ListensOnceAndTriesAgainWhereItWasRefused) {
     EXPECT_EQ(asked, "cba");
 }
 
-struct ItemSwipeCoordinatorTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem files{platform.clock};
-    testing::SimulatedCloudFiles cloudFiles;
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
+struct ItemSwipeCoordinatorTest : testing::StoresFixture {
     std::shared_ptr<ItemFlagStore> flags = std::make_shared<ItemFlagStore>(storeFiles, "/briefings");
     testing::SimulatedPointer pointer;
     ScrollSwipeHub hub{pointer};

@@ -8,14 +8,7 @@
 #include <vector>
 
 #include "notch/NotchController.h"
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
+#include "support/ViewModelFixture.h"
 
 namespace sunpane {
 
@@ -25,41 +18,18 @@ inline constexpr Point atNotch{720, 890};
 inline constexpr Point farAway{100, 100};
 
 /// A controller with a real view model, everything around them simulated.
-struct NotchControllerTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
+struct NotchControllerTest : testing::ViewModelFixture {
     testing::SimulatedScreens screens;
-    testing::SimulatedPointer pointer;
     testing::SimulatedPanelWindows windows;
     testing::SimulatedWorkspace workspace;
     testing::SimulatedSpaces spaces;
     testing::SimulatedBroadcasts broadcasts;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
     PinnedSpace pinned{&spaces, defaults, [this](const std::string& line) { lines.push_back(line); }};
-    LocalNotifications notifications;
-    testing::SimulatedAgenda agenda{platform, defaults};
-    testing::SimulatedPlayers players{platform};
-    std::optional<NotchViewModel> model;
     std::optional<NotchController> controller;
     std::string report;
     std::vector<std::string> lines;
 
     void SetUp() override {
-        defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock,
-                                                    platform.runLoop,
-                                                    notifications,
-                                                    defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles,
-                                                    agenda.fallback,
-                                                    agenda.meetings,
-                                                    players.nowPlaying});
         controller.emplace(NotchController::Collaborators{platform.clock, platform.runLoop, screens, pointer, windows,
                                                           workspace, &spaces, pinned, broadcasts, notifications, *model,
                                                           [] { return std::string("glass"); },

@@ -41,7 +41,8 @@ protected:
                             [this] {
                                 const bool on = defaults.read<bool>("calendarTodosEnabled").valueOr(true);
                                 readings.emplace_back((on ? "on " : "off ") + std::to_string(todoCalendars().size()));
-                            }}};
+                            },
+                            FolderBriefingProvider::currentDirectory(defaults)}};
 };
 
 TEST_F(Settings, RegisterTheHotkeyAnewOnceTheNewChoiceIsKept) {
@@ -131,6 +132,7 @@ TEST_F(Settings, MoveToAnotherFolderAndBack) {
     settings.pickFolder();
     picker.answer("/home/ada/Notes");
     EXPECT_FALSE(settings.usesDefaultFolder());
+    EXPECT_EQ(settings.otherStoresFolder(), original);
     // Whatever is copied from now on names the new folder.
     settings.copy(SettingsModel::Task::morning);
     EXPECT_THAT(pasteboard.content, HasSubstr("\n/home/ada/Notes/\n"));
@@ -140,6 +142,7 @@ TEST_F(Settings, MoveToAnotherFolderAndBack) {
     settings.setFolder(std::nullopt);
     EXPECT_THAT(folders, ElementsAre("/home/ada/Notes", original));
     EXPECT_FALSE(defaults.value(FolderBriefingProvider::folderDefaultsKey));
+    EXPECT_FALSE(settings.otherStoresFolder());
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "views/ViewModelFixture.h"
+#include "support/ViewModelFixture.h"
 
 namespace sunpane {
 namespace {

@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QQuickItem>
 
-#include "views/ViewModelFixture.h"
+#include "support/ViewModelFixture.h"
 #include "views/WindowsFixture.h"
 
 namespace sunpane {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "views/TodoRules.h"
-#include "views/ViewModelFixture.h"
+#include "support/ViewModelFixture.h"
 
 namespace sunpane {
 namespace {

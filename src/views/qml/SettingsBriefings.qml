@@ -52,6 +52,11 @@ PageScroll {
         }
         BodyText {
             width: parent.width
+            visible: page.presenter.otherStoresFolder.length > 0
+            text: qsTr("Your todos and flags are still in %1. From the next start on Dawnly keeps them, and its feedback for your AI, in the folder above; copy todos.json and itemflags.json there to take them along.").arg(page.presenter.otherStoresFolder)
+        }
+        BodyText {
+            width: parent.width
             caption: true
             text: qsTr("The notch mirrors this folder — point it anywhere your briefing task can write (one YYYY-MM-DD.md per day).")
         }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
 #include "app/NotchUndo.h"
@@ -9,24 +7,20 @@
 #include "notch/ScrollSwipeHub.h"
 #include "support/SimulatedAgenda.h"
 #include "support/SimulatedDesktop.h"
-#include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlayers.h"
 #include "support/SimulatedUserDefaults.h"
+#include "support/StoresFixture.h"
 #include "support/TemporaryFolder.h"
 
 namespace sunpane::testing {
 
-/// A view model over a simulated platform, for what presents it.
-struct ViewModelFixture : ::testing::Test {
-    SimulatedPlatform platform;
+/// A view model over a simulated platform, and what else its users need. The briefings are in a real folder, the
+/// stores' files beside them are not.
+struct ViewModelFixture : StoresFixture {
     SimulatedFolderEvents folderEvents;
-    SimulatedCloudFiles cloudFiles;
     SimulatedUserDefaults defaults;
     TemporaryFolder folder;
-    SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
     LocalNotifications notifications;
     SimulatedAgenda agenda{platform, defaults};
     SimulatedPlayers players{platform};
@@ -37,6 +31,12 @@ struct ViewModelFixture : ::testing::Test {
 
     ViewModelFixture() {
         defaults.set("briefingsFolderPath", folder.path());
+        restart();
+    }
+
+    /// Ends the view model and makes it anew, as the next run of the program does.
+    void restart() {
+        model.reset();
         model.emplace(NotchViewModel::Collaborators{platform.clock,
                                                     platform.runLoop,
                                                     notifications,
