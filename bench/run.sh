@@ -12,7 +12,7 @@ for program in "$programs"/*_bench; do
   printf '\n== %s\n' "$(basename "$program")"
   "$program"
 done
-printf '\n== the folded panel beside a bare window\n'
+printf '\n== the folded panel beside a bare window and other desktop panels\n'
 python3 "$here/panel/panel_bench.py" "$programs"
 printf '\n== one poll of the players\n'
 python3 "$here/players/poll_bench.py" "$programs"

@@ -100,7 +100,8 @@ struct PanelStage {
             engine, std::move(presenter),
             PanelBackground::Collaborators{theme, backdrop, runLoop, queues, [] { return 0; }});
         window = root.get();
-        panel = std::make_unique<X11PanelWindow>(std::move(root), Rect{250, 64, 780, 736}, events);
+        panel = std::make_unique<X11PanelWindow>(std::move(root), Rect{250, 64, 780, 736}, events,
+                                                 [this] { return model.expanded(); });
         QObject::connect(window, &RootWindow::outlineChanged, panel.get(), &X11PanelWindow::setOutline);
         QObject::connect(window, &QQuickWindow::afterAnimating, [this] { sinceTick_.start(); });
         QObject::connect(window, &QQuickWindow::frameSwapped, [this] {

@@ -171,14 +171,14 @@ class Month:
         self.clock.leap(1)
 
     def fold(self):
-        # A panel that a broadcast opened folds when the pointer moves elsewhere a while later.
-        for step in range(60):
+        # A panel that a broadcast opened folds when the pointer moves elsewhere a while later, and a menu that came too
+        # late for its keys has opened something that waits for text.
+        for step in range(400):
             self.hand.move(AWAY[0] + 10 * (step % 5), AWAY[1])
             self.clock.leap(0.3)
             if not self.is_open():
                 break
-            if step == 30:
-                # A menu that came too late for its keys has opened something that waits for text.
+            if step % 40 == 39:
                 self.hand.key("Escape")
         self.clock.leap(1)
         self.wait(lambda: not self.is_open(), "the panel to fold")
