@@ -75,6 +75,8 @@ void Tour::readCalendarStatus() {
 }
 
 void Tour::connectCalendar() {
+    // Brings the question of the start to the front, which may be open behind other windows.
+    with_.calendars.requestFullAccess([](bool) {});
     with_.calendar.ensureAccess([weak = std::weak_ptr(self_)](bool) {
         if (const auto self = weak.lock()) (*self)->readCalendarStatus();
     });

@@ -34,7 +34,7 @@ public:
         UserDefaults& defaults;
         LocalNotifications& notifications;
         RunLoop& runLoop;
-        const CalendarStore& calendars;
+        CalendarStore& calendars;
         CalendarFallback& calendar;
         Workspace& workspace;
         Pasteboard& pasteboard;

@@ -81,17 +81,14 @@ class FirstDay(unittest.TestCase):
 
     def see(self, role, name):
         """Waits until it is told and painted, which is where letters stand out, and rests; tells where."""
-        def found():
-            try:
-                return self.reader.find(role, name)
-            except AssertionError:
-                return None
-
         def rests():
-            node = found()
-            places = [self.reader.place(node) for _ in range(3)] if node else [()]
+            try:
+                node = self.reader.find(role, name)
+                places = [self.reader.place(node) for _ in range(3)]
+            except AssertionError:  # not there yet, or made anew
+                return False
             place[:] = places[-1]
-            return node and places == 3 * places[-1:] and self.contrast(*place) > 60
+            return places == 3 * places[-1:] and self.contrast(*place) > 60
 
         place = []
         try:
@@ -128,6 +125,10 @@ class FirstDay(unittest.TestCase):
 
     # The day.
 
+    def question(self):
+        """The window that asks for the calendars."""
+        return self.desktop.search("Calendar access.*")[0]
+
     def first_start(self):
         d = self.desktop
         d.start_program(MONDAY)
@@ -139,8 +140,8 @@ class FirstDay(unittest.TestCase):
 
         # No black where the tour's shadow cannot be seen through.
         d.wait_for(lambda: d.screenshot().is_wallpaper(WIDTH // 2 - 290, 400), "the tour to be cut to its shape", 3)
-        self.click("push button", "Allow Full Access")
-        self.await_setting("calendarAccess", "fullAccess")
+        self.see("push button", "Allow Full Access")
+        d.run("xdotool", "windowmove", "--sync", self.question(), "0", "560")  # for later
         self.open_panel()
         self.see("heading", "👋 Welcome to Dawnly")
         self.see("push button", "📅 Getting Started, 3 cards")
@@ -172,7 +173,6 @@ class FirstDay(unittest.TestCase):
 
     def tour(self):
         d = self.desktop
-        self.await_window("Welcome to Dawnly")
         self.expect_step(1)
         self.click("push button", "Connect your AI")
         self.expect_step(2)
@@ -184,6 +184,11 @@ class FirstDay(unittest.TestCase):
         self.copy("Copy Delivery Block", "delivery")
         self.click("push button", "Almost done")
         self.expect_step(3)
+        self.assertNotEqual(d.focused_window(), self.question())
+        self.click("push button", "Connect")
+        d.wait_for(lambda: d.focused_window() == self.question(), "the question of the start to come to the front")
+        d.key("Return")
+        self.await_setting("calendarAccess", "fullAccess")
         self.see("label", "Calendar connected")
         self.assertFalse(d.defaults().get("didCompleteOnboarding"))
         self.click("push button", "Start using Dawnly")
@@ -279,7 +284,8 @@ class FirstDay(unittest.TestCase):
         d = self.desktop
         d.key("ctrl+space")
         d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
-        d.wait_for(lambda: "FOCUSED" in self.reader.find("text", "Add a todo…").states, "the field to take the keyboard")
+        d.wait_for(lambda: any(node.name == "Add a todo…" and "FOCUSED" in node.states for node in self.reader.nodes()),
+                   "the field to take the keyboard")
         d.run("xdotool", "type", "--delay", "5", CAPTURED)
         self.see("text", "Add a todo…")
         d.key("Return")

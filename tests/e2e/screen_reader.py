@@ -54,25 +54,31 @@ class ScreenReader:
 
     def nodes(self):
         """Everything that shows in the program's windows, in reading order."""
-        return [self._read(accessible, depth) for accessible, depth in self._walk_program()]
+        return list(self._walk_program(lambda accessible: True))
 
-    def _walk_program(self):
+    def _walk_program(self, wanted):
+        """What shows and is wanted, as nodes. Not what goes meanwhile."""
         self._run(0.05)
         root = Atspi.get_desktop(0)
         for i in range(root.get_child_count()):
             program = root.get_child_at_index(i)
             if program is not None and program.get_name() == "dawnly":
                 program.set_cache_mask(Atspi.Cache.NONE)
-                yield from self._walk(program, 0)
+                yield from self._walk(program, 0, wanted)
 
-    def _walk(self, accessible, depth):
-        if depth > 0 and not accessible.get_state_set().contains(Atspi.StateType.SHOWING):
+    def _walk(self, accessible, depth, wanted):
+        try:
+            if depth > 0 and not accessible.get_state_set().contains(Atspi.StateType.SHOWING):
+                return
+            node = self._read(accessible, depth) if wanted(accessible) else None
+            children = [accessible.get_child_at_index(i) for i in range(accessible.get_child_count())]
+        except GLib.Error:  # it has gone since
             return
-        yield accessible, depth
-        for i in range(accessible.get_child_count()):
-            child = accessible.get_child_at_index(i)
+        if node:
+            yield node
+        for child in children:
             if child is not None:
-                yield from self._walk(child, depth + 1)
+                yield from self._walk(child, depth + 1, wanted)
 
     @staticmethod
     def _read(accessible, depth):
@@ -90,15 +96,20 @@ class ScreenReader:
 
     def find(self, role, name):
         """The one that shows with that role and that beginning of a name."""
-        for accessible, depth in self._walk_program():
-            if accessible.get_role_name() == role and accessible.get_name().startswith(name):
-                return self._read(accessible, depth)
+        def wanted(accessible):
+            return accessible.get_role_name() == role and accessible.get_name().startswith(name)
+
+        for node in self._walk_program(wanted):
+            return node
         raise AssertionError("no %s %r among\n%s" % (role, name, self.text()))
 
     @staticmethod
     def place(node):
         """Where it is on the screen: left, top, width and height in pixels."""
-        box = Atspi.Component.get_extents(node.accessible, Atspi.CoordType.SCREEN)
+        try:
+            box = Atspi.Component.get_extents(node.accessible, Atspi.CoordType.SCREEN)
+        except GLib.Error as gone:
+            raise AssertionError("%s %r has gone" % (node.role, node.name)) from gone
         return box.x, box.y, box.width, box.height
 
     def do(self, action, role, name):
