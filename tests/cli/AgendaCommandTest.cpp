@@ -3,35 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "core/stores/TodoFile.h"
+#include "support/CommandFixture.h"
 #include "support/SimulatedCalendar.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedUserDefaults.h"
 
 namespace sunpane::cli {
 namespace {
 
 using ::testing::HasSubstr;
 
-class NeverInterrupted : public Interrupt {
-public:
-    void arm() override {}
-    void wait() override {}
-};
-
-struct AgendaCommandTest : ::testing::Test {
-    testing::SimulatedPlatform platform;  // Sunday 22 November 2026, 01:00 in Amsterdam
-    testing::SimulatedFileSystem disk{platform.clock};
-    testing::SimulatedUserDefaults defaults;
-    testing::SimulatedFolderEvents events;
-    testing::SimulatedCloudFiles cloud;
-    NeverInterrupted interrupt;
-    std::ostringstream out;
-    std::ostringstream err;
+struct AgendaCommandTest : testing::CommandFixture {
     std::vector<CalendarEvent> all;
     bool canBeRead = true;
     std::function<CalendarAccess()> calendarAccess;
@@ -49,30 +30,15 @@ struct AgendaCommandTest : ::testing::Test {
     }
     Instant at(const std::string& text) const { return LocalCalendar(platform.clock).parseIso8601(text).value(); }
     int run(std::vector<std::string> arguments) {
-        out.str("");
-        err.str("");
-        Environment environment{.clock = platform.clock,
-                                .defaults = defaults,
-                                .queues = platform.queues,
-                                .folderEvents = events,
-                                .cloudFiles = cloud,
-                                .interrupt = interrupt,
-                                .out = out,
-                                .err = err,
-                                .outIsTerminal = false,
-                                .files = &disk,
-                                .stateFolder = "/state",
-                                .wait = [](Seconds) {},
-                                .connectPlayers = nullptr,
-                                .openCalendars =
-                                    [this](const Clock&) {
-                                        auto store = std::make_unique<testing::SimulatedCalendar>();
-                                        store->all = all;
-                                        store->isLoaded = canBeRead;
-                                        return store;
-                                    },
-                                .calendarAccess = calendarAccess};
-        return runCommandLine(arguments, environment);
+        Environment surroundings = environment();
+        surroundings.openCalendars = [this](const Clock&) {
+            auto store = std::make_unique<testing::SimulatedCalendar>();
+            store->all = all;
+            store->isLoaded = canBeRead;
+            return store;
+        };
+        surroundings.calendarAccess = calendarAccess;
+        return runIn(std::move(surroundings), arguments);
     }
 };
 

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,10 +9,7 @@
 #include "cli/ProgramCommand.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "notch/StateReport.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedUserDefaults.h"
+#include "support/CommandFixture.h"
 
 namespace sunpane::cli {
 namespace {
@@ -22,50 +18,24 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class NeverInterrupted : public Interrupt {
-public:
-    void arm() override {}
-    void wait() override {}
-};
-
 // The commands that speak to the running program, and those on its settings.
-class ProgramCommandTest : public ::testing::Test {
+class ProgramCommandTest : public testing::CommandFixture {
 protected:
     ProgramCommandTest() { disk.makeFolder("/tmp"); }
     int run(std::vector<std::string> arguments) {
-        out.str("");
-        err.str("");
-        Environment environment{.clock = platform.clock,
-                                .defaults = defaults,
-                                .queues = platform.queues,
-                                .folderEvents = events,
-                                .cloudFiles = cloud,
-                                .interrupt = interrupt,
-                                .out = out,
-                                .err = err,
-                                .files = &disk,
-                                .stateFolder = {},
-                                .wait = [this](Seconds time) { waited += time, meanwhile(); },
-                                .broadcast =
-                                    [this](const std::string& name) {
-                                        broadcasts.push_back(name);
-                                        return reachable;
-                                    }};
-        return runCommandLine(arguments, environment);
+        Environment surroundings = environment();
+        surroundings.wait = [this](Seconds time) { waited += time, meanwhile(); };
+        surroundings.broadcast = [this](const std::string& name) {
+            broadcasts.push_back(name);
+            return reachable;
+        };
+        return runIn(std::move(surroundings), arguments);
     }
 
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem disk{platform.clock};
-    testing::SimulatedUserDefaults defaults;
-    testing::SimulatedFolderEvents events;
-    testing::SimulatedCloudFiles cloud;
-    NeverInterrupted interrupt;
     Broadcast reachable = Broadcast::sent;
     std::vector<std::string> broadcasts;
     Seconds waited = 0;
     std::function<void()> meanwhile = [] {};
-    std::ostringstream out;
-    std::ostringstream err;
 };
 
 TEST_F(ProgramCommandTest, ExpandTellsTheProgramOrSaysThatNoneRuns) {

@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,48 +10,29 @@
 #include "cli/Command.h"
 #include "core/stores/FlagFile.h"
 #include "core/stores/TodoFile.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedUserDefaults.h"
+#include "support/CommandFixture.h"
 
 namespace sunpane::cli {
 namespace {
 
 using ::testing::HasSubstr;
 
-class NeverInterrupted : public Interrupt {
-public:
-    void arm() override {}
-    void wait() override {}
-};
-
-class StoreCommandTest : public ::testing::Test {
+class StoreCommandTest : public testing::CommandFixture {
 protected:
     StoreCommandTest() {
         disk.makeFolder("/home");
         defaults.set("briefingsFolderPath", std::string("/home/briefings"));
     }
     int run(std::vector<std::string> arguments) {
-        out.str("");
-        err.str("");
-        Environment environment{platform.clock, defaults, platform.queues, events,        cloud, interrupt, out, err,
-                                false,          &disk,    "/home/state",   [](Seconds) {}};
-        if (program) environment.askProgram = program;
-        return runCommandLine(arguments, environment);
+        Environment surroundings = environment();
+        surroundings.stateFolder = "/home/state";
+        if (program) surroundings.askProgram = program;
+        return runIn(std::move(surroundings), arguments);
     }
     TodoState todos() const { return *decodeTodos(*disk.content("/home/briefings/todos.json")); }
     FlagState flags() const { return *decodeFlags(*disk.content("/home/briefings/itemflags.json")); }
 
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem disk{platform.clock};
-    testing::SimulatedUserDefaults defaults;
-    testing::SimulatedFolderEvents events;
-    testing::SimulatedCloudFiles cloud;
-    NeverInterrupted interrupt;
     std::function<ProgramAnswer(const StoreChange&)> program;
-    std::ostringstream out;
-    std::ostringstream err;
 };
 
 TEST_F(StoreCommandTest, EveryTodoCommandIsInTheFileWhenItEnds) {
