@@ -3,14 +3,11 @@
 
 #include <filesystem>
 #include <functional>
-#include <sstream>
 
 #include "cli/Command.h"
 #include "cli/TerminalText.h"
 #include "core/briefing/FolderBriefingProvider.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedUserDefaults.h"
+#include "support/CommandFixture.h"
 #include "support/TemporaryFolder.h"
 
 namespace sunpane::cli {
@@ -19,48 +16,15 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class NoCloud : public CloudFiles {
-public:
-    void startDownloading(const std::string& /*path*/) override {}
-};
-
-// Is asked to end once `meanwhile` is over.
-class SimulatedInterrupt : public Interrupt {
-public:
-    void arm() override { isArmed = true; }
-    void wait() override { meanwhile(); }
-    bool isArmed = false;
-    std::function<void()> meanwhile = [] {};
-};
-
-class CommandTest : public ::testing::Test {
+class CommandTest : public testing::CommandFixture {
 protected:
     int run(std::vector<std::string> arguments, bool onTerminal = false) {
-        out.str("");
-        err.str("");
-        Environment environment{.clock = platform.clock,
-                                .defaults = defaults,
-                                .queues = platform.queues,
-                                .folderEvents = events,
-                                .cloudFiles = cloud,
-                                .interrupt = interrupt,
-                                .out = out,
-                                .err = err,
-                                .outIsTerminal = onTerminal,
-                                .files = nullptr,
-                                .stateFolder = {},
-                                .wait = {}};
-        return runCommandLine(arguments, environment);
+        Environment surroundings = environment();
+        surroundings.outIsTerminal = onTerminal;
+        return runIn(std::move(surroundings), arguments);
     }
 
     testing::TemporaryFolder folder;
-    testing::SimulatedPlatform platform;
-    testing::SimulatedUserDefaults defaults;
-    testing::SimulatedFolderEvents events;
-    NoCloud cloud;
-    SimulatedInterrupt interrupt;
-    std::ostringstream out;
-    std::ostringstream err;
 };
 
 TEST_F(CommandTest, BriefShowsAFileOrTheNewestOfAFolder) {

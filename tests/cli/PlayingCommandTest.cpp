@@ -2,40 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "cli/Command.h"
 #include "linux/system/ThreadWorkQueue.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
+#include "support/CommandFixture.h"
 #include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
 
 namespace sunpane::cli {
 namespace {
 
 using ::testing::HasSubstr;
 
-class IgnoredInterrupt : public Interrupt {
-public:
-    void arm() override {}
-    void wait() override {}
-};
-
-struct PlayingCommandTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedUserDefaults defaults;
-    testing::SimulatedFolderEvents events;
-    testing::SimulatedCloudFiles cloud;
-    IgnoredInterrupt interrupt;
+struct PlayingCommandTest : testing::CommandFixture {
     testing::SimulatedScripts scripts;
     testing::SimulatedApplications applications;
     testing::SimulatedAudio audio;
     testing::SimulatedMediaCommands mediaCommands;
     PlayerPorts ports{scripts, applications, audio, mediaCommands};
-    std::ostringstream out;
-    std::ostringstream err;
     WorkQueueFactory* queues = &platform.queues;
     bool isConnected = true;
     int waits = 0;
@@ -43,30 +26,24 @@ struct PlayingCommandTest : ::testing::Test {
     int readyAfter = 0;
 
     int run(std::vector<std::string> arguments) {
-        out.str("");
-        err.str("");
         waits = 0;
         applications.isLoaded = readyAfter == 0;
-        Environment environment{.clock = platform.clock,
-                                .defaults = defaults,
-                                .queues = *queues,
-                                .folderEvents = events,
-                                .cloudFiles = cloud,
-                                .interrupt = interrupt,
-                                .out = out,
-                                .err = err,
-                                .outIsTerminal = false,
-                                .files = nullptr,
-                                .stateFolder = {},
-                                .wait =
-                                    [this](Seconds) {
-                                        if (++waits == readyAfter) applications.isLoaded = true;
-                                    },
-                                .connectPlayers = nullptr};
+        Environment surroundings{.clock = platform.clock,
+                                 .defaults = defaults,
+                                 .queues = *queues,
+                                 .folderEvents = events,
+                                 .cloudFiles = cloud,
+                                 .interrupt = interrupt,
+                                 .out = out,
+                                 .err = err,
+                                 .stateFolder = {},
+                                 .wait = [this](Seconds) {
+                                     if (++waits == readyAfter) applications.isLoaded = true;
+                                 }};
         if (isConnected) {
-            environment.connectPlayers = [this] { return std::make_shared<const PlayerPorts>(ports); };
+            surroundings.connectPlayers = [this] { return std::make_shared<const PlayerPorts>(ports); };
         }
-        return runCommandLine(arguments, environment);
+        return runIn(std::move(surroundings), arguments);
     }
     void play(Player player, const std::string& reply) {
         applications.running.emplace(bundleIdentifier(player));
