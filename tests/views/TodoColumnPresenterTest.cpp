@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "views/TodoRules.h"
 #include "support/ViewModelFixture.h"
+#include "views/TodoRules.h"
 
 namespace sunpane {
 namespace {

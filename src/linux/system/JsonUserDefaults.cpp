@@ -85,6 +85,8 @@ std::optional<UserDefaults::Value> JsonUserDefaults::value(std::string_view key)
 bool JsonUserDefaults::set(std::string_view key, Value value) {
     const std::lock_guard lock(mutex_);
     const FolderTurn turn(createdFolderOf(path_));
+    // Read again even what looks unchanged: a replacement within one tick of the clock may have got the old inode again.
+    if (!unsaved_) version_.reset();
     reloadIfChanged();
     members_.insert_or_assign(std::string(key), toJson(value).dump(-1, ' ', false, Json::error_handler_t::replace));
     return save();
@@ -93,6 +95,8 @@ bool JsonUserDefaults::set(std::string_view key, Value value) {
 bool JsonUserDefaults::remove(std::string_view key) {
     const std::lock_guard lock(mutex_);
     const FolderTurn turn(createdFolderOf(path_));
+    // Read again even what looks unchanged: a replacement within one tick of the clock may have got the old inode again.
+    if (!unsaved_) version_.reset();
     reloadIfChanged();
     const auto found = members_.find(key);
     if (found == members_.end()) return true;
@@ -131,6 +135,11 @@ void JsonUserDefaults::reloadIfChanged() const {
 }
 
 bool JsonUserDefaults::save() {
+    unsaved_ = !write();
+    return !unsaved_;
+}
+
+bool JsonUserDefaults::write() {
     PosixFileSystem files;
     Json json = Json::object();
     for (const auto& [key, member] : members_)

@@ -39,6 +39,7 @@ private:
 
     void reloadIfChanged() const;
     bool save();
+    bool write();
     std::optional<Version> fileVersion() const;
 
     std::string path_;
@@ -47,6 +48,7 @@ private:
     mutable std::map<std::string, std::string, std::less<>> members_;
     mutable std::optional<Version> version_;
     mutable bool unreadable_ = false;
+    bool unsaved_ = false;  // the memory knows of a choice that could not be written
 };
 
 }  // namespace sunpane
