@@ -66,6 +66,16 @@ std::string createdFolderOf(const std::string& path) {
     return folder.string();
 }
 
+/// Keeps a file that cannot be understood under another name. What was kept there before goes only when all of it is.
+bool keepAside(FileSystem& files, const std::string& path, const std::string& kept) {
+    const std::string copy = kept + ".new";
+    files.remove(copy);
+    if (files.copyToNew(path, copy) && files.rename(copy, kept)) return true;
+    files.remove(copy);
+    // What may not be read may still be moved.
+    return files.rename(path, kept);
+}
+
 }  // namespace
 
 JsonUserDefaults::JsonUserDefaults(std::string path) : path_(std::move(path)) {}
@@ -85,9 +95,7 @@ std::optional<UserDefaults::Value> JsonUserDefaults::value(std::string_view key)
 bool JsonUserDefaults::set(std::string_view key, Value value) {
     const std::lock_guard lock(mutex_);
     const FolderTurn turn(createdFolderOf(path_));
-    // Read again even what looks unchanged: a replacement within one tick of the clock may have got the old inode again.
-    if (!unsaved_) version_.reset();
-    reloadIfChanged();
+    reloadBeforeChange();
     members_.insert_or_assign(std::string(key), toJson(value).dump(-1, ' ', false, Json::error_handler_t::replace));
     return save();
 }
@@ -95,9 +103,7 @@ bool JsonUserDefaults::set(std::string_view key, Value value) {
 bool JsonUserDefaults::remove(std::string_view key) {
     const std::lock_guard lock(mutex_);
     const FolderTurn turn(createdFolderOf(path_));
-    // Read again even what looks unchanged: a replacement within one tick of the clock may have got the old inode again.
-    if (!unsaved_) version_.reset();
-    reloadIfChanged();
+    reloadBeforeChange();
     const auto found = members_.find(key);
     if (found == members_.end()) return true;
     members_.erase(found);
@@ -134,6 +140,12 @@ void JsonUserDefaults::reloadIfChanged() const {
         members_.emplace(key, member.dump());
 }
 
+void JsonUserDefaults::reloadBeforeChange() {
+    // What looks unchanged, too: a replacement within one tick of the clock may have got the old inode again.
+    if (!unsaved_) version_.reset();
+    reloadIfChanged();
+}
+
 bool JsonUserDefaults::save() {
     unsaved_ = !write();
     return !unsaved_;
@@ -144,13 +156,11 @@ bool JsonUserDefaults::write() {
     Json json = Json::object();
     for (const auto& [key, member] : members_)
         json[key] = Json::parse(member, nullptr, false);
-    if (unreadable_) {
-        const std::string kept = path_ + ".unreadable";
-        files.remove(kept);
-        if (!files.copyToNew(path_, kept)) return false;
-        unreadable_ = false;
-    }
-    if (!files.replaceAtomically(path_, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) return false;
+    // A link of the user's stays, even when what it leads to is moved.
+    const std::string file = files.canonicalPath(path_);
+    if (unreadable_ && fileVersion() && !keepAside(files, file, path_ + ".unreadable")) return false;
+    unreadable_ = false;
+    if (!files.replaceAtomically(file, json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n")) return false;
     version_ = fileVersion();
     return true;
 }

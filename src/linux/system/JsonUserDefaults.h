@@ -38,6 +38,7 @@ private:
     };
 
     void reloadIfChanged() const;
+    void reloadBeforeChange();
     bool save();
     bool write();
     std::optional<Version> fileVersion() const;

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -14,6 +15,26 @@ namespace sunpane {
 namespace {
 
 using Presence = UserDefaults::Presence;
+
+/// The superuser may read every file; while this lives, tests that the superuser runs may not.
+class OrdinaryUser {
+public:
+    explicit OrdinaryUser(const std::vector<std::string>& ownedPaths) {
+        if (geteuid() != 0) return;
+        for (const auto& path : ownedPaths)
+            EXPECT_EQ(chown(path.c_str(), nobody, nobody), 0);
+        EXPECT_EQ(seteuid(nobody), 0);
+    }
+    ~OrdinaryUser() {
+        if (getuid() != 0) return;
+        EXPECT_EQ(seteuid(0), 0);
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+};
 
 struct UserDefaultsTest : ::testing::Test {
     testing::TemporaryFolder folder;
@@ -60,6 +81,26 @@ TEST_F(UserDefaultsTest, KeepsAnUnreadableFileAside) {
     defaults.set("fresh", true);
     EXPECT_TRUE(std::filesystem::exists(path + ".unreadable"));
     EXPECT_EQ(JsonUserDefaults(path).read<bool>("fresh").valueOr(false), true);
+}
+
+TEST_F(UserDefaultsTest, SavesOverAFileThatMayNotBeReadOrThatWent) {
+    std::filesystem::create_directories(folder / "config");
+    folder.write("own.json", R"({"secret":true})");
+    std::filesystem::permissions(folder / "own.json", std::filesystem::perms::none);
+    std::filesystem::create_symlink(folder / "own.json", path);
+    {
+        const OrdinaryUser user({folder.path(), folder / "config", folder / "own.json"});
+        EXPECT_TRUE(defaults.set("fresh", true));
+        EXPECT_EQ(JsonUserDefaults(path).read<bool>("fresh").valueOr(false), true);
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    std::filesystem::permissions(path + ".unreadable", std::filesystem::perms::owner_all);
+    EXPECT_TRUE(JsonUserDefaults(path + ".unreadable").read<bool>("secret").valueOr(false));
+
+    folder.write("own.json", "{");
+    EXPECT_EQ(defaults.read<bool>("fresh").valueOr(false), true);
+    std::filesystem::remove(folder / "own.json");
+    EXPECT_TRUE(defaults.set("more", true)) << "what it could not understand went";
 }
 
 TEST_F(UserDefaultsTest, LeavesALinkThatTheUserMadeAndTheFilesPermissions) {
