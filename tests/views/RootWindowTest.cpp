@@ -108,6 +108,25 @@ TEST_F(RootWindowTest, GivesItsContentUpOnlyWhileFolded) {
     EXPECT_TRUE(waitFor([&] { return !hasContent(); }));
 }
 
+TEST_F(RootWindowTest, ALetterThatIsHeldDownActsOnATodoOnce) {
+    model->todoStore().add("Call Anna");
+    window->show();
+    setOpen(true);
+    auto* column = child<QQuickItem>("TodoColumn");
+    ASSERT_NE(column, nullptr);
+    const auto hold = [&](Qt::Key key, int repeats) {
+        QMetaObject::invokeMethod(column, "focusRow", Q_ARG(QVariant, 0));
+        testing::WindowsFixture::press(*window, key, {}, repeats);
+        platform.time.runPending();
+    };
+    const auto isPriority = [&] { return model->todoStore().todos().front().isPrio(); };
+    // As many toggles as come in a second would leave it where it was.
+    hold(Qt::Key_P, 25);
+    EXPECT_TRUE(isPriority());
+    hold(Qt::Key_P, 0);
+    EXPECT_FALSE(isPriority());
+}
+
 TEST_F(RootWindowTest, AnotherDayIsReadFromItsTop) {
     setOpen(true);
     auto* column = child<QQuickItem>("BriefColumn");

@@ -219,7 +219,7 @@ Rectangle {
             openActions(row, 32, row.height, true);
             return true;
         }
-        return !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)) && rowLetter(row, event.key);
+        return !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)) && rowLetter(row, event.key, once);
     }
     function removeFromKeyboard(row) {
         const id = row.todoId;
@@ -230,19 +230,23 @@ Rectangle {
             forceActiveFocus(Qt.OtherFocusReason);
         presenter.remove(id);
     }
-    function rowLetter(row, key) {
+    function rowLetter(row, key, once) {
         switch (key) {
         case Qt.Key_M:
-            openActions(row, 32, row.height, true);
+            if (once)
+                openActions(row, 32, row.height, true);
             return true;
         case Qt.Key_P:
-            presenter.togglePriority(row.todoId);
+            if (once)
+                presenter.togglePriority(row.todoId);
             return true;
         case Qt.Key_R:
-            openRemind(row, true);
+            if (once)
+                openRemind(row, true);
             return true;
         case Qt.Key_C:
-            presenter.addToCalendar(row.todoId);
+            if (once)
+                presenter.addToCalendar(row.todoId);
             return true;
         }
         return false;
