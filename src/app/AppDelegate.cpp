@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/NotificationNames.h"
 #include "base/AppIdentity.h"
+#include "base/NotificationNames.h"
 #include "onboarding/WelcomeBrief.h"
 
 namespace sunpane {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "app/CaptureDraft.h"
-#include "app/NotificationNames.h"
 #include "base/Clock.h"
 #include "base/LocalNotifications.h"
+#include "base/NotificationNames.h"
 #include "base/Observable.h"
 #include "base/RunLoop.h"
 #include "base/Spring.h"

@@ -1,6 +1,6 @@
 #include "app/NotificationResponses.h"
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 #include "calendar/JoinLink.h"
 #include "reminders/ReminderScheduler.h"
 

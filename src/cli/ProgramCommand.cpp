@@ -36,7 +36,7 @@ int runReport(Arguments arguments, Environment& environment) {
     // Every report is a new file, so that its stamp tells it from the last one.
     const auto before = files.stamp(StateReport::path);
     if (!tellProgram("report", reportCommand, environment)) return negative;
-    for (Seconds waited = 0; waited < reportTimeout; waited += reportPoll) {
+    for (int look = 0; look < reportTries; ++look) {
         const auto now = files.stamp(StateReport::path);
         if (now && now != before) {
             const FileReading report = files.read(StateReport::path, maximumBytes);

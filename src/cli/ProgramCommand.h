@@ -5,8 +5,8 @@
 
 namespace sunpane::cli {
 
-/// How long (s) the running program is waited for, and how often it is looked whether it has answered.
-inline constexpr Seconds reportTimeout = 5.0;
+/// How often it is looked whether the running program has answered, and the time (s) between two looks.
+inline constexpr int reportTries = 250;
 inline constexpr Seconds reportPoll = 0.02;
 
 /// Unfolds the panel of the running program. `negative`, with one line on `err`, when none runs.

@@ -1,6 +1,6 @@
 #include "notch/HotkeyManager.h"
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 
 namespace sunpane {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "app/NotificationNames.h"
 #include "base/AppIdentity.h"
+#include "base/NotificationNames.h"
 
 namespace sunpane {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "onboarding/Prompts.h"
 #include "onboarding/WelcomeBrief.h"

@@ -4,7 +4,7 @@
 #include <tuple>
 #include <utility>
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 #include "base/Text.h"
 #include "calendar/CalendarFallback.h"
 #include "core/briefing/FolderBriefingProvider.h"

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 
 namespace sunpane {
 

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "app/CardActions.h"
-#include "app/NotificationNames.h"
 #include "app/TodoActions.h"
+#include "base/NotificationNames.h"
 #include "views/TodoRules.h"
 
 namespace sunpane {

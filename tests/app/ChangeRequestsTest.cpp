@@ -6,13 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
+#include "support/ViewModelFixture.h"
 
 namespace sunpane {
 namespace {
@@ -31,36 +25,12 @@ private:
     Handler handler_;
 };
 
-struct ChangeRequestsTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues,
-                           [this](Seconds seconds) { platform.time.advance(seconds); }},
-                          "/state"};
-    LocalNotifications notifications;
-    testing::SimulatedAgenda agenda{platform, defaults};
-    testing::SimulatedPlayers players{platform};
-    NotchUndo undo;
+struct ChangeRequestsTest : testing::ViewModelFixture {
     DirectRequests requests;
-    std::optional<NotchViewModel> model;
     std::optional<ChangeRequests> served;
     std::vector<StoreChangeAnswer> answers;
 
-    void SetUp() override {
-        defaults.set("briefingsFolderPath", folder.path());
-        model.emplace(NotchViewModel::Collaborators{platform.clock,
-                                                    platform.runLoop,
-                                                    notifications,
-                                                    defaults,
-                                                    {platform.clock, platform.queues, folderEvents, cloudFiles},
-                                                    storeFiles,
-                                                    agenda.fallback,
-                                                    agenda.meetings,
-                                                    players.nowPlaying});
+    ChangeRequestsTest() {
         served.emplace(ChangeRequests::Collaborators{requests, *model, undo, platform.clock, platform.runLoop, files});
     }
     StoreChange change(const std::string& verb, const Uuid& id, const std::string& text = "") {

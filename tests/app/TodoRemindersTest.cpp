@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/NotificationNames.h"
 #include "app/NotificationResponses.h"
 #include "app/TodoActions.h"
 #include "base/Dates.h"
+#include "base/NotificationNames.h"
 #include "support/SimulatedDesktop.h"
 #include "support/SimulatedNotifications.h"
 #include "support/StoresFixture.h"

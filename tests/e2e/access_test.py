@@ -55,21 +55,12 @@ class Access(unittest.TestCase):
         program.terminate()
         program.wait(10)
 
-    def read(self, name):
-        for _ in range(50):
-            try:
-                with open(os.path.join(self.desktop.briefings, name)) as file:
-                    return json.load(file)
-            except (FileNotFoundError, ValueError):  # not written yet, or being written
-                time.sleep(0.02)
-        return {}
-
     def flags(self):
-        state = self.read("itemflags.json")
+        state = self.desktop.read("itemflags.json")
         return {kind: sorted(state.get(kind, {})) for kind in ("prio", "cleared", "hidden")}
 
     def done(self):
-        return {entry["text"]: entry["done"] for entry in self.read("todos.json")["todos"]}
+        return {entry["text"]: entry["done"] for entry in self.desktop.read("todos.json")["todos"]}
 
     def await_flags(self, **expected):
         wanted = {"prio": [], "cleared": [], "hidden": [], **expected}
@@ -177,7 +168,7 @@ class Access(unittest.TestCase):
         self.assertIn("CHECKED", reader.find("radio button", "Weekly").states)
         reader.do("Press", "push button", "Set Reminder")
         self.assertIn(("showing", 1, "Reminder set", ""), reader.listen(1))
-        self.assertIn("weekly", [entry.get("remindRepeat") for entry in self.read("todos.json")["todos"]])
+        self.assertIn("weekly", [entry.get("remindRepeat") for entry in self.desktop.read("todos.json")["todos"]])
 
     def stops(self, count):
         """What is read aloud at each stop of the Tab key, until the first comes again."""

@@ -1,7 +1,6 @@
 """What a user does with a card, by a real pointer and keyboard, judged by the files that it changes."""
 
 import datetime
-import json
 import os
 import subprocess
 import time
@@ -36,22 +35,13 @@ class Cards(unittest.TestCase):
         self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
         time.sleep(0.9)
 
-    def read(self, name):
-        for _ in range(20):
-            try:
-                with open(os.path.join(self.desktop.briefings, name)) as file:
-                    return json.load(file)
-            except (FileNotFoundError, ValueError):  # not written yet, or being written
-                time.sleep(0.02)
-        return {}
-
     def todos(self):
-        return self.read("todos.json").get("todos", [])
+        return self.desktop.read("todos.json").get("todos", [])
 
     def expect_flags(self, prio=(), cleared=(), hidden=()):
         """That the flags come to this, and that the agent is told the same."""
         def flags():
-            state = self.read("itemflags.json")
+            state = self.desktop.read("itemflags.json")
             return [sorted(state.get(name, ())) for name in ("prio", "cleared", "hidden")]
 
         wanted = [sorted(prio), sorted(cleared), sorted(hidden)]
@@ -60,7 +50,7 @@ class Cards(unittest.TestCase):
         except AssertionError:
             self.assertEqual(flags(), wanted)
         names = {"alpha-report": "Alpha report", "beta-call": "Beta call"}
-        feedback = self.read("feedback.json")
+        feedback = self.desktop.read("feedback.json")
         self.assertEqual([entry["text"] for entry in feedback["prio"]], [names[key] for key in prio])
         self.assertEqual(feedback["cleared"], [names[key] for key in cleared])
 

@@ -239,6 +239,18 @@ class Desktop:
         with open(self.home + "/config/dawnly/defaults.json") as file:
             return json.load(file)
 
+    def read(self, name):
+        """A JSON file of the briefings folder; {} when it is not there or not whole for half a second."""
+        end = time.monotonic() + 0.5
+        while True:
+            try:
+                with open(os.path.join(self.briefings, name)) as file:
+                    return json.load(file)
+            except (FileNotFoundError, ValueError):
+                if time.monotonic() >= end:
+                    return {}
+                time.sleep(0.02)
+
     def todos(self):
         """The texts on the todo list, as its file has them."""
         path = os.path.join(self.briefings, "todos.json")

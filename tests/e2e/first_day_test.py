@@ -1,7 +1,6 @@
 """A user's first day, from the first start in an empty home to the second morning: with a pointer and a keyboard, an
 agent that does what the prompts ask of it, and a look at every file and at the screen after each step."""
 
-import json
 import os
 import subprocess
 import unittest
@@ -42,17 +41,9 @@ class FirstDay(unittest.TestCase):
 
     # What is in the files.
 
-    def read(self, name):
-        """A file of the briefings folder; nothing while it is not there or being written."""
-        try:
-            with open(os.path.join(self.desktop.briefings, name)) as file:
-                return json.load(file)
-        except (FileNotFoundError, ValueError):
-            return {}
-
     def await_file(self, name, key, expected, of=lambda value: value):
         def value():
-            return of(self.read(name).get(key))
+            return of(self.desktop.read(name).get(key))
 
         try:
             self.desktop.wait_for(lambda: value() == expected, name, 5)
@@ -340,19 +331,19 @@ class FirstDay(unittest.TestCase):
     def the_evening(self):
         with open(os.path.join(self.desktop.briefings, "2026-11-23.md")) as file:
             morning = file.read()
-        todos = self.read("todos.json")
+        todos = self.desktop.read("todos.json")
         self.agent_writes("2026-11-23.md", morning + "\n" + self.example("evening"))
         self.see("heading", "EOD Recap")
         self.see("list item", "Legal countersigned the contract renewal at 15:40")
         self.see("list item", STAND_UP)
-        self.assertEqual(self.read("todos.json"), todos)
+        self.assertEqual(self.desktop.read("todos.json"), todos)
 
     def the_second_morning(self):
         d = self.desktop
         self.open_settings()
         self.click("push button", "Quit Dawnly")
         self.assertEqual(d.program.wait(10), 0)
-        todos, flags = self.read("todos.json")["todos"], self.read("itemflags.json")
+        todos, flags = self.desktop.read("todos.json")["todos"], self.desktop.read("itemflags.json")
 
         d.move(*AWAY)
         d.start_program(TUESDAY)
@@ -362,7 +353,7 @@ class FirstDay(unittest.TestCase):
         self.assertFalse(d.search("Welcome to Dawnly") or d.search("Calendar access"))
         self.assertEqual([name for name in os.listdir(d.briefings) if name.endswith(".md")], ["2026-11-23.md"])
         self.see("push button", "⚡ Priorities the brief missed, 1 card")
-        self.assertEqual((self.read("todos.json")["todos"], self.read("itemflags.json")), (todos, flags))
+        self.assertEqual((self.desktop.read("todos.json")["todos"], self.desktop.read("itemflags.json")), (todos, flags))
 
         self.agent_writes("2026-11-24.md", SECOND_DAY)
         self.see("heading", "Morning Briefing, Tuesday 24 November")

@@ -18,18 +18,6 @@ class Flags(unittest.TestCase):
         # The checkbox stands alone, or it would be read as the end of the card above.
         self.desktop.write_briefing("2026-11-22.md", MORNING.replace("- [ ]", "### Action Items\n- [ ]"))
 
-    def read(self, name):
-        with open(os.path.join(self.desktop.briefings, name)) as file:
-            return json.load(file)
-
-    def feedback(self):
-        for _ in range(20):
-            try:
-                return self.read("feedback.json")
-            except (FileNotFoundError, ValueError):  # not written yet, or being written
-                time.sleep(0.02)
-        return {}
-
     def open_panel(self):
         self.desktop.move(*NOTCH)
         self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
@@ -50,16 +38,16 @@ class Flags(unittest.TestCase):
     def test_flags_reach_the_agent_and_survive_a_restart(self):
         d = self.desktop
         program = d.start_program()
-        d.wait_for(lambda: self.feedback().get("untouched") == ["Alpha report", "Beta call", "Gamma lunch"],
+        d.wait_for(lambda: d.read("feedback.json").get("untouched") == ["Alpha report", "Beta call", "Gamma lunch"],
                    "the untouched cards")
         self.open_panel()
         self.assertFalse(self.is_priority(0))
         self.swipe(0, 80)
         self.swipe(1, -80)
-        d.wait_for(lambda: self.feedback().get("untouched") == ["Gamma lunch"], "the feedback to follow", 3)
+        d.wait_for(lambda: d.read("feedback.json").get("untouched") == ["Gamma lunch"], "the feedback to follow", 3)
         self.swipe(2, -80, -80)
-        d.wait_for(lambda: len(self.feedback().get("cleared", [])) == 2, "the hidden card")
-        feedback = self.feedback()
+        d.wait_for(lambda: len(d.read("feedback.json").get("cleared", [])) == 2, "the hidden card")
+        feedback = d.read("feedback.json")
         self.assertEqual(list(feedback), ["cleared", "note", "prio", "reminders", "untouched", "updated"])
         self.assertEqual(feedback["cleared"], ["Beta call", "Gamma lunch"])
         self.assertEqual([entry["text"] for entry in feedback["prio"]], ["Alpha report"])
@@ -73,15 +61,15 @@ class Flags(unittest.TestCase):
         self.open_panel()
         self.assertTrue(self.is_priority(0))
         self.assertEqual(d.screenshot().card_count(), 2)
-        self.assertEqual([todo["text"] for todo in self.read("todos.json")["todos"]], ["Send the deck"])
+        self.assertEqual([todo["text"] for todo in d.read("todos.json")["todos"]], ["Send the deck"])
 
         # And everything back again, the hidden card by the button under the sections. A priority is not cleared.
         self.swipe(0, 80)
         self.swipe(1, 80, 80)
         d.click(330, COLUMNS_TOP + 154)
         d.wait_for(lambda: d.screenshot().card_count() == 3, "the hidden card to come back")
-        d.wait_for(lambda: self.feedback().get("cleared") == ["Gamma lunch"], "the cleared card to be restored")
-        self.assertEqual(self.feedback()["prio"], [])
+        d.wait_for(lambda: d.read("feedback.json").get("cleared") == ["Gamma lunch"], "the cleared card to be restored")
+        self.assertEqual(d.read("feedback.json")["prio"], [])
 
     def test_the_panels_own_menu_quits_the_program(self):
         d = self.desktop
@@ -101,7 +89,7 @@ class Flags(unittest.TestCase):
         self.swipe(0, 80)
         d.wait_for(lambda: os.path.exists(d.briefings + "/itemflags.json"), "the flags to be written")
         time.sleep(2.5)
-        flags = self.read("itemflags.json")
+        flags = d.read("itemflags.json")
         now = list(flags["dates"].values())[0]
         flags["prio"] = {"gamma-lunch": "Gamma lunch"}
         flags["dates"] = {"gamma-lunch": now}

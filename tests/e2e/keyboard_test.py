@@ -35,15 +35,6 @@ class Keyboard(unittest.TestCase):
         d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
         time.sleep(0.9)
 
-    def read(self, name):
-        for _ in range(50):
-            try:
-                with open(os.path.join(self.desktop.briefings, name)) as file:
-                    return json.load(file)
-            except (FileNotFoundError, ValueError):  # not written yet, or being written
-                time.sleep(0.02)
-        return {}
-
     def press(self, *keys):
         for key in keys:
             self.desktop.key(key)
@@ -52,7 +43,7 @@ class Keyboard(unittest.TestCase):
 
     def await_flags(self, **expected):
         def flags():
-            state = self.read("itemflags.json")
+            state = self.desktop.read("itemflags.json")
             return {kind: sorted(state.get(kind, {})) for kind in ("prio", "cleared", "hidden") if state.get(kind)}
 
         try:
@@ -93,7 +84,7 @@ class Keyboard(unittest.TestCase):
         self.press("shift+F10", "Down", "Return")
         d.wait_for(lambda: "Alpha" in d.todos(), "the todo", 3)
         self.press("r", "Return")
-        d.wait_for(lambda: any("remindAt" in todo for todo in self.read("todos.json")["todos"]), "the reminder", 3)
+        d.wait_for(lambda: any("remindAt" in todo for todo in self.desktop.read("todos.json")["todos"]), "the reminder", 3)
         self.press("r", "Escape")  # the menu alone
         self.assertTrue(d.report()["expanded"])
 
@@ -109,7 +100,7 @@ class Keyboard(unittest.TestCase):
         time.sleep(0.3)
         self.press("F6", "shift+F10", "Menu")
         d.key(*"281220270930", "Return")
-        d.wait_for(lambda: any("remindAt" in todo for todo in self.read("todos.json")["todos"]), "the reminder", 3)
+        d.wait_for(lambda: any("remindAt" in todo for todo in self.desktop.read("todos.json")["todos"]), "the reminder", 3)
         self.assertEqual(sorted(d.todos()), ["Alpha", "Dentist"])
         self.assertFalse(os.path.exists(self.opened))
 

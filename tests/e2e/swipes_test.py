@@ -1,7 +1,5 @@
 """Two fingers on a touchpad swipe cards and scroll the column; a wheel only ever scrolls."""
 
-import json
-import os
 import time
 import unittest
 
@@ -23,23 +21,16 @@ class Swipes(unittest.TestCase):
         cards = "".join("- Card number %d\n" % number for number in range(1, CARD_COUNT + 1))
         d.write_briefing("2026-11-22.md", "# Morning\n### Schedule\n" + cards + "### Action Items\n- [ ] Send the deck\n")
         d.start_program()
-        d.wait_for(lambda: self.read("feedback.json").get("untouched"), "the first feedback")
+        d.wait_for(lambda: self.desktop.read("feedback.json").get("untouched"), "the first feedback")
         d.move(*NOTCH)
         d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
         d.move(*CARD)
         time.sleep(0.9)
 
-    def read(self, name):
-        try:
-            with open(os.path.join(self.desktop.briefings, name)) as file:
-                return json.load(file)
-        except (FileNotFoundError, ValueError):  # not written yet, or being written
-            return {}
-
     def flags(self):
         """What both files say of the cards: the priorities and the cleared cards, and which are hidden. None while the
         two do not agree."""
-        flags, feedback = self.read("itemflags.json"), self.read("feedback.json")
+        flags, feedback = self.desktop.read("itemflags.json"), self.desktop.read("feedback.json")
         prio, cleared = sorted(flags.get("prio", {}).values()), sorted(flags.get("cleared", {}).values())
         if sorted(entry["text"] for entry in feedback.get("prio", [])) != prio:
             return None
@@ -167,7 +158,7 @@ class Swipes(unittest.TestCase):
         d = self.desktop
 
         def todos():
-            return [(todo["text"], todo.get("prio", False)) for todo in self.read("todos.json").get("todos", [])]
+            return [(todo["text"], todo.get("prio", False)) for todo in self.desktop.read("todos.json").get("todos", [])]
         d.click(*TITLE)
         d.move(*TODO)
         time.sleep(0.3)

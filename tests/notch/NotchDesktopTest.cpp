@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "NotchControllerFixture.h"
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 #include "notch/HotkeyManager.h"
 
 // How the panel answers the rest of the desktop: the hotkey, other programs, spaces, sleep.

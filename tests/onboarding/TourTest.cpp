@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/NotificationNames.h"
+#include "base/NotificationNames.h"
 #include "core/briefing/FolderBriefingProvider.h"
 #include "onboarding/WelcomeBrief.h"
 #include "support/SimulatedApplication.h"
