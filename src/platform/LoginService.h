@@ -17,7 +17,8 @@ public:
     /// gone.
     virtual bool startsAnotherCopy() const = 0;
 
-    /// Puts this program into the list or takes it out. What the user added to an entry that is there stays. Nothing on success, otherwise what went wrong, in a sentence.
+    /// Puts this program into the list or takes it out. What the user added to an entry that is there stays. Nothing on
+    /// success, otherwise what went wrong, in a sentence.
     virtual std::optional<std::string> setEnabled(bool enabled) = 0;
 };
 

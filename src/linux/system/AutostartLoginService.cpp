@@ -118,41 +118,46 @@ std::string AutostartLoginService::defaultFolder() {
     return xdg::configHome() + "/autostart";
 }
 
-std::vector<std::string> AutostartLoginService::lines() const {
-    const auto entry = PosixFileSystem().read(path_, maximumEntryBytes);
-    if (entry.status != FileReading::Status::read) return {};
-    std::vector<std::string> lines{""};
-    for (const char c : entry.bytes) {
-        if (c == '\n') {
-            lines.emplace_back();
+AutostartLoginService::Entry AutostartLoginService::read() const {
+    const auto file = PosixFileSystem().read(path_, maximumEntryBytes);
+    Entry entry;
+    if (file.status != FileReading::Status::read) return entry;
+    std::istringstream bytes(file.bytes);
+    bool isOwn = true;
+    for (std::string line; std::getline(bytes, line);) {
+        if (line.ends_with('\r')) line.pop_back();
+        const bool startsGroup = line.starts_with('[');
+        if (startsGroup) isOwn = line == header;
+        if (isOwn && startsGroup) {
+            entry.isThere = true;
         } else {
-            lines.back() += c;
+            (isOwn ? entry.own : entry.others).push_back(line);
         }
     }
-    return lines;
+    return entry;
 }
 
 bool AutostartLoginService::isEnabled() const {
-    const auto entry = lines();
-    if (entry.empty() || std::any_of(entry.begin(), entry.end(), switchesOff)) return false;
-    const auto needed = valueOf("TryExec", entry);
+    const Entry entry = read();
+    if (!entry.isThere || std::any_of(entry.own.begin(), entry.own.end(), switchesOff)) return false;
+    const auto needed = valueOf("TryExec", entry.own);
     return !needed || isInPath(unescaped(*needed));
 }
 
 bool AutostartLoginService::startsAnotherCopy() const {
-    const auto entry = lines();
-    const auto command = valueOf("Exec", entry);
-    return command && !startsUs(*command) && std::none_of(entry.begin(), entry.end(), switchesOff);
+    const Entry entry = read();
+    const auto command = valueOf("Exec", entry.own);
+    return command && !startsUs(*command) && std::none_of(entry.own.begin(), entry.own.end(), switchesOff);
 }
 
 bool AutostartLoginService::startsUs(std::string_view command) const {
     return contains(command, quotedForExec(program_)) || contains(command, program_);
 }
 
-std::string AutostartLoginService::command(const std::vector<std::string>& entry) const {
-    const auto current = valueOf("Exec", entry);
+std::string AutostartLoginService::command(const Entry& entry) const {
+    const auto current = valueOf("Exec", entry.own);
     if (current && startsUs(*current)) return std::string(*current);
-    const auto needed = valueOf("TryExec", entry);
+    const auto needed = valueOf("TryExec", entry.own);
     if (current && needed) {
         const std::string old = unescaped(*needed);
         for (const std::string& form : {quotedForExec(old), old}) {
@@ -171,7 +176,7 @@ std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
         if (error) return "Could not remove " + path_ + ": " + error.message() + ".";
         return std::nullopt;
     }
-    const auto old = lines();
+    const Entry old = read();
     const std::pair<std::string_view, std::string> ours[] = {
         {"Type", "Application"},
         {"Version", "1.5"},
@@ -188,12 +193,15 @@ std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
     for (const auto& [key, value] : ours)
         entry += std::string(key) + "=" + value + "\n";
     // What the user, or the desktop for the user, added stays.
-    for (const std::string& line : old) {
+    for (const std::string& line : old.own) {
         const auto key = settingIn(line).key;
         const bool isOurs =
             std::any_of(std::begin(ours), std::end(ours), [key](const auto& own) { return own.first == key; });
-        if (!line.empty() && line != header && !isOurs && !switchesOff(line)) entry += line + "\n";
+        if (!line.empty() && !isOurs && !switchesOff(line)) entry += line + "\n";
     }
+    if (!old.others.empty()) entry += '\n';
+    for (const std::string& line : old.others)
+        entry += line + "\n";
     PosixFileSystem files;
     errno = 0;
     if (files.createFolders(folder_) && files.replaceAtomically(path_, entry)) return std::nullopt;

@@ -24,11 +24,17 @@ public:
     std::optional<std::string> setEnabled(bool enabled) override;
 
 private:
-    // The lines of the entry; none without a readable one.
-    std::vector<std::string> lines() const;
+    // The file's lines, without the ends that another system may have given them.
+    struct Entry {
+        bool isThere = false;
+        std::vector<std::string> own;     // what says how we start, without its header, and what comes before that
+        std::vector<std::string> others;  // further groups, such as a menu's actions, each with its header
+    };
+
+    Entry read() const;
     bool startsUs(std::string_view command) const;
     // What starts this program, with whatever the entry's own command has before and after it.
-    std::string command(const std::vector<std::string>& entry) const;
+    std::string command(const Entry& entry) const;
 
     std::string folder_;
     std::string path_;

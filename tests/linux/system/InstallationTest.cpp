@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
 #include "linux/system/AutostartLoginService.h"
 #include "linux/system/InstalledBundle.h"
@@ -96,6 +97,30 @@ TEST(AutostartLoginService, KeepsWhatTheUserAddedToTheEntry) {
         EXPECT_EQ(service.setEnabled(true), std::nullopt);
         EXPECT_EQ(content(folder / "app.dawnly.Dawnly.desktop"), entry) << "once is enough";
     }
+}
+
+TEST(AutostartLoginService, MindsItsOwnGroupOfTheEntryOnly) {
+    const testing::TemporaryFolder folder;
+    AutostartLoginService service(folder.path(), "/bin/sh");
+    const std::string name = "app.dawnly.Dawnly.desktop";
+    const std::string action = "[Desktop Action quiet]\nName=Quietly\nExec=/bin/sh -q\nIcon=quiet\nHidden=true\n\n";
+    for (const std::string_view lineEnd : {"\n", "\r\n"}) {
+        std::string entry = "# mine\n[Desktop Entry]\nX-Own=1\n\n" + action + "[More]\nTryExec=/nowhere\n";
+        for (std::size_t at = 0; (at = entry.find('\n', at)) != std::string::npos; at += lineEnd.size())
+            entry.replace(at, 1, lineEnd);
+        folder.write(name, entry);
+        EXPECT_TRUE(service.isEnabled());
+        EXPECT_FALSE(service.startsAnotherCopy()) << "only an action starts something";
+        EXPECT_EQ(service.setEnabled(true), std::nullopt);
+        const std::string written = content(folder / name);
+        EXPECT_THAT(written, ::testing::StartsWith("[Desktop Entry]\nType="));
+        EXPECT_THAT(written, ::testing::EndsWith("\n# mine\nX-Own=1\n\n" + action + "[More]\nTryExec=/nowhere\n"));
+        EXPECT_THAT(written.substr(1), ::testing::Not(HasSubstr("[Desktop Entry]")));
+        EXPECT_EQ(service.setEnabled(true), std::nullopt);
+        EXPECT_EQ(content(folder / name), written) << "once is enough";
+    }
+    folder.write(name, action);
+    EXPECT_FALSE(service.isEnabled()) << "no entry";
 }
 
 TEST(AutostartLoginService, TellsWhyItFailed) {
