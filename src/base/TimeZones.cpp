@@ -168,6 +168,9 @@ public:
             shift(1);
     }
 
+    /// False when the time moves the change into the month before, which ICU would misread.
+    bool isInItsMonth() const { return date() >= 1; }
+
     void setStart(icu::SimpleTimeZone& zone, UErrorCode& status) const {
         const auto time = change_.time * millisecondsPerSecond;
         if (change_.week == 0) return zone.setStartRule(month(), date(), time, status);
@@ -210,12 +213,15 @@ std::unique_ptr<icu::TimeZone> toZone(const Rules& rules, const icu::UnicodeStri
         std::swap(summer.offset, lower);
         std::swap(summer.start, summer.end);
     }
+    const IcuChange start(summer.start);
+    const IcuChange end(summer.end);
+    if (!start.isInItsMonth() || !end.isInItsMonth()) return steady;
     auto zone = std::make_unique<icu::SimpleTimeZone>(lower * millisecondsPerSecond, id);
     UErrorCode status = U_ZERO_ERROR;
     zone->setDSTSavings((summer.offset - lower) * millisecondsPerSecond, status);
-    IcuChange(summer.start).setStart(*zone, status);
-    IcuChange(summer.end).setEnd(*zone, status);
-    // A change that its time moves into another month is more than ICU can say.
+    start.setStart(*zone, status);
+    end.setEnd(*zone, status);
+    // A change that its time moves into the next month is more than ICU can say.
     if (U_FAILURE(status)) return steady;
     return zone;
 }

@@ -112,6 +112,18 @@ TEST(SystemClock, KeepsSummerTimeThatNamesNoRules) {
     EXPECT_EQ(calendar.iso8601(*calendar.startOfDay(CivilDay{2026, 7, 15})), "2026-07-15T00:00:00+02:00");
 }
 
+TEST(SystemClock, HasNoSummerTimeWhoseChangesWouldBeMisread) {
+    for (const char* zone : {"AAA-3BBB-4,M3.1.0/-24,M10.5.0", "AAA-3BBB-4,M3.5.0,M9.1.0/-48",
+                             "AAA-3BBB-2,M3.1.6/-1,M10.5.0", "AAA-3BBB-2,J60/-48,J300"}) {
+        const ZoneSetting setting(zone);
+        const LocalCalendar calendar(SystemClock().timeZone(), "en_US");
+        for (int month = 1; month <= 12; ++month) {
+            const auto day = calendar.iso8601(*calendar.startOfDay(CivilDay{2026, month, 8}));
+            EXPECT_TRUE(day.ends_with("+03:00")) << zone << ": " << day;
+        }
+    }
+}
+
 TEST(SystemClock, PrefersNamesToRulesAndFollowsALinkThatMoves) {
     const testing::TemporaryFolder folder;
     const std::string link = folder / "zone";
