@@ -35,11 +35,14 @@ std::optional<Card> readCard(std::string_view dropped) {
 }  // namespace
 
 void toggle(TodoStore& todos, const Uuid& id) {
+    if (const auto index = todos.indexOf(id)) setDone(todos, id, !todos.todos()[*index].done);
+}
+
+void setDone(TodoStore& todos, const Uuid& id, bool done) {
+    todos.setDone(id, done);
+    // Looked up only now, since another program may have set the reminder a moment ago.
     const auto index = todos.indexOf(id);
-    if (!index) return;
-    const Todo& todo = todos.todos()[*index];
-    if (!todo.done && todo.remindAt) todos.setReminder(id, std::nullopt, std::nullopt);
-    todos.toggle(id);
+    if (done && index && todos.todos()[*index].remindAt) todos.setReminder(id, std::nullopt, std::nullopt);
 }
 
 void removeWithUndo(TodoStore& todos, const Uuid& id, NotchUndo& undo) {
@@ -66,13 +69,11 @@ Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::st
         todos.add(text, id);
         return Outcome::done;
     }
-    const auto index = todos.indexOf(id);
-    if (!index) return Outcome::noSuchTodo;
-    const Todo todo = todos.todos()[*index];
+    if (!todos.indexOf(id)) return Outcome::noSuchTodo;
     if (verb == "done" || verb == "open") {
-        if (todo.done != (verb == "done")) toggle(todos, id);
+        setDone(todos, id, verb == "done");
     } else if (verb == "prio" || verb == "unprio") {
-        if (todo.isPrio() != (verb == "prio")) todos.togglePrio(id);
+        todos.setPrio(id, verb == "prio");
     } else if (verb == "rename") {
         renameWithUndo(todos, id, text, undo);
     } else if (verb == "delete") {

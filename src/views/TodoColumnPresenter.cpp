@@ -140,7 +140,7 @@ void TodoColumnPresenter::togglePriority(const QString& id) {
     const auto todo = find(id);
     if (!todo) return;
     moveWith(flagSpring);
-    todos().togglePrio(todo->id);
+    todos().setPrio(todo->id, !todo->isPrio());
     emit announced(todo->isPrio() ? tr("Priority removed") : tr("Marked as priority"));
 }
 

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "support/ViewModelFixture.h"
@@ -62,6 +64,36 @@ TEST_F(ChangeRequestsTest, AnswersOnceTheFilesHaveTheChange) {
     EXPECT_TRUE(model->flagStore().isPrio("card"));
     EXPECT_TRUE(undo.undo());
     EXPECT_FALSE(model->flagStore().isPrio("card"));
+}
+
+TEST_F(ChangeRequestsTest, NeverDoesTheOppositeBecauseAnotherProgramWasFaster) {
+    for (const std::string verb : {"done", "open", "prio", "unprio"}) {
+        SCOPED_TRACE(verb);
+        const Uuid id = Uuid::random();
+        ask(change("add", id, "Call mum"));
+        ask(change(verb == "open" ? "done" : verb == "unprio" ? "prio" : "open", id));
+        platform.time.advance(5);
+        auto foreign = decodeTodos(todosFile()).value();
+        for (Todo& todo : foreign.todos) {
+            if (todo.id != id) continue;
+            if (verb == "done" || verb == "open") todo.done = verb == "done";
+            if (verb == "prio" || verb == "unprio") todo.prio = verb == "prio";
+            if (verb == "done") todo.remindAt = platform.clock.now() + 3600;
+        }
+        files.writeExternally(folder.path() + "/todos.json", encodeTodos(foreign));
+        answers.clear();
+        ask(change(verb, id));
+        platform.time.advance(5);
+        ASSERT_EQ(answers.size(), 1U);
+        EXPECT_EQ(answers[0].outcome, Outcome::written);
+        const auto written = decodeTodos(todosFile()).value();
+        const auto todo = std::find_if(written.todos.begin(), written.todos.end(),
+                                       [&](const Todo& candidate) { return candidate.id == id; });
+        ASSERT_NE(todo, written.todos.end());
+        EXPECT_EQ(todo->done, verb == "done");
+        EXPECT_EQ(todo->isPrio(), verb == "prio");
+        EXPECT_EQ(todo->remindAt, std::nullopt);
+    }
 }
 
 TEST_F(ChangeRequestsTest, SaysWhenTheFilesCannotBeWrittenAndNeverAnswersTwice) {

@@ -100,6 +100,29 @@ TEST_F(StoreCommandTest, TheRunningProgramIsAskedFirstAndOnlyItsYesCounts) {
     EXPECT_FALSE(todos().todos[0].isPrio());
 }
 
+TEST_F(StoreCommandTest, WhatTheProgramDidWithoutAnAnswerIsNotUndone) {
+    using Reach = ProgramAnswer::Reach;
+    for (const Reach reach : {ProgramAnswer{}.reach, Reach::silent}) {
+        for (const std::string verb : {"done", "open", "prio"}) {
+            SCOPED_TRACE(verb);
+            disk.createFolders("/home/briefings");
+            Todo todo = Todo::make("a todo", platform.clock.now());
+            todo.done = verb == "open";
+            disk.writeExternally("/home/briefings/todos.json", encodeTodos({{todo}, "", {}}));
+            program = [&](const StoreChange&) {
+                todo.done = verb == "done";
+                todo.prio = verb == "prio" ? std::optional(true) : std::nullopt;
+                disk.writeExternally("/home/briefings/todos.json", encodeTodos({{todo}, "", {}}));
+                return ProgramAnswer{reach, {}};
+            };
+            EXPECT_EQ(run({"todo", verb, "1"}), success);
+            ASSERT_EQ(todos().todos.size(), 1U);
+            EXPECT_EQ(todos().todos[0].done, verb == "done");
+            EXPECT_EQ(todos().todos[0].isPrio(), verb == "prio");
+        }
+    }
+}
+
 TEST_F(StoreCommandTest, TheStarOfATodoFromACardFlagsTheCard) {
     disk.createFolders("/home/briefings");
     Todo todo = Todo::make("from a card", platform.clock.now());

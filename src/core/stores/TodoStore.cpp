@@ -93,8 +93,25 @@ void TodoStore::addLinked(std::string_view text, const std::optional<std::string
 
 void TodoStore::toggle(const Uuid& id) {
     adoptForeignChanges();
-    const auto todo = find(id);
-    if (todo == state_.todos.end()) return;
+    if (const auto todo = find(id); todo != state_.todos.end()) flipDone(todo);
+}
+
+void TodoStore::togglePrio(const Uuid& id) {
+    adoptForeignChanges();
+    if (const auto todo = find(id); todo != state_.todos.end()) flipPrio(todo);
+}
+
+void TodoStore::setDone(const Uuid& id, bool done) {
+    adoptForeignChanges();
+    if (const auto todo = find(id); todo != state_.todos.end() && todo->done != done) flipDone(todo);
+}
+
+void TodoStore::setPrio(const Uuid& id, bool prio) {
+    adoptForeignChanges();
+    if (const auto todo = find(id); todo != state_.todos.end() && todo->isPrio() != prio) flipPrio(todo);
+}
+
+void TodoStore::flipDone(std::vector<Todo>::iterator todo) {
     announceChange();
     todo->done = !todo->done;
     todo->doneAt = todo->done ? std::optional(clock_.now()) : std::nullopt;
@@ -102,10 +119,7 @@ void TodoStore::toggle(const Uuid& id) {
     save();
 }
 
-void TodoStore::togglePrio(const Uuid& id) {
-    adoptForeignChanges();
-    const auto todo = find(id);
-    if (todo == state_.todos.end()) return;
+void TodoStore::flipPrio(std::vector<Todo>::iterator todo) {
     announceChange();
     todo->prio = !todo->isPrio();
     const Todo changed = *todo;

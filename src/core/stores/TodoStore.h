@@ -51,7 +51,7 @@ public:
     std::size_t doneCount() const;
     std::optional<std::size_t> indexOf(const Uuid& id) const;
 
-    /// Called after `togglePrio` with the changed todo.
+    /// Called after a star was set or taken away, with the changed todo.
     std::function<void(const Todo&)> onPrioChanged;
 
     /// Adds what the user typed, below the open todos. A blank text adds nothing; a repeated one adds another todo.
@@ -64,6 +64,10 @@ public:
 
     void toggle(const Uuid& id);
     void togglePrio(const Uuid& id);
+    /// Nothing happens when it is so already, even if another program made it so and this one has not seen it yet: who
+    /// names what he wants must not get the opposite.
+    void setDone(const Uuid& id, bool done);
+    void setPrio(const Uuid& id, bool prio);
     void rename(const Uuid& id, std::string_view text);
 
     /// Sets the reminder, or with an absent date clears it together with its repeat rule. Notifying is the caller's
@@ -90,6 +94,8 @@ public:
 
 private:
     std::vector<Todo>::iterator find(const Uuid& id);
+    void flipDone(std::vector<Todo>::iterator todo);
+    void flipPrio(std::vector<Todo>::iterator todo);
     void insertOpen(Todo todo);
     void forgetDismissed(const std::string& key);
     bool take(const StoreFile::Incoming& incoming);
