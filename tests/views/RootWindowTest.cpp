@@ -75,19 +75,23 @@ struct RootWindowTest : testing::ViewModelFixture {
         return condition();
     }
     bool hasContent() { return child<QQuickItem>("BriefingCard") != nullptr; }
+    /// Lets a folded panel give its content up after `shortTime`.
+    void beImpatient() {
+        QObject* idle = nullptr;
+        for (auto* object : root().findChildren<QObject*>()) {
+            if (object->property("interval").toInt() == 30000) idle = object;
+        }
+        ASSERT_NE(idle, nullptr);
+        idle->setProperty("interval", shortTime);
+    }
     bool isFolded() { return root().property("folded").toBool(); }
 
+    static constexpr int shortTime = 60;  // ms
     std::string longDay;
 };
 
 TEST_F(RootWindowTest, GivesItsContentUpOnlyWhileFolded) {
-    constexpr int shortTime = 60;
-    QObject* idle = nullptr;
-    for (auto* object : root().findChildren<QObject*>()) {
-        if (object->property("interval").toInt() == 30000) idle = object;
-    }
-    ASSERT_NE(idle, nullptr);
-    idle->setProperty("interval", shortTime);
+    beImpatient();
     window->makeContent();
     ASSERT_TRUE(hasContent());
     EXPECT_TRUE(waitFor([&] { return !hasContent(); })) << "nobody came";
@@ -106,6 +110,22 @@ TEST_F(RootWindowTest, GivesItsContentUpOnlyWhileFolded) {
     setOpen(false);
     ASSERT_TRUE(waitFor([&] { return isFolded(); }));
     EXPECT_TRUE(waitFor([&] { return !hasContent(); }));
+}
+
+TEST_F(RootWindowTest, ADraftOutlivesTheContentThatItWasTypedIn) {
+    beImpatient();
+    window->show();
+    setOpen(true);
+    const auto field = [&] { return child<QQuickItem>("CaptureField"); };
+    ASSERT_NE(field(), nullptr);
+    EXPECT_EQ(field()->property("text").toString(), "");
+    QMetaObject::invokeMethod(field(), "takeFocus");
+    testing::WindowsFixture::type(*window, QStringLiteral("call"));
+    setOpen(false);
+    ASSERT_TRUE(waitFor([&] { return !hasContent(); })) << "a draft keeps the content";
+    setOpen(true);
+    ASSERT_TRUE(hasContent());
+    EXPECT_EQ(field()->property("text").toString(), "call");
 }
 
 TEST_F(RootWindowTest, ALetterThatIsHeldDownActsOnATodoOnce) {

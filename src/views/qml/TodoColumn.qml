@@ -14,7 +14,7 @@ Rectangle {
     readonly property bool empty: list.count === 0
     // How many rows are being edited.
     property int edits: 0
-    readonly property bool holdsText: edits > 0 || capture.text.length > 0
+    readonly property bool holdsText: edits > 0
 
     // The row that is dragged up or down, as it was lifted, and where it would land.
     property int dragFrom: -1
