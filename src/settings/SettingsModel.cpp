@@ -16,6 +16,8 @@ SettingsModel::SettingsModel(Collaborators collaborators)
     : with_(std::move(collaborators)),
       knownFolder_(watchedFolder()),
       knownQuickCapture_(quickCapture()),
+      knownCalendarTodos_(calendarTodos()),
+      knownTodoCalendars_(todoCalendars()),
       self_(std::make_shared<SettingsModel*>(this)) {}
 
 bool SettingsModel::launchAtLogin() const {
@@ -44,6 +46,7 @@ bool SettingsModel::calendarTodos() const {
 
 void SettingsModel::setCalendarTodos(bool on) {
     setBool(CalendarFallback::todosEnabledKey, on);
+    knownCalendarTodos_ = calendarTodos();
     with_.readCalendarsAnew();
 }
 
@@ -71,6 +74,7 @@ void SettingsModel::setTodoCalendar(const std::string& identifier, bool on) {
     if (on) chosen.push_back(identifier);
     announceChange();
     with_.defaults.set(CalendarFallback::todoCalendarsKey, std::move(chosen));
+    knownTodoCalendars_ = todoCalendars();
     with_.readCalendarsAnew();
 }
 
@@ -100,6 +104,9 @@ void SettingsModel::setFolder(const std::optional<std::string>& folder) {
 void SettingsModel::changedOutside() {
     announceChange();
     if (std::exchange(knownQuickCapture_, quickCapture()) != quickCapture()) with_.registerHotkeyAnew();
+    const bool areTodosOthers = std::exchange(knownCalendarTodos_, calendarTodos()) != calendarTodos();
+    const bool areCalendarsOthers = std::exchange(knownTodoCalendars_, todoCalendars()) != todoCalendars();
+    if (areTodosOthers || areCalendarsOthers) with_.readCalendarsAnew();
     if (std::exchange(knownFolder_, watchedFolder()) != watchedFolder()) {
         with_.notifications.post(notification::briefingsFolderChanged);
     }

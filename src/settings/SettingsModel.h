@@ -96,6 +96,8 @@ private:
     // What the rest of the program was last told.
     std::string knownFolder_;
     bool knownQuickCapture_;
+    bool knownCalendarTodos_;
+    std::vector<std::string> knownTodoCalendars_;
     std::shared_ptr<SettingsModel*> self_;
 };
 

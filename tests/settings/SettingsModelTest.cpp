@@ -79,6 +79,22 @@ TEST_F(Settings, TakeUpWhatAnotherProgramChangedAndNothingElse) {
     EXPECT_EQ(registrations.size(), 2U);
 }
 
+TEST_F(Settings, ReadTheCalendarsAnewWhenAnotherProgramChoseWhatBecomesATodo) {
+    defaults.set("calendarTodosEnabled", false);
+    settings.changedOutside();
+    EXPECT_THAT(readings, ElementsAre("off 1"));
+    defaults.set("calendarTodosEnabled", true);
+    defaults.set("todoCalendarIDs", Strings{"a", "b"});
+    settings.changedOutside();
+    settings.changedOutside();
+    EXPECT_THAT(readings, ElementsAre("off 1", "on 2")) << "once for both";
+    settings.setCalendarTodos(false);
+    settings.setTodoCalendar("a", false);
+    readings.clear();
+    settings.changedOutside();
+    EXPECT_THAT(readings, IsEmpty()) << "our own changes are told once";
+}
+
 TEST_F(Settings, ShowALoginItemThatWasRegisteredAfterTheyWereMade) {
     loginItem.registerOnFirstRun();
     EXPECT_TRUE(settings.launchAtLogin());
