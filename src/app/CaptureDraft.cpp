@@ -1,5 +1,7 @@
 #include "app/CaptureDraft.h"
 
+#include <utility>
+
 #include "base/Text.h"
 
 namespace sunpane {
@@ -11,6 +13,7 @@ CaptureDraft::CaptureDraft(StoreFiles& files) : files_(files), path_(pathInside(
 
 CaptureDraft::~CaptureDraft() {
     if (saving_) write();
+    files_.queue().drain();
     files_.syncQueue().drain();
 }
 
@@ -24,13 +27,16 @@ void CaptureDraft::set(std::string_view text) {
 
 void CaptureDraft::write() {
     saving_ = {};
-    files_.syncQueue().post([&disk = files_.ports().files, path = path_, text = text_, folder = files_.stateFolder()] {
+    auto task = [activity = files_.beginActivity(), &disk = files_.ports().files, path = path_, text = text_,
+                 folder = files_.stateFolder()] {
         if (text.empty()) {
             disk.remove(path);
         } else if (disk.createFolders(folder)) {
             disk.replaceAtomically(path, text);
         }
-    });
+    };
+    // By way of the queue that journals todos, so that the draft stays until the todo that came of it is safe.
+    files_.queue().post([&syncQueue = files_.syncQueue(), task = std::move(task)] { syncQueue.post(task); });
 }
 
 }  // namespace sunpane

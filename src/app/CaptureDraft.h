@@ -12,6 +12,7 @@ namespace sunpane {
 
 /// What stands in the panel's field for a new todo and was not entered yet. Kept in the state folder, so that the next
 /// start has it, whether this one ends in good order, is replaced by a newer copy, or dies a moment after the last key.
+/// A text that is taken away after it became a todo goes only once the todo is in its journal.
 ///
 /// Owned by the view model; main thread only. Failures are silent.
 class CaptureDraft {

@@ -2,8 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <deque>
+#include <memory>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "core/stores/TodoStore.h"
 #include "support/SimulatedFileSystem.h"
 #include "support/SimulatedPlatform.h"
 
@@ -45,6 +52,57 @@ TEST_F(CaptureDraftTest, AProgramThatDiesLosesNoMoreThanTheLastKeys) {
     platform.time.runPending();
     EXPECT_EQ(atNextStart(), "") << "entered, and not to be entered twice";
     platform.time.advance(CaptureDraft::saveInterval);
+    EXPECT_EQ(files.content("/state/draft.txt"), std::nullopt);
+}
+
+/// Queues that run only when told to, each by itself.
+class QueuesByHand : public WorkQueueFactory {
+public:
+    std::unique_ptr<WorkQueue> makeQueue(std::string label) override {
+        auto queue = std::make_unique<Queue>(std::move(label));
+        made.push_back(queue.get());
+        return queue;
+    }
+
+    struct Queue : WorkQueue {
+        explicit Queue(std::string label) : name(std::move(label)) {}
+        void post(Task task) override { tasks.push_back(std::move(task)); }
+        Subscription after(Seconds, Task) override { return {}; }
+        Subscription every(Seconds, Task) override { return {}; }
+        const std::string& label() const override { return name; }
+        void drain() override {
+            for (; !tasks.empty(); tasks.pop_front())
+                tasks.front()();
+        }
+        std::string name;
+        std::deque<Task> tasks;
+    };
+    std::vector<Queue*> made;
+};
+
+TEST_F(CaptureDraftTest, ATodoIsJournaledBeforeTheDraftOfItGoes) {
+    QueuesByHand queues;
+    StoreFiles slow{{files, cloudFiles, platform.clock, platform.runLoop, queues, [](Seconds) {}}, "/state"};
+    ASSERT_EQ(queues.made.size(), 2U);
+    CaptureDraft draft(slow);
+    draft.set("Call mum");
+    platform.time.advance(CaptureDraft::saveInterval);
+    slow.drain();
+    ASSERT_EQ(files.content("/state/draft.txt"), "Call mum");
+
+    TodoStore todos(slow, "/briefings");
+    todos.add("Call mum");
+    draft.set("");
+    // The disk's queue may be the faster one, and the program may die at any moment.
+    queues.made[1]->drain();
+    EXPECT_EQ(files.content("/state/draft.txt"), "Call mum");
+    queues.made[0]->drain();
+    const auto names = files.filesIn("/state");
+    EXPECT_TRUE(std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return name.find(".journal") != std::string::npos &&
+               files.content("/state/" + name).value_or("").find("Call mum") != std::string::npos;
+    }));
+    slow.drain();
     EXPECT_EQ(files.content("/state/draft.txt"), std::nullopt);
 }
 
