@@ -20,7 +20,7 @@ ChangeRequests::ChangeRequests(const Collaborators& collaborators)
       requests_(with_.requests.serve([this](const StoreChange& change, StoreRequests::Reply reply) {
           const StoreChangeAnswer answer = make(change);
           if (answer.outcome != Outcome::written) return reply(answer);
-          answerWhenWritten(answer, std::move(reply));
+          answerWhenWritten(change, answer, std::move(reply));
       })) {}
 
 StoreChangeAnswer ChangeRequests::make(const StoreChange& change) {
@@ -68,16 +68,29 @@ StoreChangeAnswer ChangeRequests::changeFlag(const StoreChange& change) {
     return {Outcome::written, 0, {}};
 }
 
-void ChangeRequests::answerWhenWritten(const StoreChangeAnswer& answer, StoreRequests::Reply reply) {
-    const auto entry = std::make_shared<Waiting>(Waiting{std::move(reply), answer, {}});
+void ChangeRequests::answerWhenWritten(const StoreChange& change, const StoreChangeAnswer& answer,
+                                       StoreRequests::Reply reply) {
+    const auto entry = std::make_shared<Waiting>(Waiting{std::move(reply), answer, {}, {}, {}});
     const std::weak_ptr<Waiting> weak = entry;
     waiting_.push_back(entry);
     entry->patience = with_.runLoop.after(patience, [this, weak] { finish(weak, Outcome::kept); });
-    // A todo's star may have flagged a card.
-    with_.viewModel.todoStore().whenWritten([this, weak] {
-        if (weak.expired()) return;
-        with_.viewModel.flagStore().whenWritten([this, weak] { finish(weak, Outcome::written); });
-    });
+    const auto waitForFlags = [this, weak] {
+        const auto waiting = weak.lock();
+        if (!waiting) return;
+        waiting->flagsWritten =
+            with_.viewModel.flagStore().whenWritten([this, weak] { finish(weak, Outcome::written); });
+    };
+    // Only for the files that hold the change: what is wrong with another one is not this request's business.
+    if (change.subject == StoreChange::Subject::flag) {
+        waitForFlags();
+    } else {
+        // A todo's star may have flagged a card.
+        const bool mayFlag = change.verb == "prio" || change.verb == "unprio";
+        entry->todosWritten = with_.viewModel.todoStore().whenWritten([this, weak, mayFlag, waitForFlags] {
+            if (mayFlag) return waitForFlags();
+            finish(weak, Outcome::written);
+        });
+    }
     if (waiting_.size() > maximumWaiting) finish(weak, Outcome::kept);
 }
 

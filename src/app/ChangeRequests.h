@@ -44,13 +44,15 @@ private:
         StoreRequests::Reply reply;
         StoreChangeAnswer answer;
         Subscription patience;
+        Subscription todosWritten;
+        Subscription flagsWritten;
     };
 
     StoreChangeAnswer make(const StoreChange& change);
     StoreChangeAnswer changeTodo(const StoreChange& change);
     StoreChangeAnswer changeFlag(const StoreChange& change);
     bool isOurs(const std::string& folder);
-    void answerWhenWritten(const StoreChangeAnswer& answer, StoreRequests::Reply reply);
+    void answerWhenWritten(const StoreChange& change, const StoreChangeAnswer& answer, StoreRequests::Reply reply);
     void finish(const std::weak_ptr<Waiting>& waiting, StoreChangeAnswer::Outcome outcome);
 
     Collaborators with_;

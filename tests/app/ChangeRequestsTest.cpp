@@ -116,6 +116,42 @@ TEST_F(ChangeRequestsTest, SaysWhenTheFilesCannotBeWrittenAndNeverAnswersTwice) 
     EXPECT_NE(todosFile().find("Kept"), std::string::npos);
 }
 
+TEST_F(ChangeRequestsTest, WaitsForTheFilesThatHoldTheChangeAndNoOthers) {
+    const Uuid id = Uuid::random();
+    ask(change("add", id, "Linked"));
+    platform.time.advance(1);
+    auto linked = decodeTodos(todosFile()).value();
+    linked.todos.at(0).sourceItemKey = "card";
+    files.writeExternally(folder.path() + "/todos.json", encodeTodos(linked));
+    const StoreChange flag{StoreChange::Subject::flag, folder.path(), "prio", "x", "X", platform.clock.now() + 5000};
+    struct Case {
+        const char* forbidden;
+        StoreChange change;
+        Outcome outcome;
+    };
+    const Case cases[] = {
+        {"/feedback.json", flag, Outcome::written},
+        {"/feedback.json", change("add", Uuid::random(), "y"), Outcome::written},
+        {"/todos.json", flag, Outcome::written},
+        {"/itemflags.json", flag, Outcome::kept},
+        {"/itemflags.json", change("prio", id), Outcome::kept},
+        {"/itemflags.json", change("done", id), Outcome::written},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.forbidden + (" " + c.change.verb));
+        files.forbiddenFiles = {folder.path() + c.forbidden};
+        answers.clear();
+        StoreChange request = c.change;
+        request.expires = platform.clock.now() + 5;
+        ask(request);
+        platform.time.advance(1);
+        EXPECT_EQ(answers.size(), c.outcome == Outcome::written ? 1U : 0U);
+        platform.time.advance(ChangeRequests::patience);
+        ASSERT_EQ(answers.size(), 1U);
+        EXPECT_EQ(answers[0].outcome, c.outcome);
+    }
+}
+
 TEST_F(ChangeRequestsTest, RefusesWhatIsNotItsBusiness) {
     const Uuid id = Uuid::random();
     StoreChange late = change("add", id, "x");

@@ -65,10 +65,6 @@ ItemFlagStore::ItemFlagStore(StoreFiles& files, const std::string& directory, Fe
 
 ItemFlagStore::~ItemFlagStore() = default;
 
-void ItemFlagStore::whenWritten(const std::function<void()>& then) {
-    file_.whenWritten([this, then] { feedbackFile_.whenWritten(then); });
-}
-
 void ItemFlagStore::togglePrio(const BriefingItem& item) {
     adoptForeignChanges();
     const std::string key(item.id());

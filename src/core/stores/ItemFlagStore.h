@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/Clock.h"
@@ -64,8 +65,9 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the files yet.
     bool hasUnwritten() const { return file_.hasUnwritten() || feedbackFile_.hasUnwritten(); }
-    /// Runs `then` once all changes made so far are in the files; not at all when the store goes first.
-    void whenWritten(const std::function<void()>& then);
+    /// Runs `then` once all changes made so far are in `itemflags.json`, perhaps at once; not at all when the store or
+    /// the handle goes first. The feedback follows from that file, so nobody has to wait for it.
+    [[nodiscard]] Subscription whenWritten(std::function<void()> then) { return file_.whenWritten(std::move(then)); }
     const std::string& feedbackURL() const { return feedbackFile_.path(); }
 
     void togglePrio(const BriefingItem& item);

@@ -95,17 +95,24 @@ void StoreFile::writeAsync(std::string content, std::function<void()> completion
                     });
 }
 
-void StoreFile::whenWritten(std::function<void()> then) {
-    if (written_ == handedOver_) return then();
-    waiters_.push_back({handedOver_, std::move(then)});
+Subscription StoreFile::whenWritten(std::function<void()> then) {
+    if (written_ == handedOver_) {
+        then();
+        return {};
+    }
+    const std::uint64_t waiter = nextWaiter_++;
+    waiters_.emplace(waiter, Waiter{handedOver_, std::move(then)});
+    return Subscription([weak = std::weak_ptr(self_), waiter] {
+        if (const auto self = weak.lock()) (*self)->waiters_.erase(waiter);
+    });
 }
 
 void StoreFile::noteWritten(std::uint64_t write) {
     written_ = std::max(written_, write);
     std::vector<Waiter> ready;
-    while (!waiters_.empty() && waiters_.front().write <= written_) {
-        ready.push_back(std::move(waiters_.front()));
-        waiters_.pop_front();
+    while (!waiters_.empty() && waiters_.begin()->second.write <= written_) {
+        ready.push_back(std::move(waiters_.begin()->second));
+        waiters_.erase(waiters_.begin());
     }
     for (const Waiter& waiter : ready)
         waiter.then();

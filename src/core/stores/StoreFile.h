@@ -2,13 +2,14 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/Subscription.h"
 #include "core/stores/StoreFiles.h"
 #include "platform/FileSystem.h"
 
@@ -88,8 +89,8 @@ public:
     bool hasUnwritten() const;
 
     /// Runs `then` on the main thread once all that was handed over so far is in the file, at once when it is there
-    /// already, and not at all when this object goes first.
-    void whenWritten(std::function<void()> then);
+    /// already, and not at all when this object or the handle goes first.
+    [[nodiscard]] Subscription whenWritten(std::function<void()> then);
 
     /// Called on the main thread when the file holds another program's content that must be merged; the store merges
     /// as for `reload` and then saves.
@@ -110,8 +111,9 @@ private:
     // How often something was handed over, and which of these is in the file.
     std::uint64_t handedOver_ = 0;
     std::uint64_t written_ = 0;
-    // In the order in which they wait.
-    std::deque<Waiter> waiters_;
+    // In the order in which they came; as many as there are handles.
+    std::map<std::uint64_t, Waiter> waiters_;
+    std::uint64_t nextWaiter_ = 0;
     // Lets what comes back from the queue find this object, or find it gone.
     std::shared_ptr<StoreFile*> self_;
 };

@@ -46,8 +46,9 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the file yet.
     bool hasUnwritten() const { return file_.hasUnwritten(); }
-    /// Runs `then` once all changes made so far are in the file; not at all when the store goes first.
-    void whenWritten(std::function<void()> then) { file_.whenWritten(std::move(then)); }
+    /// Runs `then` once all changes made so far are in the file, perhaps at once; not at all when the store or the
+    /// handle goes first.
+    [[nodiscard]] Subscription whenWritten(std::function<void()> then) { return file_.whenWritten(std::move(then)); }
     std::size_t doneCount() const;
     std::optional<std::size_t> indexOf(const Uuid& id) const;
 

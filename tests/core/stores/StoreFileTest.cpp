@@ -230,6 +230,28 @@ TEST_P(StoreFileUnderFault, WritesWhatItCouldNotAsSoonAsItCan) {
     EXPECT_EQ(store.writes, 3);
 }
 
+TEST_P(StoreFileUnderFault, TellsThoseWhoStillWaitForTheWriting) {
+    StoreFixture machine;
+    LetterStore store(machine);
+    GetParam().set(machine);
+    store.add('a');
+    std::string told;
+    const auto first = store.file.whenWritten([&] { told += '1'; });
+    // Whoever does not wait any longer leaves nothing behind.
+    const auto lapsed = std::make_shared<int>();
+    for (int i = 0; i < 3; ++i)
+        (void)store.file.whenWritten([lapsed, &told] { told += 'x'; });
+    EXPECT_EQ(lapsed.use_count(), 1);
+    const auto second = store.file.whenWritten([&] { told += '2'; });
+    machine.pass(60);
+    EXPECT_EQ(told, "");
+    GetParam().clear(machine);
+    machine.pass(StoreFile::retryInterval);
+    EXPECT_EQ(told, "12");
+    const auto third = store.file.whenWritten([&] { told += '3'; });
+    EXPECT_EQ(told, "123") << "at once";
+}
+
 TEST_P(StoreFileUnderFault, KeepsWhatItCouldNotWriteForTheNextStart) {
     StoreFixture machine;
     auto store = std::make_unique<LetterStore>(machine);
