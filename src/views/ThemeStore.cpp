@@ -113,6 +113,8 @@ void ThemeStore::setCustomStrength(double strength) {
 }
 
 void ThemeStore::reload() {
+    // What is dragged just now would go from the screen otherwise, and come back at the next start.
+    writeNow();
     announceChange();
     customTopHex_ = defaults_.read<std::int64_t>(topKey).valueOr(defaultTopHex);
     customBottomHex_ = defaults_.read<std::int64_t>(bottomKey).valueOr(defaultBottomHex);

@@ -55,7 +55,7 @@ public:
     double customStrength() const { return customStrength_; }
     void setCustomStrength(double strength);
 
-    /// Takes up what another program changed in the settings.
+    /// Takes up what another program changed in the settings; what waits to be written here is written first.
     void reload();
 
     /// From 0 to 1.

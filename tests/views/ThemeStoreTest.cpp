@@ -183,6 +183,26 @@ TEST(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
     EXPECT_EQ(defaults.values["customTopHex"], Value(std::int64_t{7})) << "written at the end";
 }
 
+TEST(ThemeStoreTest, ShowsWhatTheSettingsHoldAfterAnotherProgramChangedThemDuringADrag) {
+    SimulatedPlatform platform;
+    SimulatedUserDefaults defaults;
+    ThemeStore store(defaults, platform.runLoop);
+    store.setTranslucency(0.6);
+    store.setCustomStrength(0.4);
+    defaults.values["customStrength"] = 0.9;  // another program
+    defaults.values["notchTheme"] = "custom";
+    defaults.values["translucency.custom"] = 0.3;
+    store.reload();
+    EXPECT_EQ(store.customStrength(), 0.9);
+    EXPECT_EQ(store.theme(), NotchTheme::custom);
+    EXPECT_EQ(store.translucency(), 0.3);
+    EXPECT_EQ(store.storedTranslucency(NotchTheme::glass), 0.6);
+    const auto settled = defaults.values;
+    EXPECT_EQ(defaults.values["translucency.glass"], Value(0.6));
+    platform.time.advance(1);
+    EXPECT_EQ(defaults.values, settled) << "nothing comes later that does not show";
+}
+
 TEST(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
     SimulatedPlatform platform;
     SimulatedUserDefaults defaults;
