@@ -223,6 +223,7 @@ int main(int argc, char* argv[]) {
     sunpane::returnLargeBlocksAtOnce();
     sunpane::choosePlatform();
     sunpane::chooseRenderer();
+    sunpane::interpretScripts();
     QCoreApplication::setApplicationName(QStringLiteral("dawnly"));
     QCoreApplication::setApplicationVersion(QStringLiteral(SUNPANE_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Dawnly"));

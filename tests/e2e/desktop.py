@@ -183,7 +183,8 @@ class Desktop:
         opened = self.home + "/opened"
         os.makedirs(self.home + "/bin")
         with open(self.home + "/bin/xdg-open", "w") as script:
-            script.write('#!/bin/sh\nprintf "%%s\\n" "$1" >>"%s"\n' % opened)
+            # What the program sets for itself alone shows in front of the address.
+            script.write('#!/bin/sh\nprintf "%%s\\n" "${QV4_FORCE_INTERPRETER:+ours:}$1" >>"%s"\n' % opened)
         os.chmod(self.home + "/bin/xdg-open", 0o755)
         self.environment["PATH"] = self.home + "/bin:" + self.environment["PATH"]
         return opened

@@ -4,11 +4,34 @@
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStringList>
 #include <QUrl>
 #include <utility>
 
+#include "linux/system/OwnEnvironment.h"
+
 namespace sunpane {
+namespace {
+
+/// Starts a program that outlives us. False when it is not installed.
+bool start(const QString& program, const QStringList& arguments) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& name : ownVariables())
+        environment.remove(QString::fromStdString(name));
+    QProcess process;
+    process.setProgram(program);
+    process.setArguments(arguments);
+    process.setProcessEnvironment(environment);
+    return process.startDetached();
+}
+
+void open(const QUrl& url) {
+    // The toolkit does the same, but hands on our whole environment.
+    if (!start(QStringLiteral("xdg-open"), {QString::fromLatin1(url.toEncoded())})) QDesktopServices::openUrl(url);
+}
+
+}  // namespace
 
 QtWorkspace::QtWorkspace(X11Events& events) {
     connect(&events, &X11Events::applicationActivated, this, [this] { activationHandlers_.call(); });
@@ -20,7 +43,7 @@ QtWorkspace::QtWorkspace(X11Events& events) {
 }
 
 void QtWorkspace::revealFolder(const std::string& path) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
+    open(QUrl::fromLocalFile(QString::fromStdString(path)));
 }
 
 void QtWorkspace::openUrl(const std::string& url) {
@@ -30,7 +53,7 @@ void QtWorkspace::openUrl(const std::string& url) {
     // Mail programs attach the files that such an address names.
     const bool isMail = parsed.scheme() == QLatin1String("mailto") &&
                         !parsed.query().contains(QLatin1String("attach"), Qt::CaseInsensitive);
-    if (isMail ? !parsed.path().isEmpty() : isWeb && !parsed.host().isEmpty()) QDesktopServices::openUrl(parsed);
+    if (isMail ? !parsed.path().isEmpty() : isWeb && !parsed.host().isEmpty()) open(parsed);
 }
 
 void QtWorkspace::openAccountSettings() {
@@ -43,7 +66,7 @@ void QtWorkspace::openAccountSettings() {
                                              Command{"systemsettings", {QStringLiteral("kcm_kaccounts")}},
                                              Command{"systemsettings5", {QStringLiteral("kcm_kaccounts")}},
                                              Command{"gnome-calendar", {}}, Command{"evolution", {}}}) {
-        if (QProcess::startDetached(QString::fromLatin1(program), arguments)) return;
+        if (start(QString::fromLatin1(program), arguments)) return;
     }
 }
 

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "linux/system/OwnEnvironment.h"
+
 namespace sunpane {
 namespace {
 
@@ -21,13 +23,15 @@ bool hasUsableRenderNode() {
 }  // namespace
 
 void choosePlatform() {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsSet("DISPLAY")) return;
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    if (qEnvironmentVariableIsSet("DISPLAY")) setOwnVariable("QT_QPA_PLATFORM", "xcb");
 }
 
 void chooseRenderer() {
-    if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || hasUsableRenderNode()) return;
-    qputenv("QT_QUICK_BACKEND", "software");
+    if (!hasUsableRenderNode()) setOwnVariable("QT_QUICK_BACKEND", "software");
+}
+
+void interpretScripts() {
+    setOwnVariable("QV4_FORCE_INTERPRETER", "1");
 }
 
 }  // namespace sunpane

@@ -10,4 +10,8 @@ void choosePlatform();
 /// node that this user may use, in software otherwise. `QT_QUICK_BACKEND`, when set, has the last word.
 void chooseRenderer();
 
+/// Has the views' scripts interpreted, before the application object is made: they are short, and compiled at run time
+/// they would take more memory than they save time.
+void interpretScripts();
+
 }  // namespace sunpane

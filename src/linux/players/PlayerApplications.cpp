@@ -9,6 +9,7 @@
 #include <string>
 
 #include "linux/players/DevToolsEndpoint.h"
+#include "linux/system/OwnEnvironment.h"
 
 namespace sunpane {
 namespace {
@@ -26,10 +27,11 @@ void start(std::string program) {
     if (posix_spawn_file_actions_init(&actions) != 0) return;
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    const auto environment = environmentForOthers();
     pid_t child = 0;
     // The child only starts the program, so that whoever takes in orphans waits for that, and we wait for next to
     // nothing.
-    if (posix_spawnp(&child, detacher.c_str(), &actions, nullptr, arguments.data(), environ) == 0) {
+    if (posix_spawnp(&child, detacher.c_str(), &actions, nullptr, arguments.data(), environment.data()) == 0) {
         waitpid(child, nullptr, 0);
     }
     posix_spawn_file_actions_destroy(&actions);

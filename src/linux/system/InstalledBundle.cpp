@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "linux/system/OwnBundle.h"
+#include "linux/system/OwnEnvironment.h"
 
 namespace sunpane {
 namespace {
@@ -80,7 +81,7 @@ void InstalledBundle::openInstalled() {
     pid_t started = 0;
     std::string argument = program;
     char* arguments[] = {argument.data(), nullptr};
-    posix_spawn(&started, program.c_str(), nullptr, &attributes, arguments, environ);
+    posix_spawn(&started, program.c_str(), nullptr, &attributes, arguments, environmentForOthers().data());
     posix_spawnattr_destroy(&attributes);
 }
 
