@@ -13,6 +13,8 @@
 #include "base/AppIdentity.h"
 #include "base/Text.h"
 #include "cli/TerminalText.h"
+#include "notch/PinnedSpace.h"
+#include "platform/Screens.h"
 
 namespace sunpane::cli {
 namespace {
@@ -123,9 +125,9 @@ int readOne(const std::string& key, bool asJson, Environment& environment) {
     return success;
 }
 
-// Settings that the program only reads when it starts.
-constexpr std::array<std::string_view, 5> startKeys{"calendarAccess", "notchHeight", "notchScreen", "notchWidth",
-                                                    "pinnedSpaceLevel"};
+// Settings that the program reads when it builds the panel, which for certain is only when it starts.
+constexpr std::array<std::string_view, 4> startKeys{housingKey::height, housingKey::screen, housingKey::width,
+                                                    PinnedSpace::levelKey};
 
 int keep(bool isKept, const std::string& key, Environment& environment) {
     if (!isKept) {

@@ -9,6 +9,13 @@
 
 namespace sunpane {
 
+/// The settings that tell of a camera housing: how far it reaches down and its width (points), and its output's name.
+namespace housingKey {
+inline constexpr const char* height = "notchHeight";
+inline constexpr const char* width = "notchWidth";
+inline constexpr const char* screen = "notchScreen";
+}  // namespace housingKey
+
 /// One screen of the desktop, in points.
 struct Screen {
     Rect frame;

@@ -43,14 +43,14 @@ Subscription QtScreens::onChange(std::function<void()> handler) {
 
 Screen QtScreens::describe(const QScreen& screen) const {
     Screen result{coordinates::toScreenPoints(screen.geometry()), 0, {}, {}};
-    const double height = defaults_.read<double>("notchHeight").valueOr(0);
+    const double height = defaults_.read<double>(housingKey::height).valueOr(0);
     if (height <= 0) return result;
-    const auto output = defaults_.read<std::string>("notchScreen").value;
+    const auto output = defaults_.read<std::string>(housingKey::screen).value;
     const bool hasNotch = output ? screen.name().toStdString() == *output : &screen == QGuiApplication::primaryScreen();
     if (!hasNotch) return result;
 
     result.safeAreaTop = height;
-    if (const double width = defaults_.read<double>("notchWidth").valueOr(0); width > 0) {
+    if (const double width = defaults_.read<double>(housingKey::width).valueOr(0); width > 0) {
         const Rect& frame = result.frame;
         const double side = (frame.width - width) / 2;
         result.auxiliaryTopLeft = Rect{frame.minX(), frame.maxY() - height, side, height};

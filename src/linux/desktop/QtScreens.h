@@ -10,8 +10,7 @@
 namespace sunpane {
 
 /// The screens that XRandR reports, through Qt. No system tells where a camera housing is, so a laptop that has one
-/// names it in the settings: `notchHeight` and `notchWidth` (points) on the primary screen, or on the output that
-/// `notchScreen` names ("eDP-1").
+/// names it in the settings (`housingKey`): on the primary screen, or on the output that they name ("eDP-1").
 class QtScreens : public QObject, public Screens {
     Q_OBJECT
 
