@@ -3,6 +3,7 @@ and the way into it."""
 
 import json
 import os
+import pathlib
 import time
 import unittest
 
@@ -85,6 +86,21 @@ class Calendar(unittest.TestCase):
         self.open_panel()
         d.wait_for(self.has_strip, "the next meeting")
         self.assertIsNone(self.prompt())
+
+    def test_the_program_outlives_the_session_bus(self):
+        d = self.start("fullAccess")
+        d.start_program()
+
+        def speaks_to_the_server():
+            threads = pathlib.Path("/proc/%d/task" % d.program.pid)
+            return any(each.read_text() == "gdbus\n" for each in threads.glob("*/comm"))
+
+        d.wait_for(speaks_to_the_server, "the desktop's calendars to be asked")
+        time.sleep(1)
+        d.bus.terminate()
+        d.bus.wait(5)
+        time.sleep(1)
+        self.assertIsNone(d.program.poll())
 
     def test_a_refusal_is_kept_too(self):
         d = self.start(None)

@@ -115,8 +115,8 @@ class Desktop:
             self.environment["DISPLAY"] = ":" + display.readline().strip()
 
     def _start_bus(self):
-        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE)
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
+        self.bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus.stdout.readline().decode().strip()
 
     def start(self, *command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)

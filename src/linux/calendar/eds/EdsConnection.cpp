@@ -46,6 +46,12 @@ EdsConnection::~EdsConnection() {
 
 bool EdsConnection::openRegistry() {
     if (registry_) return true;
+    // The connection that all of the client library shares, as long as the registry holds it. It would end the process
+    // when the bus goes.
+    const GObjectPointer<GDBusConnection> bus(
+        g_bus_get_sync(G_BUS_TYPE_SESSION, watchdog_.begin(registryLimit), nullptr));
+    if (!bus) return false;
+    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     registry_.reset(e_source_registry_new_sync(watchdog_.begin(registryLimit), nullptr));
     if (!registry_) return false;
     for (const char* signal : {"source-added", "source-removed", "source-changed", "source-enabled", "source-disabled",
