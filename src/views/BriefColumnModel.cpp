@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/briefing/BriefingLimits.h"
 #include "views/BriefSelection.h"
 #include "views/InlineMarkdown.h"
 #include "views/MeetingText.h"
@@ -32,7 +33,7 @@ BriefColumnModel::NextRow BriefColumnModel::makeRow(const BriefingSection& secti
         brief_selection::visibleItems(section, [&](std::string_view key) { return context.flags.isHidden(key); });
     NextRow row;
     row.header = {section.id, section.title, section.intro, static_cast<int>(shown.size()), recap};
-    const std::size_t count = std::min(shown.size(), maximumItems);
+    const std::size_t count = std::min(shown.size(), briefing::maximumShownCards);
     row.cards.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         row.cards.push_back(makeCard(shown[i], context));
@@ -88,7 +89,7 @@ void BriefColumnModel::show(const BriefingSection* recap, const std::vector<Brie
         // Its title stands above the column, so nothing would be left in its box.
         if (!row.cards.empty() || !row.header.intro.empty()) next.push_back(std::move(row));
     }
-    const std::size_t shown = std::min(sections.size(), maximumSections);
+    const std::size_t shown = std::min(sections.size(), briefing::maximumShownSections);
     for (std::size_t i = 0; i < shown; ++i)
         next.push_back(makeRow(sections[i], false, context));
     const auto leftOut = static_cast<int>(sections.size() - shown);

@@ -23,10 +23,6 @@ class BriefColumnModel : public QAbstractListModel {
     Q_PROPERTY(int leftOut READ leftOut NOTIFY leftOutChanged)
 
 public:
-    /// What a person can use of one briefing; the rest is announced, not drawn.
-    static constexpr std::size_t maximumSections = 100;
-    static constexpr std::size_t maximumItems = 200;
-
     enum Role {
         sectionIdRole = Qt::UserRole + 1,
         titleRole,
@@ -41,8 +37,8 @@ public:
 
     explicit BriefColumnModel(QObject* parent = nullptr);
 
-    /// `recap` may be null; `sections` are those to show, of which the first `maximumSections` are. Hidden cards are
-    /// left out. Meetings are judged by the clock's time.
+    /// `recap` may be null; `sections` are those to show, of which the first `briefing::maximumShownSections` are.
+    /// Hidden cards are left out. Meetings are judged by the clock's time.
     void show(const BriefingSection* recap, const std::vector<BriefingSection>& sections, const ItemFlagStore& flags,
               const Clock& clock);
 

@@ -6,13 +6,13 @@
 #include <iterator>
 
 #include "base/Text.h"
+#include "core/briefing/BriefingParser.h"
 #include "core/stores/ItemFlagStore.h"
 
 namespace sunpane::brief_selection {
 
 bool isRecap(const BriefingSection& section) {
-    return text::hasPrefix(section.title, "🌙") || text::containsIgnoringCase(section.title, "recap") ||
-           text::containsIgnoringCase(section.title, "eod");
+    return briefing::isRecapTitle(section.title);
 }
 
 const BriefingSection* recapSection(const std::vector<BriefingSection>& sections) {

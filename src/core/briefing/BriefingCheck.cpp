@@ -10,6 +10,7 @@
 
 #include "base/Text.h"
 #include "core/briefing/BriefingFile.h"
+#include "core/briefing/BriefingLimits.h"
 #include "core/briefing/BriefingParser.h"
 
 namespace sunpane::briefing {
@@ -160,12 +161,21 @@ private:
         closeSection();
         heading_ = line_;
         holdsActionItems_ = isActionItemsTitle(title);
+        isRecap_ = !hasRecap_ && !holdsActionItems_ && isRecapTitle(title);
         isEmpty_ = true;
+        cards_ = 0;
     }
 
     void closeSection() {
         closeCard();
-        if (heading_ && isEmpty_) findings_.push_back({*heading_, "an empty section is not shown; leave it out"});
+        if (isEmpty_) {
+            if (heading_) findings_.push_back({*heading_, "an empty section is not shown; leave it out"});
+            return;
+        }
+        hasRecap_ = hasRecap_ || isRecap_;
+        if (holdsActionItems_ || isRecap_ || ++sections_ != maximumShownSections + 1) return;
+        findings_.push_back({*heading_, "more than " + std::to_string(maximumShownSections) +
+                                            " sections; from here on they are not shown"});
     }
 
     void takeContent(std::string_view line, std::string_view trimmed) {
@@ -272,6 +282,10 @@ private:
         }
         if (isIndented && card_) note("an indented bullet is a card of its own, not a part of the one above");
         closeCard();
+        if (++cards_ == maximumShownCards + 1) {
+            note("more than " + std::to_string(maximumShownCards) +
+                 " cards in a section; from here on they are not shown");
+        }
         card_ = Card{line_, std::string(text)};
     }
 
@@ -310,7 +324,12 @@ private:
     // The section that is open: its heading's line, unless it is the text before the first heading.
     std::optional<std::size_t> heading_;
     bool holdsActionItems_ = false;
+    bool isRecap_ = false;
     bool isEmpty_ = true;
+    std::size_t cards_ = 0;
+    // Of those before it.
+    bool hasRecap_ = false;
+    std::size_t sections_ = 0;
     std::optional<Card> card_;
     // Where each card and action item was seen first.
     std::map<std::string, std::size_t> cardLines_;

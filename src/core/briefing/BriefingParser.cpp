@@ -258,6 +258,11 @@ bool isRule(std::string_view trimmedLine) {
     return trimmedLine == "---";
 }
 
+bool isRecapTitle(std::string_view title) {
+    return text::hasPrefix(title, "🌙") || text::containsIgnoringCase(title, "recap") ||
+           text::containsIgnoringCase(title, "eod");
+}
+
 bool isActionItemsTitle(std::string_view title) {
     // No other letters fold to this much of the words, so most titles need no folding.
     if (containsIgnoringAsciiCase(title, "action item") && text::containsIgnoringCase(title, "action items"))

@@ -45,6 +45,9 @@ std::optional<BriefingActionItem> actionItem(std::string_view line);
 /// Whether a section of this title holds action items, which are not shown as cards.
 bool isActionItemsTitle(std::string_view title);
 
+/// Whether a section of this title looks back on the day; the first one of a briefing stands above the others.
+bool isRecapTitle(std::string_view title);
+
 }  // namespace sunpane::briefing
 
 namespace sunpane {

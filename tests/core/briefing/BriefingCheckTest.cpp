@@ -78,6 +78,21 @@ TEST(BriefingCheck, FindsWhatWillNotShowAsMeant) {
     }
 }
 
+TEST(BriefingCheck, SaysWhatIsBeyondWhatThePanelShows) {
+    std::string sections = "# T\n### Recap\nx\n### Action Items\n- [ ] y\n";
+    for (int i = 0; i < 100; ++i)
+        sections += "### Section\ntext\n";
+    EXPECT_THAT(findings("2026-11-16.md", sections), IsEmpty());
+    EXPECT_THAT(findings("2026-11-16.md", sections + "### One more\nx\n### And another\nx"),
+                ElementsAre("206 more than 100 sections; from here on they are not shown"));
+    std::string cards = "# T\n### A\n";
+    for (int i = 0; i < 200; ++i)
+        cards += "- card " + std::to_string(i) + "\n";
+    EXPECT_THAT(findings("2026-11-16.md", cards + "### B\n- x"), IsEmpty());
+    EXPECT_THAT(findings("2026-11-16.md", cards + "- one more\n- and another"),
+                ElementsAre("203 more than 200 cards in a section; from here on they are not shown"));
+}
+
 TEST(BriefingCheck, LooksAtTitleNameAndEncoding) {
     EXPECT_THAT(findings("2026-11-16.md", ""), ElementsAre("1 the file is empty"));
     EXPECT_THAT(findings("2026-11-16.md", "\n\ntext"),
