@@ -70,28 +70,34 @@ StoreChangeAnswer ChangeRequests::changeFlag(const StoreChange& change) {
 
 void ChangeRequests::answerWhenWritten(const StoreChange& change, const StoreChangeAnswer& answer,
                                        StoreRequests::Reply reply) {
+    // Only the files that hold the change count: what is wrong with another one is not this request's business. A
+    // todo's star may have flagged a card.
+    const bool isTodo = change.subject == StoreChange::Subject::todo;
+    const bool mayFlag = !isTodo || change.verb == "prio" || change.verb == "unprio";
     const auto entry = std::make_shared<Waiting>(Waiting{std::move(reply), answer, {}, {}, {}});
     const std::weak_ptr<Waiting> weak = entry;
     waiting_.push_back(entry);
-    entry->patience = with_.runLoop.after(patience, [this, weak] { finish(weak, Outcome::kept); });
+    const auto giveUp = [this, weak, isTodo, mayFlag] {
+        const bool isSafe =
+            (!isTodo || with_.viewModel.todoStore().isSafe()) && (!mayFlag || with_.viewModel.flagStore().isSafe());
+        finish(weak, isSafe ? Outcome::kept : Outcome::unsaved);
+    };
+    entry->patience = with_.runLoop.after(patience, giveUp);
     const auto waitForFlags = [this, weak] {
         const auto waiting = weak.lock();
         if (!waiting) return;
         waiting->flagsWritten =
             with_.viewModel.flagStore().whenWritten([this, weak] { finish(weak, Outcome::written); });
     };
-    // Only for the files that hold the change: what is wrong with another one is not this request's business.
-    if (change.subject == StoreChange::Subject::flag) {
-        waitForFlags();
-    } else {
-        // A todo's star may have flagged a card.
-        const bool mayFlag = change.verb == "prio" || change.verb == "unprio";
+    if (isTodo) {
         entry->todosWritten = with_.viewModel.todoStore().whenWritten([this, weak, mayFlag, waitForFlags] {
             if (mayFlag) return waitForFlags();
             finish(weak, Outcome::written);
         });
+    } else {
+        waitForFlags();
     }
-    if (waiting_.size() > maximumWaiting) finish(weak, Outcome::kept);
+    if (waiting_.size() > maximumWaiting) giveUp();
 }
 
 void ChangeRequests::finish(const std::weak_ptr<Waiting>& waiting, StoreChangeAnswer::Outcome outcome) {

@@ -29,6 +29,8 @@ enum ExitCode : int {
     negative = 1,
     /// Wrong usage, or what was named cannot be read.
     failure = 2,
+    /// A change is neither in the files nor kept for later.
+    unsaved = 3,
 };
 
 /// What ends a command that runs until it is told to stop.

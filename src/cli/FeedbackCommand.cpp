@@ -12,7 +12,7 @@ int runFeedback(Arguments arguments, Environment& environment) {
     if (!parsed->words.empty()) return usageError(feedbackCommand, "it takes no other words", environment);
     StoreSession session(environment, parsed->folder);
     session.flags().writeFeedback();
-    if (!session.finish()) return failure;
+    if (const ExitCode code = session.finish(); code != success) return code;
     environment.out << session.feedback();
     return success;
 }

@@ -50,7 +50,7 @@ int runFlags(Arguments arguments, Environment& environment) {
     if (lists && !parsed->asJson) print(store, environment);
     if (lists) return success;
     store.setPrio(words[1], text, flags);
-    return session.finish() ? success : failure;
+    return session.finish();
 }
 
 }  // namespace sunpane::cli

@@ -10,9 +10,14 @@
 namespace sunpane::cli {
 namespace {
 
-void tellUnwritten(const std::string& folder, Environment& environment) {
-    environment.err << "dawnlyctl: " << escapedName(folder)
-                    << " cannot be written now; the change is kept and will be written later\n";
+ExitCode tellUnwritten(const std::string& folder, ExitCode code, const std::string& consequence,
+                       Environment& environment) {
+    environment.err << "dawnlyctl: " << escapedName(folder) << " cannot be written now; " << consequence << '\n';
+    return code;
+}
+
+ExitCode tellKept(const std::string& folder, Environment& environment) {
+    return tellUnwritten(folder, failure, "the change is kept and will be written later", environment);
 }
 
 }  // namespace
@@ -49,16 +54,19 @@ ItemFlagStore& StoreSession::flags() {
     return *flags_;
 }
 
-bool StoreSession::finish() {
+ExitCode StoreSession::finish() {
     const auto unwritten = [this] { return (todos_ && todos_->hasUnwritten()) || (flags_ && flags_->hasUnwritten()); };
     files_->drain();
     for (int round = 0; round < maximumRounds && unwritten(); ++round) {
         loop_.runPosted();
         files_->drain();
     }
-    if (!unwritten()) return true;
-    tellUnwritten(folder_, environment_);
-    return false;
+    if (!unwritten()) return success;
+    const bool isSafe = (!todos_ || todos_->isSafe()) && (!flags_ || flags_->isSafe());
+    if (isSafe) return tellKept(folder_, environment_);
+    const std::string consequence =
+        "neither can " + escapedName(environment_.stateFolder) + ", which would keep the change: it is lost";
+    return tellUnwritten(folder_, unsaved, consequence, environment_);
 }
 
 std::string StoreSession::feedback() const {
@@ -78,15 +86,16 @@ std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& c
                         << ": dawnly runs but does not answer; the change is made without it\n";
     }
     using Outcome = StoreChangeAnswer::Outcome;
+    const Outcome outcome = reply.answer.outcome;
     const bool isTaken = reply.reach == ProgramAnswer::Reach::answered &&
-                         (reply.answer.outcome == Outcome::written || reply.answer.outcome == Outcome::kept);
+                         (outcome == Outcome::written || outcome == Outcome::kept || outcome == Outcome::unsaved);
     return isTaken ? std::optional(reply.answer) : std::nullopt;
 }
 
-int exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
+ExitCode exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
     if (answer.outcome == StoreChangeAnswer::Outcome::written) return success;
-    tellUnwritten(folder, environment);
-    return failure;
+    if (answer.outcome == StoreChangeAnswer::Outcome::kept) return tellKept(folder, environment);
+    return tellUnwritten(folder, unsaved, "the change is in dawnly's memory only, until there is room", environment);
 }
 
 std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,

@@ -15,7 +15,7 @@
 
 namespace sunpane::cli {
 
-/// The stores of one folder for the time of one command. What it changes is in the files when `finish` returns true.
+/// The stores of one folder for the time of one command. What it changes is in the files when `finish` succeeds.
 class StoreSession {
 public:
     /// How often a change is merged with another program's before it is left to the next start.
@@ -29,9 +29,9 @@ public:
     /// The same. What the running program last told the agent about untouched cards and reminders stays told.
     ItemFlagStore& flags();
 
-    /// Waits until everything is written. False, with a line on `err`, when something could not be; it is kept and
-    /// written by the next program that uses the folder.
-    bool finish();
+    /// Waits until everything is written. Otherwise tells on `err` that it is kept, and written by the next program
+    /// that uses the folder (`failure`), or that there is no room to keep it and it is lost (`unsaved`).
+    ExitCode finish();
 
     std::string feedback() const;
 
@@ -48,12 +48,12 @@ private:
 inline constexpr Seconds programPatience = 5;
 
 /// Asks the running program for a change, in whose folder any path may stand and whose time is set here. Its answer, if
-/// it took the change: `written` or `kept`. Absent when the command has to make the change itself, which does no harm
-/// where the program made it after all.
+/// it took the change: `written`, `kept` or `unsaved`. Absent when the command has to make the change itself, which
+/// does no harm where the program made it after all.
 std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& command, Environment& environment);
 
 /// How a command ends after the program took its change.
-int exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment);
+ExitCode exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment);
 
 /// The words behind a command's name, with its options taken out.
 struct StoreArguments {

@@ -14,10 +14,12 @@
 namespace sunpane::cli {
 namespace {
 
-void print(std::size_t index, const Todo& todo, Environment& environment) {
+// `number` is its place in the list, from 1; 0 where the list does not have it yet.
+void print(std::size_t number, const Todo& todo, Environment& environment) {
     std::ostream& out = environment.out;
     const std::string text = printable(todo.text);
-    out << index + 1 << (todo.done ? " [x] " : " [ ] ") << (todo.isPrio() ? "! " : "")
+    if (number > 0) out << number << ' ';
+    out << (todo.done ? "[x] " : "[ ] ") << (todo.isPrio() ? "! " : "")
         << bold(text, environment.outIsTerminal && todo.isPrio() && !todo.done);
     if (todo.tag) out << " (" << printable(*todo.tag) << ')';
     if (todo.remindAt) {
@@ -32,7 +34,7 @@ void list(const TodoStore& store, bool asJson, Environment& environment) {
     const auto& todos = store.todos();
     if (!asJson) {
         for (std::size_t i = 0; i < todos.size(); ++i)
-            print(i, todos[i], environment);
+            print(i + 1, todos[i], environment);
         return;
     }
     environment.out << '[';
@@ -61,8 +63,10 @@ int noSuchTodo(const std::string& number, Environment& environment) {
 
 int showAnswer(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
     const auto shown = decodeTodos(R"({"lastImportDay":"","todos":[)" + answer.todo + "]}");
+    // The program counts in its list, every other command in the file's.
+    const bool isInFile = answer.outcome == StoreChangeAnswer::Outcome::written;
     if (shown && answer.number > 0 && !shown->todos.empty()) {
-        print(answer.number - 1, shown->todos[0], environment);
+        print(isInFile ? answer.number : 0, shown->todos[0], environment);
     }
     return exitCodeOf(answer, folder, environment);
 }
@@ -73,8 +77,10 @@ int makeChange(const Change& change, StoreSession& session, const std::string& n
     NotchUndo undo;
     const auto outcome = todo_actions::perform(store, change.verb, change.id, change.text, undo);
     if (outcome == todo_actions::Outcome::noSuchTodo) return noSuchTodo(number, environment);
-    if (const auto place = store.indexOf(change.id)) print(*place, store.todos()[*place], environment);
-    return session.finish() ? success : failure;
+    const ExitCode code = session.finish();
+    const auto place = store.indexOf(change.id);
+    if (place && code != unsaved) print(code == success ? *place + 1 : 0, store.todos()[*place], environment);
+    return code;
 }
 
 bool isBlank(const std::string& text) {
@@ -104,7 +110,7 @@ int runTodo(Arguments arguments, Environment& environment) {
     StoreSession session(environment, parsed->folder);
     if (verb == "list") {
         list(session.todos(), parsed->asJson, environment);
-        return session.finish() ? success : failure;
+        return session.finish();
     }
     Change change{verb, Uuid::random(), text};
     if (takesNumber) {

@@ -67,7 +67,8 @@ public:
 
     /// Writes the bytes over the beginning of the file, which is created, or made longer, to hold at least
     /// `minimumSize` bytes. Cut off, it leaves a mix of old and new bytes. Where nothing has to be made longer this is
-    /// quick even while the disk is busy, which no other writing operation is.
+    /// quick even while the disk is busy, which no other writing operation is. Where there is no room for a new file
+    /// none is left behind.
     virtual bool overwrite(const std::string& path, std::string_view bytes, std::size_t minimumSize) = 0;
 
     /// The first `count` bytes of a regular file, fewer when it is shorter or cannot be read.

@@ -36,6 +36,10 @@ struct StoreChangeAnswer {
         written,
         /// The program has it and keeps it in its journal; the files cannot be written now.
         kept,
+        /// Neither the files nor the journal can be written now: the change is only in the program's memory, which
+        /// writes
+        /// it as soon as there is room.
+        unsaved,
         /// No todo has that id.
         noSuchTodo,
         /// The program shows another folder.
@@ -46,7 +50,8 @@ struct StoreChangeAnswer {
         invalid,
     };
     Outcome outcome = Outcome::invalid;
-    /// Where the todo is in the list, from 1, and the todo as `todos.json` has it; 0 and empty when it is not there.
+    /// Where the todo is in the program's list, from 1, and the todo as `todos.json` has it; 0 and empty when it is not
+    /// there.
     std::size_t number = 0;
     std::string todo;
 
@@ -54,7 +59,7 @@ struct StoreChangeAnswer {
 };
 
 /// The outcomes' names on the bus, in their order.
-inline constexpr std::array<std::string_view, 6> storeChangeOutcomes{"written",     "kept", "noSuchTodo",
+inline constexpr std::array<std::string_view, 7> storeChangeOutcomes{"written",     "kept", "unsaved", "noSuchTodo",
                                                                      "otherFolder", "late", "invalid"};
 
 /// Takes other programs' requests for changes. Main thread only.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -150,6 +151,17 @@ TEST_F(ChangeRequestsTest, WaitsForTheFilesThatHoldTheChangeAndNoOthers) {
         ASSERT_EQ(answers.size(), 1U);
         EXPECT_EQ(answers[0].outcome, c.outcome);
     }
+}
+
+TEST_F(ChangeRequestsTest, SaysWhenOnlyItsMemoryHasTheChangeAndWritesItOnceThereIsRoom) {
+    files.freeBytes = 0;
+    ask(change("add", Uuid::random(), "No room"));
+    platform.time.advance(ChangeRequests::patience + 0.1);
+    ASSERT_EQ(answers.size(), 1U);
+    EXPECT_EQ(answers[0].outcome, Outcome::unsaved);
+    files.freeBytes = std::numeric_limits<std::size_t>::max();
+    platform.time.advance(StoreFile::retryInterval + 0.1);
+    EXPECT_NE(todosFile().find("No room"), std::string::npos);
 }
 
 TEST_F(ChangeRequestsTest, RefusesWhatIsNotItsBusiness) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -75,6 +76,12 @@ TEST_F(StoreCommandTest, TheRunningProgramIsAskedFirstAndOnlyItsYesCounts) {
     EXPECT_EQ(asked.back().folder, disk.canonicalPath("/home/./briefings"));
     EXPECT_EQ(asked.back().text, "sec\uFFFD ond");
     EXPECT_GT(asked.back().expires, platform.clock.now());
+    answer.answer.outcome = Outcome::kept;
+    EXPECT_EQ(run({"todo", "add", "second"}), failure);
+    EXPECT_EQ(out.str(), "[ ] second\n") << "the file's list has another fourth";
+    answer.answer = {Outcome::unsaved, 0, ""};
+    EXPECT_EQ(run({"todo", "delete", "1"}), unsaved);
+    EXPECT_THAT(err.str(), HasSubstr("memory"));
     answer.answer = {Outcome::kept, 0, ""};
     EXPECT_EQ(run({"todo", "delete", "1"}), failure);
     EXPECT_EQ(asked.back().id, first.id.toString());
@@ -192,6 +199,18 @@ TEST_F(StoreCommandTest, SaysWhenAChangeCouldNotBeWrittenAndKeepsIt) {
     disk.readOnlyFolders.clear();
     EXPECT_EQ(run({"todo", "list"}), success);
     EXPECT_EQ(out.str(), "1 [ ] later\n");
+}
+
+TEST_F(StoreCommandTest, DoesNotClaimToKeepWhatAFullDiskCannotTake) {
+    disk.createFolders("/home/briefings");
+    disk.freeBytes = 0;
+    EXPECT_EQ(run({"todo", "add", "gone"}), unsaved);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_THAT(err.str(), HasSubstr("lost"));
+    EXPECT_THAT(disk.filesIn("/home/state"), ::testing::IsEmpty());
+    disk.freeBytes = std::numeric_limits<std::size_t>::max();
+    EXPECT_EQ(run({"todo", "list"}), success);
+    EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace

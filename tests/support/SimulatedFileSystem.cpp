@@ -61,7 +61,10 @@ bool SimulatedFileSystem::overwrite(const std::string& path, std::string_view by
     if (isNew) file.identity = nextIdentity_++;
     const std::size_t size = std::max({minimumSize, bytes.size(), file.bytes.size()});
     const std::size_t growth = size - file.bytes.size();
-    if (growth > freeBytes) return false;
+    if (growth > freeBytes) {
+        if (isNew) files_.erase(place);
+        return false;
+    }
     if (freeBytes != std::numeric_limits<std::size_t>::max()) freeBytes -= growth;
     file.bytes.resize(size, '\0');
     file.modified = nextTime();

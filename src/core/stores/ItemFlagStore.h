@@ -65,6 +65,8 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the files yet.
     bool hasUnwritten() const { return file_.hasUnwritten() || feedbackFile_.hasUnwritten(); }
+    /// Whether all flags outlive this process, being in the file or in a journal.
+    bool isSafe() const { return file_.isSafe(); }
     /// Runs `then` once all changes made so far are in `itemflags.json`, perhaps at once; not at all when the store or
     /// the handle goes first. The feedback follows from that file, so nobody has to wait for it.
     [[nodiscard]] Subscription whenWritten(std::function<void()> then) { return file_.whenWritten(std::move(then)); }

@@ -122,4 +122,8 @@ bool StoreFile::hasUnwritten() const {
     return writer_->view().unwritten;
 }
 
+bool StoreFile::isSafe() const {
+    return writer_->view().isSafe;
+}
+
 }  // namespace sunpane

@@ -88,6 +88,9 @@ public:
     /// Whether something handed over is not in the file yet.
     bool hasUnwritten() const;
 
+    /// Whether everything handed over outlives this process, being in the file or in a journal.
+    bool isSafe() const;
+
     /// Runs `then` on the main thread once all that was handed over so far is in the file, at once when it is there
     /// already, and not at all when this object or the handle goes first.
     [[nodiscard]] Subscription whenWritten(std::function<void()> then);

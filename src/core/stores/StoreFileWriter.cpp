@@ -55,7 +55,8 @@ void StoreFileWriter::adopt(Content content, const FileStamp& stamp) {
 
 StoreFileWriter::View StoreFileWriter::view() const {
     const std::lock_guard lock(mutex_);
-    return {next_ || current_, onDisk_, current_, stamp_, adoptions_};
+    const Content& latest = next_ ? next_ : current_;
+    return {latest != nullptr, !latest || latest == journaled_, onDisk_, current_, stamp_, adoptions_};
 }
 
 StoreFileWriter::Content StoreFileWriter::settleAtStart() {
@@ -69,6 +70,7 @@ StoreFileWriter::Content StoreFileWriter::settleAtStart() {
     if (journal_) journal_->note(content, base);
     const std::lock_guard guard(mutex_);
     current_ = content;
+    journaled_ = content;
     onDisk_ = base;
     queue_.post([self = shared_from_this()] { self->retryLater(); });
     return content;
@@ -86,6 +88,7 @@ StoreFileWriter::Content StoreFileWriter::recoverTruncated(const std::string& re
     stamp_ = disk_.stamp(path_);
     if (!rewritten) {
         current_ = content;
+        journaled_ = content;
         queue_.post([self = shared_from_this()] { self->retryLater(); });
     }
     return content;
@@ -127,7 +130,7 @@ void StoreFileWriter::begin() {
     if (!takeNext()) return;
     isWriting_ = true;
     if (!journal_) claimJournal();
-    isJournaled_ = journal_ && journal_->note(written_, base_);
+    isJournaled_ = note(written_, base_);
     journalPath_ = isJournaled_ ? journal_->notedPath() : "";
     isNextNoted_ = false;
     postToSyncQueue(&StoreFileWriter::write);
@@ -149,7 +152,14 @@ void StoreFileWriter::noteAhead() {
         const std::lock_guard guard(mutex_);
         waiting = next_;
     }
-    isNextNoted_ = waiting && journal_ && journal_->note(waiting, isJournaled_ ? written_ : base_);
+    isNextNoted_ = waiting && note(waiting, isJournaled_ ? written_ : base_);
+}
+
+bool StoreFileWriter::note(const Content& content, const Content& base) {
+    if (!journal_ || !journal_->note(content, base)) return false;
+    const std::lock_guard guard(mutex_);
+    journaled_ = content;
+    return true;
 }
 
 void StoreFileWriter::write() {

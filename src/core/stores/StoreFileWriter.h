@@ -52,6 +52,8 @@ public:
 
     struct View {
         bool unwritten = false;
+        /// Whether the latest content is in the file or in a journal.
+        bool isSafe = true;
         Content onDisk;
         Content writing;
         std::optional<FileStamp> stamp;
@@ -88,6 +90,7 @@ private:
 
     Outcome putContent();
     Outcome clearTheWay();
+    bool note(const Content& content, const Content& base);
     void noteRemnant();
     bool isOurs(const std::string& bytes) const;
     bool settle();
@@ -110,6 +113,8 @@ private:
     mutable std::mutex mutex_;
     Content next_;
     Content current_;
+    // The latest content that a journal holds.
+    Content journaled_;
     std::vector<std::function<void()>> nextCompletions_;
     bool scheduled_ = false;
     Content onDisk_;

@@ -46,6 +46,8 @@ public:
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the file yet.
     bool hasUnwritten() const { return file_.hasUnwritten(); }
+    /// Whether all changes outlive this process, being in the file or in a journal.
+    bool isSafe() const { return file_.isSafe(); }
     /// Runs `then` once all changes made so far are in the file, perhaps at once; not at all when the store or the
     /// handle goes first.
     [[nodiscard]] Subscription whenWritten(std::function<void()> then) { return file_.whenWritten(std::move(then)); }

@@ -156,8 +156,9 @@ bool PosixFileSystem::overwrite(const std::string& path, std::string_view bytes,
     struct stat status {};
     if (!isRegular(file, status)) return false;
     const auto size = static_cast<off_t>(std::max(minimumSize, bytes.size()));
-    if (status.st_size < size && posix_fallocate(file.get(), 0, size) != 0) return false;
-    return writeAll(file, bytes);
+    const bool fits = status.st_size >= size || posix_fallocate(file.get(), 0, size) == 0;
+    if (!fits && status.st_size == 0) unlink(path.c_str());
+    return fits && writeAll(file, bytes);
 }
 
 std::string PosixFileSystem::beginning(const std::string& path, std::size_t count) const {
