@@ -1,5 +1,7 @@
 #include "app/TodoActions.h"
 
+#include <unicode/uchar.h>
+
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -62,11 +64,31 @@ void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, Not
     if (before && textOf(id) != before) undo.push([&todos, id, text = *before] { todos.rename(id, text); });
 }
 
+std::string oneLine(std::string_view text) {
+    const std::string valid = text::toValidUtf8(text);
+    std::string line;
+    bool isVisible = false;
+    for (std::size_t position = 0; position < valid.size();) {
+        const std::size_t start = position;
+        const char32_t codePoint = text::nextCodePoint(valid, position);
+        const auto character = static_cast<UChar32>(codePoint);
+        isVisible = isVisible || (u_isgraph(character) != 0 &&
+                                  u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) == 0);
+        if (text::isNewline(codePoint)) {
+            if (!line.ends_with(' ')) line += ' ';
+        } else {
+            line.append(valid, start, position - start);
+        }
+    }
+    return isVisible ? line : "";
+}
+
 Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::string_view text, NotchUndo& undo) {
     const bool needsText = verb == "add" || verb == "rename";
-    if (needsText && text::trimWhitespaceAndNewlines(text::toValidUtf8(text)).empty()) return Outcome::invalid;
+    const std::string line = needsText ? oneLine(text) : "";
+    if (needsText && line.empty()) return Outcome::invalid;
     if (verb == "add") {
-        todos.add(text, id);
+        todos.add(line, id);
         return Outcome::done;
     }
     if (!todos.indexOf(id)) return Outcome::noSuchTodo;
@@ -75,7 +97,7 @@ Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::st
     } else if (verb == "prio" || verb == "unprio") {
         todos.setPrio(id, verb == "prio");
     } else if (verb == "rename") {
-        renameWithUndo(todos, id, text, undo);
+        renameWithUndo(todos, id, line, undo);
     } else if (verb == "delete") {
         removeWithUndo(todos, id, undo);
     } else {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "app/NotchUndo.h"
@@ -19,11 +20,16 @@ void removeWithUndo(TodoStore& todos, const Uuid& id, NotchUndo& undo);
 /// Renames, and lets `undo` bring the old text back. A text that is blank or the same changes nothing.
 void renameWithUndo(TodoStore& todos, const Uuid& id, std::string_view text, NotchUndo& undo);
 
+/// `text` as a todo that a command asks for: valid UTF-8 in one line, with a space where lines broke. Empty when
+/// nothing of it could be seen. Pure.
+std::string oneLine(std::string_view text);
+
 enum class Outcome { done, noSuchTodo, invalid };
 
 /// Does what a command asks for in words: to "add" a todo with this id, a new one, or to change the one that has it:
 /// "done", "open", "prio", "unprio", "rename", "delete". Doing the same twice is as good as once. `invalid` for another
-/// verb, or a blank text where one is needed. What the user could take back in the panel, `undo` can.
+/// verb, or a text without a visible character where one is needed; a text becomes one line. What the user could take
+/// back in the panel, `undo` can.
 Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::string_view text, NotchUndo& undo);
 
 /// Adds what was dropped on the list: a briefing card, as a JSON object that says so

@@ -83,10 +83,6 @@ int makeChange(const Change& change, StoreSession& session, const std::string& n
     return code;
 }
 
-bool isBlank(const std::string& text) {
-    return text::trimWhitespaceAndNewlines(text::toValidUtf8(text)).empty();
-}
-
 }  // namespace
 
 int runTodo(Arguments arguments, Environment& environment) {
@@ -105,7 +101,8 @@ int runTodo(Arguments arguments, Environment& environment) {
     if (words.size() < leading || (!takesText && words.size() > leading)) {
         return usageError(todoCommand, verb + " takes " + (takesNumber ? "a number" : "nothing more"), environment);
     }
-    if (takesText && isBlank(text)) return usageError(todoCommand, "a todo needs a text", environment);
+    if (takesText && todo_actions::oneLine(text).empty())
+        return usageError(todoCommand, "a todo needs a text", environment);
 
     StoreSession session(environment, parsed->folder);
     if (verb == "list") {

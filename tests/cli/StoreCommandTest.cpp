@@ -42,7 +42,9 @@ TEST_F(StoreCommandTest, EveryTodoCommandIsInTheFileWhenItEnds) {
     EXPECT_EQ(run({"todo", "add", "call\x1b[2J mum"}), success);
     EXPECT_EQ(out.str().find('\x1b'), std::string::npos);
     EXPECT_EQ(run({"todo", "prio", "2"}), success);
-    EXPECT_EQ(run({"todo", "rename", "1", "call", "dad"}), success);
+    EXPECT_EQ(run({"todo", "rename", "1", "call\r\n\u2028", "dad"}), success);
+    EXPECT_EQ(todos().todos[0].text, "call  dad");
+    EXPECT_EQ(run({"todo", "rename", "1", "call\ndad"}), success);
     EXPECT_EQ(out.str(), "1 [ ] ! call dad\n");
     EXPECT_EQ(run({"todo", "done", "1"}), success);
     EXPECT_EQ(run({"todo", "done", "2"}), success) << "done already";
@@ -176,6 +178,7 @@ TEST_F(StoreCommandTest, WrongUsageChangesNothing) {
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"todo"},
                                                                                        {"todo", "add"},
                                                                                        {"todo", "add", "  "},
+                                                                                       {"todo", "add", "\x1b\u200B\n"},
                                                                                        {"todo", "done"},
                                                                                        {"todo", "frob"},
                                                                                        {"todo", "done", "1", "2"},
