@@ -20,6 +20,9 @@ Rectangle {
         text: parent.text
         width: parent.width - 14
         wrapMode: Text.Wrap
+        // A todo may be longer than the screen is high; its beginning tells which it is.
+        maximumLineCount: 10
+        elide: Text.ElideRight
         textFormat: Text.PlainText
         color: Style.text
         font.family: Style.family
