@@ -7,9 +7,10 @@ import time
 import unittest
 import uuid
 
-from desktop import AWAY, Desktop
+from desktop import AWAY, COLUMNS_TOP, TODO_LEFT, Desktop
 
 TODAY = "# Today\n### Schedule\n- Alpha\n- Beta\n### Reading\n- Gamma\n"
+ROW = TODO_LEFT + 7, COLUMNS_TOP + 90  # where the first todo begins
 REFERENCE_DATE = 978307200  # the dates of the todo file count from here, in seconds since 1970
 
 
@@ -87,6 +88,24 @@ class Keyboard(unittest.TestCase):
         d.wait_for(lambda: any("remindAt" in todo for todo in self.desktop.read("todos.json")["todos"]), "the reminder", 3)
         self.press("r", "Escape")  # the menu alone
         self.assertTrue(d.report()["expanded"])
+
+    def test_the_ring_is_back_after_an_edit(self):
+        d = self.desktop
+
+        def ring():
+            """The left edge of the blue ring around the only todo, or nothing."""
+            screen = d.screenshot()
+            colours = {x: screen.at(x, ROW[1]) for x in range(ROW[0] - 8, ROW[0] + 8)}
+            return [x for x, (red, _, blue) in colours.items() if blue > 150 > 100 > red]
+
+        self.press("Down")
+        around = ring()
+        self.assertTrue(around)
+        for end in ("Return", "Escape", "Tab"):
+            self.press("Return")
+            self.assertNotEqual(ring(), around)
+            self.press(end)
+            self.assertEqual(ring(), around, end)
 
     def test_what_asks_the_user_keeps_the_keyboard(self):
         d = self.desktop

@@ -107,10 +107,11 @@ Item {
     function endEdit(commit, text) {
         if (!editing)
             return;
-        const hadFocus = editor.item.activeFocus;
+        // The loader is a focus scope, which would have the keyboard from now on, and the row no ring.
+        const hadFocus = editor.activeFocus;
         editing = false;
         if (hadFocus)
-            forceActiveFocus();
+            forceActiveFocus(Qt.OtherFocusReason);
         if (commit)
             presenter.rename(todoId, text);
     }
