@@ -6,7 +6,6 @@
 
 #include "app/TodoActions.h"
 #include "base/Dates.h"
-#include "base/Text.h"
 #include "base/Uuid.h"
 #include "cli/StoreSession.h"
 #include "cli/TerminalText.h"
