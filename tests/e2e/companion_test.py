@@ -138,7 +138,7 @@ class Companion(unittest.TestCase):
         path = os.path.join(d.briefings, "todos.json")
         os.rename(path, path + ".saved")
         os.mkdir(path)  # nobody can write a folder
-        self.assertEqual(self.companion("todo", "add", "Second", code=2), "2 [ ] Second\n")
+        self.assertEqual(self.companion("todo", "add", "Second", code=2), "[ ] Second\n")
         os.rmdir(path)
         os.rename(path + ".saved", path)
         program.kill()
