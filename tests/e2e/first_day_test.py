@@ -43,7 +43,8 @@ class FirstDay(unittest.TestCase):
 
     def await_file(self, name, key, expected, of=lambda value: value):
         def value():
-            return of(self.desktop.read(name).get(key))
+            found = self.desktop.read(name).get(key)
+            return None if found is None else of(found)
 
         try:
             self.desktop.wait_for(lambda: value() == expected, name, 5)
@@ -53,7 +54,7 @@ class FirstDay(unittest.TestCase):
     def await_todos(self, *texts):
         """The open todos in their order."""
         self.await_file("todos.json", "todos", list(texts),
-                        lambda todos: [todo["text"] for todo in todos or () if not todo["done"]])
+                        lambda todos: [todo["text"] for todo in todos if not todo["done"]])
 
     def await_setting(self, key, expected):
         self.desktop.wait_for(lambda: self.desktop.defaults().get(key) == expected, "%s to be %r" % (key, expected))
@@ -264,8 +265,8 @@ class FirstDay(unittest.TestCase):
         self.swipe(REVIEW, -90)
         self.await_file("feedback.json", "cleared", [REVIEW])
         self.await_file("feedback.json", "untouched", 3, len)
-        self.await_file("itemflags.json", "prio", [STAND_UP], lambda flags: list((flags or {}).values()))
-        self.await_file("itemflags.json", "cleared", [REVIEW], lambda flags: list((flags or {}).values()))
+        self.await_file("itemflags.json", "prio", [STAND_UP], lambda flags: list(flags.values()))
+        self.await_file("itemflags.json", "cleared", [REVIEW], lambda flags: list(flags.values()))
         d.wait_for(lambda: self.warmth(STAND_UP) > plain[0] + 20, "the priority's colour", 3)
         d.move(*REST)
         d.wait_for(lambda: self.contrast(*place) < 0.8 * plain[1], "the words of the cleared card to pale", 3)
