@@ -72,7 +72,7 @@ bool isInPath(const std::string& program) {
     const char* folders = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
     std::istringstream path(folders != nullptr ? folders : "");
     for (std::string folder; std::getline(path, folder, ':');) {
-        if (access((folder + "/" + program).c_str(), X_OK) == 0) return true;
+        if (access(folder.append("/").append(program).c_str(), X_OK) == 0) return true;
     }
     return false;
 }
