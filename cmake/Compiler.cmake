@@ -4,7 +4,7 @@ target_compile_options(sunpane_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
   -Wcast-align -Wimplicit-fallthrough -Werror)
 # Small code for the whole, because a folded panel must not take memory; fast code where it counts (sunpane_fast).
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG")
 target_compile_options(sunpane_flags INTERFACE $<$<CONFIG:Release>:-ffunction-sections -fdata-sections>)
 target_link_options(sunpane_flags INTERFACE $<$<CONFIG:Release>:-Wl,--gc-sections>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "dawnly/HeapMemory.h"
 #include "linux/desktop/X11Events.h"
 #include "linux/desktop/X11PanelWindow.h"
-#include "linux/system/HeapMemory.h"
 #include "platform/PanelWindow.h"
 #include "views/PanelBackground.h"
 #include "views/PanelPresenter.h"

@@ -40,7 +40,6 @@
 #include "linux/desktop/X11WindowSpaces.h"
 #include "linux/players/PlayerAdapters.h"
 #include "linux/system/AutostartLoginService.h"
-#include "linux/system/HeapMemory.h"
 #include "linux/system/InotifyFolderEvents.h"
 #include "linux/system/InstalledBundle.h"
 #include "linux/system/JsonUserDefaults.h"
@@ -220,7 +219,6 @@ int main(int argc, char* argv[]) {
     const sunpane::CommandLine commandLine = sunpane::readCommandLine(argc, argv);
     if (commandLine.exitCode) return *commandLine.exitCode;
     sunpane::chooseLogging(commandLine.isVerbose);
-    sunpane::returnLargeBlocksAtOnce();
     sunpane::choosePlatform();
     sunpane::chooseRenderer();
     sunpane::interpretScripts();

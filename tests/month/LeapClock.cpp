@@ -3,7 +3,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <malloc.h>
+#include <jemalloc/jemalloc.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/mman.h>
@@ -67,6 +67,15 @@ bool isOfTheProcessor(clockid_t clock) {
     return clock == CLOCK_PROCESS_CPUTIME_ID || clock == CLOCK_THREAD_CPUTIME_ID || clock < 0;
 }
 
+std::size_t heapInUse() {
+    std::uint64_t epoch = 1;
+    mallctl("epoch", nullptr, nullptr, &epoch, sizeof epoch);
+    std::size_t bytes = 0;
+    std::size_t size = sizeof bytes;
+    mallctl("stats.allocated", &bytes, &size, nullptr, 0);
+    return bytes;
+}
+
 /// Runs on the main thread, between two of its events.
 void serve() {
     Exchange& with = exchange();
@@ -83,8 +92,7 @@ void serve() {
     for (auto threads = with.threadsToLose.exchange(0); threads > 0; --threads)
         std::thread([] { pause(); }).detach();
     if (const auto asked = with.asked.load(); asked != with.answered) {
-        const auto heap = mallinfo2();
-        with.heapBytes = static_cast<std::int64_t>(heap.uordblks + heap.hblkhd);
+        with.heapBytes = static_cast<std::int64_t>(heapInUse());
         with.answered = asked;
     }
 }
