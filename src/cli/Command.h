@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <iosfwd>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Clock.h"
 #include "base/WorkQueue.h"
@@ -25,7 +27,7 @@ namespace sunpane::cli {
 /// How a command ends; the shell sees the number.
 enum ExitCode : int {
     success = 0,
-    /// The command ran and has something to tell: nothing to show, or findings.
+    /// The command ran and has something to tell: nothing to show, findings, or a value that it does not take.
     negative = 1,
     /// Wrong usage, or what was named cannot be read.
     failure = 2,
@@ -104,6 +106,9 @@ struct Environment {
 
     /// Asks the running program for a change, before the time at which that expires. Null where it cannot be asked.
     std::function<ProgramAnswer(const StoreChange& change)> askProgram = nullptr;
+
+    /// The settings that take one of a few texts, and these. Any other takes whatever it is given.
+    std::map<std::string, std::vector<std::string>> choices = {};
 };
 
 /// The words behind the command's name.

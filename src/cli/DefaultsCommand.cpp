@@ -143,6 +143,20 @@ int keep(bool isKept, const std::string& key, Environment& environment) {
     return success;
 }
 
+// Whether the setting takes only other values, which is then said.
+bool refuses(const std::string& key, const Value& value, Environment& environment) {
+    const auto choices = environment.choices.find(key);
+    if (choices == environment.choices.end()) return false;
+    const auto& names = choices->second;
+    const auto* name = std::get_if<std::string>(&value);
+    if (name != nullptr && std::find(names.begin(), names.end(), *name) != names.end()) return false;
+    environment.err << "dawnlyctl defaults: " << key << " takes one of";
+    for (const std::string& each : names)
+        environment.err << ' ' << each;
+    environment.err << '\n';
+    return true;
+}
+
 int write(const Request& request, Environment& environment) {
     const std::string& key = request.words[1];
     const auto present = environment.defaults.value(key);
@@ -157,6 +171,7 @@ int write(const Request& request, Environment& environment) {
     if (!value) {
         return usageError(defaultsCommand, "that is no value for " + std::string(typeOptions[type]), environment);
     }
+    if (refuses(key, *value, environment)) return negative;
     return keep(environment.defaults.set(key, std::move(*value)), key, environment);
 }
 

@@ -22,11 +22,20 @@
 #include "linux/system/SystemClock.h"
 #include "linux/system/ThreadWorkQueue.h"
 #include "linux/system/XdgPaths.h"
+#include "views/NotchTheme.h"
+#include "views/ThemeStore.h"
 
 namespace {
 
 /// A calendar that takes longer to read (s) counts as unreadable.
 constexpr sunpane::Seconds longestReading = 30;
+
+std::vector<std::string> themeNames() {
+    std::vector<std::string> names;
+    for (const auto theme : sunpane::notch_theme::all)
+        names.emplace_back(sunpane::notch_theme::rawValue(theme));
+    return names;
+}
 
 }  // namespace
 
@@ -80,7 +89,9 @@ int main(int argc, char** argv) {
         .openCalendars = openCalendars,
         .calendarAccess = [&] { return DesktopCalendarStore::rememberedAccess(defaults); },
         .broadcast = cli::broadcastToProgram,
-        .askProgram = [&](const StoreChange& change) { return cli::askProgram(change, change.expires - clock.now()); }};
+        .askProgram = [&](const StoreChange& change) { return cli::askProgram(change, change.expires - clock.now()); },
+        .choices = {{ThemeStore::themeKey, themeNames()},
+                    {DesktopCalendarStore::accessKey, DesktopCalendarStore::accessValues()}}};
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const int code = cli::runCommandLine(arguments, environment);
     std::cout.flush();

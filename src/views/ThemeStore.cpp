@@ -8,7 +8,6 @@
 namespace sunpane {
 namespace {
 
-constexpr const char* themeKey = "notchTheme";
 constexpr const char* topKey = "customTopHex";
 constexpr const char* bottomKey = "customBottomHex";
 constexpr const char* strengthKey = "customStrength";
@@ -25,7 +24,7 @@ std::string translucencyKey(NotchTheme theme) {
 }
 
 NotchTheme storedTheme(const UserDefaults& defaults) {
-    if (const auto name = defaults.read<std::string>(themeKey).value) {
+    if (const auto name = defaults.read<std::string>(ThemeStore::themeKey).value) {
         if (const auto theme = notch_theme::fromRawValue(*name)) return *theme;
     }
     // Settings without a known theme are older ones, which had a tint from clear to dark.

@@ -23,6 +23,8 @@ namespace sunpane {
 /// program has set the same meanwhile.
 class ThemeStore : public Observable {
 public:
+    /// Where the settings keep the theme, by its name.
+    static constexpr const char* themeKey = "notchTheme";
     static constexpr std::int64_t defaultTopHex = 0xA7A6CE;
     static constexpr std::int64_t defaultBottomHex = 0x170F16;
     static constexpr double defaultStrength = 0.55;

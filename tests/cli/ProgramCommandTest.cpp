@@ -29,11 +29,13 @@ protected:
             broadcasts.push_back(name);
             return reachable;
         };
+        surroundings.choices = choices;
         return runIn(std::move(surroundings), arguments);
     }
 
     Broadcast reachable = Broadcast::sent;
     std::vector<std::string> broadcasts;
+    std::map<std::string, std::vector<std::string>> choices;
     Seconds waited = 0;
     std::function<void()> meanwhile = [] {};
 };
@@ -151,6 +153,22 @@ TEST_F(ProgramCommandTest, DefaultsRefuseWhatTheProgramWouldNotUnderstand) {
     }
     EXPECT_EQ(defaults.values.size(), 1U);
     EXPECT_EQ(defaults.read<bool>("flag").valueOr(false), true);
+}
+
+TEST_F(ProgramCommandTest, DefaultsTakeOneOfAFewValuesWhereThereAreNoOthers) {
+    choices["shape"] = {"round", "square"};
+    EXPECT_EQ(run({"defaults", "write", "shape", "round"}), success);
+    for (const std::vector<std::string>& wrong :
+         {std::vector<std::string>{"banana"}, {"Round"}, {""}, {"--int", "1"}, {"--array", "square"}}) {
+        std::vector<std::string> arguments{"defaults", "write", "shape"};
+        if (wrong.size() == 1) arguments.emplace_back("--string");
+        arguments.insert(arguments.end(), wrong.begin(), wrong.end());
+        EXPECT_EQ(run(arguments), negative);
+        EXPECT_EQ(err.str(), "dawnlyctl defaults: shape takes one of round square\n");
+        EXPECT_EQ(defaults.read<std::string>("shape").valueOr(""), "round");
+    }
+    EXPECT_EQ(broadcasts.size(), 1U);
+    EXPECT_EQ(run({"defaults", "write", "colour", "banana"}), success);
 }
 
 TEST_F(ProgramCommandTest, DefaultsListAndDelete) {

@@ -120,6 +120,8 @@ class Companion(unittest.TestCase):
         shown = d.screenshot().pixels
         self.companion("defaults", "write", "notchTheme", "custom")
         d.wait_for(lambda: d.screenshot().pixels != shown, "the other theme", 3)
+        self.companion("defaults", "write", "notchTheme", "banana", code=1)
+        self.companion("defaults", "write", "calendarAccess", "--bool", "true", code=1)
         self.assertEqual(self.companion("defaults", "read", "notchTheme"), "custom\n")
         d.move(*AWAY)
         d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")

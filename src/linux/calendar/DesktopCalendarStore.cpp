@@ -48,6 +48,13 @@ DesktopCalendarStore::~DesktopCalendarStore() {
         reading->queue->drain();
 }
 
+std::vector<std::string> DesktopCalendarStore::accessValues() {
+    std::vector<std::string> values;
+    for (const auto& each : accessNames)
+        values.emplace_back(each.name);
+    return values;
+}
+
 CalendarAccess DesktopCalendarStore::rememberedAccess(const UserDefaults& defaults) {
     const auto stored = defaults.read<std::string>(accessKey);
     for (const auto& each : accessNames) {

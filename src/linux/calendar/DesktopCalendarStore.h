@@ -52,6 +52,8 @@ public:
     explicit DesktopCalendarStore(Ports ports);
     ~DesktopCalendarStore() override;
 
+    /// What may stand under `accessKey`.
+    static std::vector<std::string> accessValues();
     /// What the user answered, as `defaults` remember it.
     static CalendarAccess rememberedAccess(const UserDefaults& defaults);
 
