@@ -103,7 +103,8 @@ Outcome perform(TodoStore& todos, std::string_view verb, const Uuid& id, std::st
     } else {
         return Outcome::invalid;
     }
-    return Outcome::done;
+    // Another program may have deleted it a moment ago, which the change was the first to notice.
+    return verb == "delete" || todos.indexOf(id) ? Outcome::done : Outcome::noSuchTodo;
 }
 
 void addDropped(TodoStore& todos, std::string_view dropped) {

@@ -132,6 +132,29 @@ TEST_F(StoreCommandTest, WhatTheProgramDidWithoutAnAnswerIsNotUndone) {
     }
 }
 
+TEST_F(StoreCommandTest, ATodoThatWasDeletedMeanwhileIsMissedUnlessThatWasAskedFor) {
+    using Outcome = StoreChangeAnswer::Outcome;
+    disk.createFolders("/home/briefings");
+    for (const auto& answer :
+         {ProgramAnswer{}, ProgramAnswer{ProgramAnswer::Reach::answered, {Outcome::noSuchTodo, 0, ""}}}) {
+        for (const std::string verb : {"done", "open", "prio", "rename", "delete"}) {
+            SCOPED_TRACE(verb);
+            const Todo todo = Todo::make("a todo", platform.clock.now());
+            disk.writeExternally("/home/briefings/todos.json", encodeTodos({{todo}, "", {}}));
+            program = [&](const StoreChange&) {
+                disk.writeExternally("/home/briefings/todos.json", encodeTodos({{}, "", {"a todo"}}));
+                return answer;
+            };
+            std::vector<std::string> words{"todo", verb, "1"};
+            if (verb == "rename") words.emplace_back("another text");
+            EXPECT_EQ(run(words), verb == "delete" ? success : negative);
+            EXPECT_EQ(err.str(), verb == "delete" ? "" : "dawnlyctl todo: there is no todo 1\n");
+            EXPECT_EQ(out.str(), "");
+            EXPECT_TRUE(todos().todos.empty());
+        }
+    }
+}
+
 TEST_F(StoreCommandTest, TheStarOfATodoFromACardFlagsTheCard) {
     disk.createFolders("/home/briefings");
     Todo todo = Todo::make("from a card", platform.clock.now());
