@@ -62,6 +62,12 @@ ExitCode StoreSession::finish() {
         files_->drain();
     }
     if (!unwritten()) return success;
+    if (!(todos_ && todos_->hasUnwritten()) && !flags_->hasUnwrittenFlags()) {
+        environment_.err << "dawnlyctl: " << escapedName(pathInside(folder_, ItemFlagStore::feedbackName))
+                         << " cannot be written now; everything else is written, and it follows with the next change "
+                            "of a flag or start of dawnly\n";
+        return failure;
+    }
     const bool isSafe = (!todos_ || todos_->isSafe()) && (!flags_ || flags_->isSafe());
     if (isSafe) return tellKept(folder_, environment_);
     const std::string consequence =

@@ -227,6 +227,23 @@ TEST_F(StoreCommandTest, SaysWhenAChangeCouldNotBeWrittenAndKeepsIt) {
     EXPECT_EQ(out.str(), "1 [ ] later\n");
 }
 
+TEST_F(StoreCommandTest, SaysWhenOnlyTheFeedbackCouldNotBeWritten) {
+    disk.createFolders("/home/briefings");
+    disk.forbiddenFiles.insert("/home/briefings/feedback.json");
+    EXPECT_EQ(run({"flags", "prio", "key", "a", "card"}), failure);
+    EXPECT_EQ(flags().prio.at("key"), "a card");
+    EXPECT_THAT(err.str(),
+                HasSubstr("/home/briefings/feedback.json cannot be written now; everything else is written"));
+    disk.forbiddenFiles.clear();
+    disk.readOnlyFolders.insert("/home/briefings");
+    EXPECT_EQ(run({"flags", "unprio", "key"}), failure);
+    EXPECT_THAT(err.str(), HasSubstr("the change is kept"));
+    disk.readOnlyFolders.clear();
+    EXPECT_EQ(run({"flags", "prio", "other", "card"}), success);
+    EXPECT_EQ(flags().prio.count("key"), 0U);
+    EXPECT_THAT(*disk.content("/home/briefings/feedback.json"), HasSubstr("card"));
+}
+
 TEST_F(StoreCommandTest, DoesNotClaimToKeepWhatAFullDiskCannotTake) {
     disk.createFolders("/home/briefings");
     disk.freeBytes = 0;

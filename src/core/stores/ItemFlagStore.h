@@ -64,7 +64,9 @@ public:
     const FlagState& state() const { return state_; }
     const std::string& fileURL() const { return file_.path(); }
     /// Whether a change is not in the files yet.
-    bool hasUnwritten() const { return file_.hasUnwritten() || feedbackFile_.hasUnwritten(); }
+    bool hasUnwritten() const { return hasUnwrittenFlags() || feedbackFile_.hasUnwritten(); }
+    /// The same without the feedback.
+    bool hasUnwrittenFlags() const { return file_.hasUnwritten(); }
     /// Whether all flags outlive this process, being in the file or in a journal.
     bool isSafe() const { return file_.isSafe(); }
     /// Runs `then` once all changes made so far are in `itemflags.json`, perhaps at once; not at all when the store or
