@@ -40,10 +40,11 @@ int runFlags(Arguments arguments, Environment& environment) {
     }
     const std::string text = joined(words, 2);
     if (!lists) {
-        const auto answer = askProgram({StoreChange::Subject::flag, parsed->folder, words[0], words[1], text, {}},
+        const auto answer = askProgram({StoreChange::Subject::flag, {}, words[0], words[1], text, {}}, *parsed,
                                        flagsCommand, environment);
         if (answer) return exitCodeOf(*answer, parsed->folder, environment);
     }
+    if (lists) tellOtherFolder(*parsed, flagsCommand, environment);
     StoreSession session(environment, parsed->folder);
     ItemFlagStore& store = session.flags();
     if (lists && parsed->asJson) environment.out << encodeFlags(store.state()) << '\n';

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "base/Uuid.h"
 #include "cli/TerminalText.h"
 #include "core/briefing/FolderBriefingProvider.h"
 
@@ -18,6 +19,18 @@ ExitCode tellUnwritten(const std::string& folder, ExitCode code, const std::stri
 
 ExitCode tellKept(const std::string& folder, Environment& environment) {
     return tellUnwritten(folder, failure, "the change is kept and will be written later", environment);
+}
+
+// The program takes another folder up for the briefings at once, for what it keeps itself at its next start.
+void tellIfElsewhere(const ProgramAnswer& reply, const StoreArguments& arguments, const Command& command,
+                     Environment& environment) {
+    const bool isElsewhere = reply.reach == ProgramAnswer::Reach::answered &&
+                             reply.answer.outcome == StoreChangeAnswer::Outcome::otherFolder;
+    if (!isElsewhere || arguments.isFolderNamed) return;
+    environment.err
+        << "dawnlyctl " << command.name
+        << ": dawnly keeps its todos and flags in its old folder until its next start; this is about those in "
+        << escapedName(arguments.folder) << '\n';
 }
 
 }  // namespace
@@ -80,13 +93,15 @@ std::string StoreSession::feedback() const {
     return environment_.files->read(pathInside(folder_, ItemFlagStore::feedbackName), maximumBytes).bytes;
 }
 
-std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& command, Environment& environment) {
+std::optional<StoreChangeAnswer> askProgram(StoreChange change, const StoreArguments& arguments, const Command& command,
+                                            Environment& environment) {
     if (!environment.askProgram) return std::nullopt;
-    change.folder = environment.files->canonicalPath(change.folder);
+    change.folder = environment.files->canonicalPath(arguments.folder);
     change.id = text::toValidUtf8(change.id);
     change.text = text::toValidUtf8(change.text);
     change.expires = environment.clock.now() + programPatience;
     const ProgramAnswer reply = environment.askProgram(change);
+    tellIfElsewhere(reply, arguments, command, environment);
     if (reply.reach == ProgramAnswer::Reach::silent) {
         environment.err << "dawnlyctl " << command.name
                         << ": dawnly runs but does not answer; the change is made without it\n";
@@ -96,6 +111,18 @@ std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& c
     const bool isTaken = reply.reach == ProgramAnswer::Reach::answered &&
                          (outcome == Outcome::written || outcome == Outcome::kept || outcome == Outcome::unsaved);
     return isTaken ? std::optional(reply.answer) : std::nullopt;
+}
+
+void tellOtherFolder(const StoreArguments& arguments, const Command& command, Environment& environment) {
+    if (!environment.askProgram || arguments.isFolderNamed) return;
+    // No todo has this id: the program changes nothing, and says so unless the folder is not its own.
+    const StoreChange nothing{StoreChange::Subject::todo,
+                              environment.files->canonicalPath(arguments.folder),
+                              "done",
+                              Uuid::random().toString(),
+                              {},
+                              environment.clock.now() + folderPatience};
+    tellIfElsewhere(environment.askProgram(nothing), arguments, command, environment);
 }
 
 ExitCode exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment) {
@@ -118,12 +145,16 @@ std::optional<StoreArguments> parseStoreArguments(const Command& command, Argume
             parsed.asJson = true;
         } else if (argument == "--folder" && i + 1 < arguments.size()) {
             parsed.folder = arguments[++i];
+            parsed.isFolderNamed = true;
         } else {
             usageError(command, "unknown or incomplete option " + escapedName(argument), environment);
             return std::nullopt;
         }
     }
-    if (parsed.folder.empty()) parsed.folder = FolderBriefingProvider::currentDirectory(environment.defaults);
+    if (parsed.folder.empty()) {
+        parsed.isFolderNamed = false;
+        parsed.folder = FolderBriefingProvider::currentDirectory(environment.defaults);
+    }
     return parsed;
 }
 

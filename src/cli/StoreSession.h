@@ -44,20 +44,14 @@ private:
     std::unique_ptr<ItemFlagStore> flags_;
 };
 
-/// The running program may take that long (s) over a change that it is asked for.
-inline constexpr Seconds programPatience = 5;
-
-/// Asks the running program for a change, in whose folder any path may stand and whose time is set here. Its answer, if
-/// it took the change: `written`, `kept` or `unsaved`. Absent when the command has to make the change itself, which
-/// does no harm where the program made it after all.
-std::optional<StoreChangeAnswer> askProgram(StoreChange change, const Command& command, Environment& environment);
-
 /// How a command ends after the program took its change.
 ExitCode exitCodeOf(const StoreChangeAnswer& answer, const std::string& folder, Environment& environment);
 
 /// The words behind a command's name, with its options taken out.
 struct StoreArguments {
     std::string folder;
+    /// Whether the user named the folder. Otherwise it is the one that is chosen now.
+    bool isFolderNamed = false;
     bool asJson = false;
     std::vector<std::string> words;
 };
@@ -65,6 +59,22 @@ struct StoreArguments {
 /// Absent after a usage error, which was told.
 std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,
                                                   Environment& environment);
+
+/// The running program may take that long (s) over a change that it is asked for.
+inline constexpr Seconds programPatience = 5;
+
+/// The running program may take that long (s) to say whose folder it works in.
+inline constexpr Seconds folderPatience = 0.5;
+
+/// Asks the running program for a change in the folder of `arguments`. The change's folder and time are set here. Its
+/// answer, if it took the change: `written`, `kept` or `unsaved`. Absent when the command has to make the change
+/// itself, which does no harm where the program made it after all; tells on `err` when that is because the program
+/// still works in another folder than the chosen one.
+std::optional<StoreChangeAnswer> askProgram(StoreChange change, const StoreArguments& arguments, const Command& command,
+                                            Environment& environment);
+
+/// Tells the same for a command that asks for no change. Nothing when the user named the folder.
+void tellOtherFolder(const StoreArguments& arguments, const Command& command, Environment& environment);
 
 /// The words from `first` on as one text.
 std::string joined(std::span<const std::string> words, std::size_t first);

@@ -105,6 +105,7 @@ int runTodo(Arguments arguments, Environment& environment) {
 
     StoreSession session(environment, parsed->folder);
     if (verb == "list") {
+        tellOtherFolder(*parsed, todoCommand, environment);
         list(session.todos(), parsed->asJson, environment);
         return session.finish();
     }
@@ -112,13 +113,15 @@ int runTodo(Arguments arguments, Environment& environment) {
     if (takesNumber) {
         const auto& todos = session.todos().todos();
         const auto index = toIndex(words[1], todos.size());
-        if (!index) return noSuchTodo(words[1], environment);
+        if (!index) {
+            tellOtherFolder(*parsed, todoCommand, environment);
+            return noSuchTodo(words[1], environment);
+        }
         change.id = todos[*index].id;
         if (verb == "prio" && todos[*index].isPrio()) change.verb = "unprio";
     }
-    const auto answer =
-        askProgram({StoreChange::Subject::todo, parsed->folder, change.verb, change.id.toString(), change.text, {}},
-                   todoCommand, environment);
+    const auto answer = askProgram({StoreChange::Subject::todo, {}, change.verb, change.id.toString(), change.text, {}},
+                                   *parsed, todoCommand, environment);
     if (answer) return showAnswer(*answer, parsed->folder, environment);
     return makeChange(change, session, words[takesNumber ? 1 : 0], environment);
 }

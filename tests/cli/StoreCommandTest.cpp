@@ -17,6 +17,7 @@ namespace sunpane::cli {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 class StoreCommandTest : public testing::CommandFixture {
 protected:
@@ -100,13 +101,36 @@ TEST_F(StoreCommandTest, TheRunningProgramIsAskedFirstAndOnlyItsYesCounts) {
         EXPECT_EQ(run({"todo", "add", "again"}), success);
         EXPECT_EQ(todos().todos.size(), ++count);
         EXPECT_EQ(todos().todos.back().id.toString(), asked.back().id) << "so that it is known again";
-        EXPECT_EQ(err.str().empty(), no.reach != Reach::silent);
+        EXPECT_EQ(err.str().empty(), no.reach == Reach::nobody || no.answer.outcome == Outcome::late);
     }
     EXPECT_EQ(run({"todo", "prio", "1"}), success);
     EXPECT_EQ(asked.back().verb, "prio");
     EXPECT_EQ(run({"todo", "prio", "1"}), success);
     EXPECT_EQ(asked.back().verb, "unprio");
     EXPECT_FALSE(todos().todos[0].isPrio());
+}
+
+TEST_F(StoreCommandTest, SaysWhenTheProgramStillKeepsAnotherFolder) {
+    using Outcome = StoreChangeAnswer::Outcome;
+    disk.createFolders("/home/briefings");
+    Outcome outcome = Outcome::otherFolder;
+    program = [&](const StoreChange&) { return ProgramAnswer{ProgramAnswer::Reach::answered, {outcome, 0, ""}}; };
+    const std::vector<std::vector<std::string>> commands{{"todo", "list"},
+                                                         {"todo", "add", "x"},
+                                                         {"todo", "done", "9"},
+                                                         {"flags", "list"},
+                                                         {"flags", "prio", "key", "card"},
+                                                         {"feedback"}};
+    for (std::vector<std::string> words : commands) {
+        run(words);
+        EXPECT_THAT(err.str(), HasSubstr("old folder until its next start")) << words[0];
+        words.insert(words.begin() + 1, {"--folder", "/home/briefings"});
+        run(words);
+        EXPECT_THAT(err.str(), Not(HasSubstr("old folder"))) << "the user knows which";
+    }
+    outcome = Outcome::noSuchTodo;
+    run({"todo", "list"});
+    EXPECT_EQ(err.str(), "");
 }
 
 TEST_F(StoreCommandTest, WhatTheProgramDidWithoutAnAnswerIsNotUndone) {

@@ -24,6 +24,10 @@ class Companion(unittest.TestCase):
         self.assertEqual(done.returncode, code, done.stderr)
         return done.stdout
 
+    def told(self, *arguments):
+        return subprocess.run([COMPANION, *arguments], env=self.desktop.environment, text=True,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE).stderr
+
     def todos(self):
         with open(os.path.join(self.desktop.briefings, "todos.json")) as file:
             return [todo["text"] for todo in json.load(file)["todos"]]
@@ -130,6 +134,9 @@ class Companion(unittest.TestCase):
         time.sleep(0.5)
         self.assertFalse(d.report()["expanded"])
         self.companion("defaults", "delete", "quickCaptureEnabled")
+        self.assertNotIn("old folder", self.told("todo", "list"))
+        self.companion("defaults", "write", "briefingsFolderPath", os.path.join(d.home, "other"))
+        d.wait_for(lambda: "old folder" in self.told("todo", "list"), "the companion to tell of the todos' folder")
         d.key("ctrl+space")
         d.wait_for(lambda: d.report()["expanded"], "the hotkey to open the panel")
 
