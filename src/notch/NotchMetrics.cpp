@@ -9,6 +9,8 @@ namespace {
 constexpr Size virtualNotch{200, 32};
 constexpr double narrowestNotch = 180;
 constexpr double panelWidth = 780;
+constexpr double widestCard = 720;
+constexpr double flares = 20;       // of the outline, beside a card that is as wide as the screen allows
 constexpr double panelMargin = 24;  // below the tallest card
 constexpr double tallestCard = 920;
 constexpr double tallestCardShare = 0.85;  // of the screen's height
@@ -24,9 +26,10 @@ NotchMetrics::NotchMetrics(const Screen& screen)
     : screenFrame(screen.frame),
       notchSize{notchWidth(screen), screen.safeAreaTop > 0 ? screen.safeAreaTop : virtualNotch.height},
       panelSize{},
-      cardWidth(720),
+      cardWidth(std::max(notchSize.width, std::min(widestCard, screen.frame.width - flares))),
       maxCardHeight(std::min(tallestCardShare * screen.frame.height, tallestCard)) {
-    panelSize = {panelWidth, notchSize.height + maxCardHeight + panelMargin};
+    panelSize = {std::min(panelWidth, std::max(screen.frame.width, cardWidth)),
+                 notchSize.height + maxCardHeight + panelMargin};
 }
 
 Rect NotchMetrics::panelFrame() const {

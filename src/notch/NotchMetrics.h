@@ -11,7 +11,8 @@ struct NotchMetrics {
 
     Rect screenFrame;
     Size notchSize;
-    /// The panel's window; the card inside it folds open within this size.
+    /// The panel's window; the card inside it folds open within this size. Both are narrower on a screen that has not
+    /// their room, as one with large letters.
     Size panelSize;
     double cardWidth;
     double maxCardHeight;

@@ -47,5 +47,18 @@ TEST(NotchMetrics, FollowsTheScreen) {
     }
 }
 
+TEST(NotchMetrics, KeepsThePanelOnANarrowScreen) {
+    struct Case {
+        double screen, panel, card;
+    };
+    const Case cases[] = {{780, 780, 720}, {740, 740, 720}, {640, 640, 620}, {480, 480, 460}};
+    for (const auto& c : cases) {
+        const NotchMetrics metrics(screen({100, 0, c.screen, 400}));
+        EXPECT_EQ(metrics.panelFrame().x, 100) << c.screen;
+        EXPECT_EQ(metrics.panelFrame().width, c.panel) << c.screen;
+        EXPECT_EQ(metrics.cardWidth, c.card) << c.screen;
+    }
+}
+
 }  // namespace
 }  // namespace sunpane

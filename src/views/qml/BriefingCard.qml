@@ -6,9 +6,11 @@ Item {
     id: card
 
     required property var presenter
-    readonly property real todoWidth: 254
     readonly property real columnGap: 14
-    readonly property real briefWidth: width - 2 * Style.margin - columnGap - todoWidth
+    readonly property real columns: width - 2 * Style.margin - columnGap
+    // A narrow panel leaves the briefing more than half.
+    readonly property real todoWidth: Math.min(254, Math.round(0.42 * columns))
+    readonly property real briefWidth: columns - todoWidth
 
     // Text that the user began and that would be lost with the card.
     readonly property bool holdsText: todos.holdsText
