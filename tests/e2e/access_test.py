@@ -159,6 +159,9 @@ class Access(unittest.TestCase):
                                 ("Minute", 0, 59)):
             value = reader.find("spin button", part).value
             self.assertTrue(low <= value <= high, (part, value))
+        stops = self.stops(12)  # none of which is outside the sheet
+        self.assertEqual([stop.split(":")[0] for stop in stops],
+                         ["Month", "Year", "Hour", "Minute", "Repeat", "Clear", "Cancel", "Set Reminder", "Day"])
         year = reader.find("spin button", "Year").value
         reader.do("Increase", "spin button", "Year")
         reader.listen(0.3)

@@ -8,7 +8,7 @@ FocusScope {
     readonly property var reminders: owner.presenter.reminders
     property alias time: when.time
     property int repetition: 0
-    // The controls in the order of the Tab key.
+    // The controls in the order of the Tab key. None takes the key itself: its way would lead out of the sheet.
     readonly property var stops: [...when.stops, repeat, clear, cancel, confirm].filter((item) => item.visible)
 
     width: 340
@@ -122,6 +122,7 @@ FocusScope {
             height: confirm.implicitHeight + 4
             LabelButton {
                 id: clear
+                activeFocusOnTab: false
                 y: 4
                 width: 76
                 visible: form.owner.canClear
@@ -130,6 +131,7 @@ FocusScope {
             }
             LabelButton {
                 id: cancel
+                activeFocusOnTab: false
                 y: 4
                 width: 76
                 anchors.right: confirm.left
@@ -139,6 +141,7 @@ FocusScope {
             }
             LabelButton {
                 id: confirm
+                activeFocusOnTab: false
                 y: 4
                 width: 128
                 anchors.right: parent.right
