@@ -50,16 +50,19 @@ void FolderPickerWindow::fail(const QString& problem) {
     emit changed();
 }
 
+void FolderPickerWindow::lookInto(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.isDir()) return fail(tr("There is no folder %1.").arg(path));
+    if (!info.isReadable() || !info.isExecutable()) return fail(tr("You may not look into %1.").arg(path));
+    showFolder(path);
+}
+
 void FolderPickerWindow::enter(const QString& name) {
-    const QString target = QDir::cleanPath(folder_ + QLatin1Char('/') + name);
-    const QFileInfo info(target);
-    if (!info.isDir()) return fail(tr("There is no folder %1.").arg(target));
-    if (!info.isReadable() || !info.isExecutable()) return fail(tr("You may not look into %1.").arg(target));
-    showFolder(target);
+    lookInto(QDir::cleanPath(folder_ + QLatin1Char('/') + name));
 }
 
 void FolderPickerWindow::leave() {
-    if (hasParent()) showFolder(QFileInfo(folder_).path());
+    if (hasParent()) lookInto(QFileInfo(folder_).path());
 }
 
 void FolderPickerWindow::create(const QString& name) {

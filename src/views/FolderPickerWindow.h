@@ -54,6 +54,8 @@ signals:
 private:
     // The folder that a typed path means.
     QString resolved(const QString& path) const;
+    // Shows the folder, or why it cannot be shown.
+    void lookInto(const QString& path);
     void showFolder(const QString& path);
     void fail(const QString& problem);
     void finish(std::optional<std::string> folder);

@@ -77,6 +77,61 @@ TEST_F(Controls, AColourIsTakenOnlyWhenItsNumberIsWhole) {
     EXPECT_EQ(window.property("taken").toString().toStdString(), "#80ff00");
 }
 
+TEST_F(Controls, APageScrollsForTheKeyboard) {
+    auto& window = show(
+        "property real at: page.contentY; PageScroll { id: page; anchors.fill: parent; BodyText { width: 300; text: "
+        "'Words' } TaskBox { width: parent.width; label: 'Task'; text: 'Line\\n'.repeat(200) } Item { width: 1; "
+        "height: "
+        "600 } LabelButton { text: 'Last' } Item { width: 1; height: 400 } }");
+    const auto at = [&] { return window.property("at").toDouble(); };
+    press(window, Qt::Key_Tab);
+    EXPECT_EQ(at(), 0) << "the box is in sight, however long its text is";
+    press(window, Qt::Key_Tab);
+    ASSERT_EQ(window.activeFocusItem()->property("text").toString().toStdString(), "Last");
+    const double last = window.activeFocusItem()->mapToScene({0, 0}).y();
+    EXPECT_GT(last, 0);
+    EXPECT_LT(last, 300);
+    const double before = at();
+    press(window, Qt::Key_PageDown);
+    EXPECT_GT(at(), before) << "what is below the last control";
+    press(window, Qt::Key_PageDown, {}, 9);
+    const double end = at();
+    press(window, Qt::Key_PageUp);
+    EXPECT_LT(at(), end);
+}
+
+TEST_F(Controls, TheFolderPickerIsUsedByKeyboard) {
+    const testing::TemporaryFolder folder;
+    for (int i = 0; i < 60; ++i)
+        ASSERT_TRUE(QDir().mkdir(QString::fromStdString(folder / ("inside " + std::to_string(100 + i)))));
+    FolderPickerWindow picker(engine);
+    bool given = false;
+    std::optional<std::string> chosen;
+    picker.pick(folder.path(), "Watch", [&](const auto& taken) {
+        given = true;
+        chosen = taken;
+    });
+    settle();
+    QWindow& window = *QGuiApplication::focusWindow();
+    // From the path into the list.
+    press(window, Qt::Key_Down);
+    press(window, Qt::Key_End);
+    press(window, Qt::Key_Return);
+    EXPECT_EQ(picker.folder().toStdString(), folder / "inside 159");
+    press(window, Qt::Key_Backspace);
+    EXPECT_EQ(picker.folder().toStdString(), folder.path());
+    press(window, Qt::Key_Tab);
+    press(window, Qt::Key_Return);  // New Folder…
+    type(window, QStringLiteral("x"));
+    press(window, Qt::Key_Escape);
+    EXPECT_FALSE(given) << "leaves the name only";
+    press(window, Qt::Key_Escape);
+    EXPECT_TRUE(given);
+    EXPECT_EQ(chosen, std::nullopt);
+    EXPECT_EQ(picker.names().size(), 60);
+    settle();
+}
+
 TEST_F(Controls, TheFolderPickerKeepsNamesAsTheyAre) {
     const testing::TemporaryFolder folder;
     for (const char* name : {" ahead", "behind ", "~", "plain"}) {

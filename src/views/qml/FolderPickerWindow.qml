@@ -9,7 +9,8 @@ ProgramWindow {
 
     width: Math.min(520, Screen.width - 24)
     height: Math.min(440, Screen.height - 56)
-    minimumWidth: 360
+    // The buttons side by side.
+    minimumWidth: Math.min(width, 420)
     minimumHeight: 280
     flags: Qt.Dialog
     title: qsTr("Choose Folder")
@@ -42,6 +43,7 @@ ProgramWindow {
             y: 20
             label: qsTr("Folder")
             onSubmitted: dialog.picker.choose(text)
+            Keys.onDownPressed: names.forceActiveFocus(Qt.TabFocusReason)
 
             Connections {
                 target: dialog.picker
@@ -83,10 +85,25 @@ ProgramWindow {
                 Keys.onRightPressed: (event) => enterWith(event)
                 Keys.onLeftPressed: dialog.picker.leave()
                 Keys.onPressed: (event) => {
-                    if (event.key !== Qt.Key_Backspace)
-                        return;
-                    dialog.picker.leave();
+                    const page = Math.max(1, Math.floor(height / rowHeight) - 1);
                     event.accepted = true;
+                    switch (event.key) {
+                    case Qt.Key_Backspace:
+                        return dialog.picker.leave();
+                    case Qt.Key_PageDown:
+                        return goTo(currentIndex + page);
+                    case Qt.Key_PageUp:
+                        return goTo(currentIndex - page);
+                    case Qt.Key_Home:
+                        return goTo(0);
+                    case Qt.Key_End:
+                        return goTo(count - 1);
+                    }
+                    event.accepted = false;
+                }
+                readonly property int rowHeight: 28
+                function goTo(index) {
+                    currentIndex = Math.max(0, Math.min(index, count - 1));
                 }
                 function enterWith(event) {
                     if (currentItem && !event.isAutoRepeat)
@@ -98,8 +115,8 @@ ProgramWindow {
                     required property string modelData
                     required property int index
                     readonly property bool current: ListView.isCurrentItem && names.activeFocus
-                    width: names.width
-                    height: 28
+                    width: names.width - 8
+                    height: names.rowHeight
                     radius: 6
                     color: current ? Qt.rgba(0.04, 0.52, 1, 0.45) : area.pressed ? Style.pressed
                         : area.containsMouse ? Style.hover : "transparent"
@@ -135,6 +152,10 @@ ProgramWindow {
                     }
                 }
             }
+            ScrollThumb {
+                area: names
+                inset: 0
+            }
             BodyText {
                 anchors.centerIn: parent
                 visible: names.count === 0
@@ -151,6 +172,9 @@ ProgramWindow {
             height: text.length > 0 ? implicitHeight : 0
             caption: true
             color: Style.remove
+            // A path may be long.
+            maximumLineCount: 3
+            elide: Text.ElideRight
             text: dialog.picker.problem
         }
         Item {
@@ -172,8 +196,13 @@ ProgramWindow {
                     visible = false;
                     path.takeFocus();
                 }
+                Keys.onEscapePressed: {
+                    visible = false;
+                    newFolder.forceActiveFocus(Qt.TabFocusReason);
+                }
             }
             LabelButton {
+                id: newFolder
                 visible: !newName.visible
                 text: qsTr("New Folder…")
                 onClicked: {

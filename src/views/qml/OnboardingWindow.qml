@@ -57,6 +57,8 @@ ProgramWindow {
             anchors.fill: parent
             focus: true
             Keys.onEscapePressed: window.close()
+            Keys.onDownPressed: page.scrollBy(40)
+            Keys.onUpPressed: page.scrollBy(-40)
 
             PageScroll {
                 id: page

@@ -1,6 +1,7 @@
 import QtQuick
 
-// A page of controls that scrolls when it does not fit, and keeps what has the keyboard in sight.
+// A page of controls that scrolls when it does not fit, and keeps what has the keyboard in sight. Page Up and Page Down
+// turn it, whatever in its window has the keyboard.
 Flickable {
     id: page
 
@@ -14,15 +15,19 @@ Flickable {
     clip: true
 
     function reveal(item) {
-        for (let each = item; each; each = each.parent) {
+        let shown = item;
+        for (let each = item; each && each !== page; each = each.parent) {
+            // Of what scrolls in a box of its own the box is meant.
+            if (each.clip)
+                shown = each;
             if (each !== column)
                 continue;
-            const top = item.mapToItem(column, 0, 0).y + column.y;
+            const top = shown.mapToItem(column, 0, 0).y + column.y;
             const most = Math.max(0, contentHeight - height);
             if (top - padding < contentY)
                 contentY = Math.max(0, top - padding);
-            else if (top + item.height + padding > contentY + height)
-                contentY = Math.min(most, top + item.height + padding - height);
+            else if (top + shown.height + padding > contentY + height)
+                contentY = Math.min(most, top + shown.height + padding - height);
             return;
         }
     }
@@ -43,14 +48,20 @@ Flickable {
         }
     }
 
-    Rectangle {
-        parent: page
-        visible: page.interactive
-        x: page.width - width - 3
-        y: page.visibleArea.yPosition * page.height + 3
-        width: 5
-        height: Math.max(20, page.visibleArea.heightRatio * page.height - 6)
-        radius: 2.5
-        color: Qt.rgba(1, 1, 1, 0.22)
+    // Words without a control among them are read with these.
+    function scrollBy(points) {
+        contentY = Math.max(0, Math.min(contentHeight - height, contentY + points));
+    }
+    Shortcut {
+        sequence: "PgDown"
+        onActivated: page.scrollBy(0.9 * page.height)
+    }
+    Shortcut {
+        sequence: "PgUp"
+        onActivated: page.scrollBy(-0.9 * page.height)
+    }
+
+    ScrollThumb {
+        area: page
     }
 }

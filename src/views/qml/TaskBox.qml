@@ -29,6 +29,7 @@ Rectangle {
             textFormat: TextEdit.PlainText
             readOnly: true
             selectByMouse: true
+            selectByKeyboard: true
             wrapMode: TextEdit.Wrap
             color: Style.secondaryText
             selectionColor: Style.focus
@@ -55,13 +56,8 @@ Rectangle {
             Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
         }
     }
-    Rectangle {
-        visible: scroll.contentHeight > scroll.height
-        x: parent.width - width - 4
-        y: 4 + scroll.visibleArea.yPosition * (parent.height - 8)
-        width: 4
-        height: Math.max(16, scroll.visibleArea.heightRatio * (parent.height - 8))
-        radius: 2
-        color: Qt.rgba(1, 1, 1, 0.22)
+    ScrollThumb {
+        area: scroll
+        inset: 0
     }
 }
