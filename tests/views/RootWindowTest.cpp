@@ -128,7 +128,7 @@ TEST_F(RootWindowTest, ADraftOutlivesTheContentThatItWasTypedIn) {
     EXPECT_EQ(field()->property("text").toString(), "call");
 }
 
-TEST_F(RootWindowTest, ALetterThatIsHeldDownActsOnATodoOnce) {
+TEST_F(RootWindowTest, AKeyThatIsHeldDownActsOnATodoOnce) {
     model->todoStore().add("Call Anna");
     window->show();
     setOpen(true);
@@ -145,6 +145,13 @@ TEST_F(RootWindowTest, ALetterThatIsHeldDownActsOnATodoOnce) {
     EXPECT_TRUE(isPriority());
     hold(Qt::Key_P, 0);
     EXPECT_FALSE(isPriority());
+    hold(Qt::Key_Space, 24);
+    EXPECT_TRUE(model->todoStore().todos().front().done);
+    for (const char* text : {"Call Bert", "Call Cleo"})
+        model->todoStore().add(text);
+    platform.time.runPending();
+    hold(Qt::Key_Delete, 25);
+    EXPECT_EQ(model->todoStore().todos().size(), 2U);
 }
 
 TEST_F(RootWindowTest, AnotherDayIsReadFromItsTop) {

@@ -166,60 +166,75 @@ Rectangle {
     }
     // Does what the key means on that row; false when it means nothing there.
     function rowKey(row, event) {
-        const id = row.todoId;
-        const moved = event.modifiers & Qt.AltModifier;
-        const shifted = event.modifiers === Qt.ShiftModifier;
+        if (walk(row, event))
+            return true;
+        const action = actionOf(row, event);
         // A key that is held down walks through the rows and does nothing else again and again.
-        const once = !event.isAutoRepeat;
+        if (action && !event.isAutoRepeat)
+            action();
+        return action !== null;
+    }
+    function walk(row, event) {
         switch (event.key) {
-        case Qt.Key_Space:
-            if (once)
-                presenter.toggle(id);
-            return true;
-        case Qt.Key_Return:
-        case Qt.Key_Enter:
-        case Qt.Key_F2:
-            row.beginEdit();
-            return true;
-        case Qt.Key_Delete:
-        case Qt.Key_Backspace:
-            if (once)
-                removeFromKeyboard(row);
-            return true;
         case Qt.Key_Up:
         case Qt.Key_Down:
             const step = event.key === Qt.Key_Up ? -1 : 1;
-            if (moved) {
+            if (event.modifiers & Qt.AltModifier) {
+                const id = row.todoId;
                 presenter.moveTo(id, presenter.rowBeside(row.index, step));
                 rows.forceLayout();
                 rows.positionViewAtIndex(list.rowOf(id), ListView.Contain);
             } else
                 focusRow(row.index + step);
             return true;
-        case Qt.Key_Right:
-            // Without Shift these leaf through the briefings.
-            if (shifted && once)
-                presenter.togglePriority(id);
-            return shifted;
-        case Qt.Key_Left:
-            if (shifted && once)
-                removeFromKeyboard(row);
-            return shifted;
         case Qt.Key_Home:
             focusRow(0);
             return true;
         case Qt.Key_End:
             focusRow(rows.count - 1);
             return true;
-        case Qt.Key_F10:
-            if (shifted)
-                openActions(row, 32, row.height, true);
-            return shifted;
-        case Qt.Key_Menu:
-            openActions(row, 32, row.height, true);
-            return true;
         }
-        return !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier)) && rowLetter(row, event.key, once);
+        return false;
+    }
+    // Null for a key that means nothing on a row.
+    function actionOf(row, event) {
+        const shifted = event.modifiers === Qt.ShiftModifier;
+        const openMenu = () => openActions(row, 32, row.height, true);
+        const togglePriority = () => presenter.togglePriority(row.todoId);
+        switch (event.key) {
+        case Qt.Key_Space:
+            return () => presenter.toggle(row.todoId);
+        case Qt.Key_Return:
+        case Qt.Key_Enter:
+        case Qt.Key_F2:
+            return () => row.beginEdit();
+        case Qt.Key_Delete:
+        case Qt.Key_Backspace:
+            return () => removeFromKeyboard(row);
+        case Qt.Key_Right:
+            // Without Shift these leaf through the briefings.
+            return shifted ? togglePriority : null;
+        case Qt.Key_Left:
+            return shifted ? () => removeFromKeyboard(row) : null;
+        case Qt.Key_F10:
+            return shifted ? openMenu : null;
+        case Qt.Key_Menu:
+            return openMenu;
+        }
+        // With these they are somebody else's.
+        if (event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier))
+            return null;
+        switch (event.key) {
+        case Qt.Key_M:
+            return openMenu;
+        case Qt.Key_P:
+            return togglePriority;
+        case Qt.Key_R:
+            return () => openRemind(row, true);
+        case Qt.Key_C:
+            return () => presenter.addToCalendar(row.todoId);
+        }
+        return null;
     }
     function removeFromKeyboard(row) {
         const id = row.todoId;
@@ -229,27 +244,6 @@ Rectangle {
         else
             forceActiveFocus(Qt.OtherFocusReason);
         presenter.remove(id);
-    }
-    function rowLetter(row, key, once) {
-        switch (key) {
-        case Qt.Key_M:
-            if (once)
-                openActions(row, 32, row.height, true);
-            return true;
-        case Qt.Key_P:
-            if (once)
-                presenter.togglePriority(row.todoId);
-            return true;
-        case Qt.Key_R:
-            if (once)
-                openRemind(row, true);
-            return true;
-        case Qt.Key_C:
-            if (once)
-                presenter.addToCalendar(row.todoId);
-            return true;
-        }
-        return false;
     }
 
     Text {
