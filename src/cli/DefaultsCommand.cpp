@@ -12,7 +12,9 @@
 
 #include "base/AppIdentity.h"
 #include "base/Text.h"
+#include "cli/FolderPath.h"
 #include "cli/TerminalText.h"
+#include "core/briefing/FolderBriefingProvider.h"
 #include "notch/PinnedSpace.h"
 #include "platform/Screens.h"
 
@@ -170,6 +172,11 @@ int write(const Request& request, Environment& environment) {
     auto value = toValue(type, std::span(request.words).subspan(2));
     if (!value) {
         return usageError(defaultsCommand, "that is no value for " + std::string(typeOptions[type]), environment);
+    }
+    // Every program reads the setting, each from where it was started.
+    if (auto* folder = std::get_if<std::string>(&*value);
+        folder != nullptr && key == FolderBriefingProvider::folderDefaultsKey) {
+        *folder = absoluteFolder(*folder);
     }
     if (refuses(key, *value, environment)) return negative;
     return keep(environment.defaults.set(key, std::move(*value)), key, environment);

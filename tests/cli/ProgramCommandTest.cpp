@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/Command.h"
@@ -80,10 +83,27 @@ TEST_F(ProgramCommandTest, PromptsNameTheChosenFolder) {
         EXPECT_THAT(out.str(), HasSubstr("/srv/b/"));
         EXPECT_NE(out.str(), delivery);
     }
+    EXPECT_EQ(run({"prompt", "delivery", "--folder", "some/../briefs/"}), success);
+    EXPECT_THAT(out.str(), HasSubstr('\n' + std::filesystem::current_path().string() + "/briefs/\n"));
     for (const auto& wrong : std::vector<std::vector<std::string>>{
              {"prompt"}, {"prompt", "noon"}, {"prompt", "morning", "evening"}, {"prompt", "morning", "--json"}}) {
         EXPECT_EQ(run(wrong), failure);
         EXPECT_EQ(out.str(), "");
+    }
+}
+
+TEST_F(ProgramCommandTest, TheFolderInTheSettingsIsTheSameForEveryProgram) {
+    const std::string here = std::filesystem::current_path().string();
+    setenv("HOME", "/home/you", 0);
+    const std::string home = std::getenv("HOME");
+    for (const auto& [given, kept] : std::vector<std::pair<std::string, std::string>>{{"briefs", here + "/briefs"},
+                                                                                      {"./briefs/", here + "/briefs"},
+                                                                                      {"~/briefs", home + "/briefs"},
+                                                                                      {"/srv/b", "/srv/b"},
+                                                                                      {"/", "/"},
+                                                                                      {"", ""}}) {
+        EXPECT_EQ(run({"defaults", "write", "briefingsFolderPath", given}), success);
+        EXPECT_EQ(defaults.read<std::string>("briefingsFolderPath").value, kept) << given;
     }
 }
 
