@@ -6,19 +6,11 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "app/NotchViewModel.h"
 #include "base/Dates.h"
-#include "support/SimulatedAgenda.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedFolderEvents.h"
-#include "support/SimulatedPlatform.h"
-#include "support/SimulatedPlayers.h"
-#include "support/SimulatedUserDefaults.h"
-#include "support/TemporaryFolder.h"
+#include "support/SimulatedViewModel.h"
 
 namespace {
 
@@ -55,36 +47,20 @@ double median(std::vector<double> values) {
 }  // namespace
 
 int main() {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFolderEvents folderEvents;
-    testing::SimulatedCloudFiles cloudFiles;
-    testing::SimulatedUserDefaults defaults;
-    const testing::TemporaryFolder folder;
-    testing::SimulatedFileSystem files(platform.clock);
-    StoreFiles storeFiles({files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state");
-    testing::SimulatedAgenda agenda(platform, defaults);
-    testing::SimulatedPlayers players(platform);
-    defaults.set("briefingsFolderPath", folder.path());
+    testing::SimulatedViewModel machine;
+    auto& platform = machine.platform;
+    auto& agenda = machine.agenda;
     agenda.store.status = CalendarAccess::full;
 
     const LocalCalendar calendar(platform.clock);
     for (int day = 0; day < briefingCount; ++day)
-        folder.write(calendar.format(platform.clock.now() - day * 86400.0, "yyyy-MM-dd") + ".md", briefing(day));
+        machine.folder.write(calendar.format(platform.clock.now() - day * 86400.0, "yyyy-MM-dd") + ".md",
+                             briefing(day));
     for (int event = 0; event < 10; ++event)
         agenda.store.all.push_back(
             testing::timedEvent("Meeting " + std::to_string(event), platform.clock.now() + event * 3000.0, 5400));
 
-    LocalNotifications notifications;
-    NotchViewModel model({platform.clock,
-                          platform.runLoop,
-                          notifications,
-                          defaults,
-                          {platform.clock, platform.queues, folderEvents, cloudFiles},
-                          storeFiles,
-                          agenda.fallback,
-                          agenda.meetings,
-                          players.nowPlaying});
+    NotchViewModel& model = *machine.model;
     for (int todo = 0; todo < 40; ++todo)
         model.todoStore().add("Something to do " + std::to_string(todo));
     for (int card = 0; card < 6; ++card)

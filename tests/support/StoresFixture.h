@@ -2,20 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "core/stores/StoreFiles.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedPlatform.h"
+#include "support/SimulatedStores.h"
 
 namespace sunpane::testing {
 
-/// A simulated machine with the files of stores.
-struct StoresFixture : ::testing::Test {
-    SimulatedPlatform platform;
-    SimulatedCloudFiles cloudFiles;
-    SimulatedFileSystem files{platform.clock};
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues,
-                           [this](Seconds seconds) { platform.time.advance(seconds); }},
-                          "/state"};
-};
+struct StoresFixture : ::testing::Test, SimulatedStores {};
 
 }  // namespace sunpane::testing
