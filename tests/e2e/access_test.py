@@ -1,16 +1,13 @@
 """The panel as a screen reader finds it: names, roles, states and values, what its actions do to the files, and what it
 says of changes. Then the same windows by keyboard, with every stop of the Tab key read aloud."""
 
-import json
 import os
 import time
 import unittest
-import uuid
 
-from desktop import NOTCH, Desktop
+from desktop import REFERENCE_DATE, Desktop, todo
 from screen_reader import ScreenReader
 
-REFERENCE_DATE = 978307200  # the dates of the todo file count from here, in seconds since 1970
 BRIEFING = """# Morning
 ### Schedule
 Two things before *noon*.
@@ -21,11 +18,6 @@ Two things before *noon*.
 """
 CONTROLS = {"push button", "check box", "radio button", "list item", "text", "menu item", "slider", "spin button",
             "page tab", "combo box"}
-
-
-def todo(text, **fields):
-    return {"id": str(uuid.uuid4()).upper(), "text": text, "done": False,
-            "createdAt": time.time() - REFERENCE_DATE, **fields}
 
 
 class Access(unittest.TestCase):
@@ -41,33 +33,18 @@ class Access(unittest.TestCase):
             os.remove(os.path.join(d.briefings, name))
         d.write_briefing(time.strftime("%Y-%m-%d.md"), BRIEFING)
         tomorrow = time.time() - REFERENCE_DATE + 86400
-        with open(d.briefings + "/todos.json", "w") as file:
-            json.dump({"todos": [todo("Milk"), todo("Bread", prio=True, remindAt=tomorrow), todo("Old", done=True)],
-                       "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+        d.write_todos(todo("Milk"), todo("Bread", prio=True, remindAt=tomorrow), todo("Old", done=True))
         program = d.start_program()
         self.addCleanup(self.end, program)
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
+        d.unfold()
 
     @staticmethod
     def end(program):
         program.terminate()
         program.wait(10)
 
-    def flags(self):
-        state = self.desktop.read("itemflags.json")
-        return {kind: sorted(state.get(kind, {})) for kind in ("prio", "cleared", "hidden")}
-
     def done(self):
         return {entry["text"]: entry["done"] for entry in self.desktop.read("todos.json")["todos"]}
-
-    def await_flags(self, **expected):
-        wanted = {"prio": [], "cleared": [], "hidden": [], **expected}
-        try:
-            self.desktop.wait_for(lambda: self.flags() == wanted, "the flags", 3)
-        except AssertionError:
-            self.assertEqual(self.flags(), wanted)
 
     def description(self, role, name):
         return self.reader.find(role, name).description
@@ -104,20 +81,20 @@ class Access(unittest.TestCase):
         reader = self.reader
         reader.do("Increase", "list item", "Alpha")
         heard = reader.listen(1)
-        self.await_flags(prio=["alpha-report"])
+        self.desktop.await_flags(prio=["alpha-report"])
         self.assertEqual(self.description("list item", "Alpha"), "priority")
         self.assertIn(("accessible-description", 0, "Alpha report", "priority"), heard)
         # What a screen reader speaks of itself: an alert that comes up.
         self.assertIn(("showing", 1, "Marked as a priority", ""), heard)
         reader.do("Decrease", "list item", "Alpha")
-        self.await_flags(cleared=["alpha-report"])
+        self.desktop.await_flags(cleared=["alpha-report"])
         reader.listen(0.7)
         self.assertEqual(self.description("list item", "Alpha"), "cleared")
         reader.do("Decrease", "list item", "Alpha")
         self.assertIn(("showing", 1, "Removed", ""), reader.listen(1))
-        self.await_flags(cleared=["alpha-report"], hidden=["alpha-report"])
+        self.desktop.await_flags(cleared=["alpha-report"], hidden=["alpha-report"])
         reader.do("Press", "push button", "Show the hidden card")
-        self.await_flags(cleared=["alpha-report"])
+        self.desktop.await_flags(cleared=["alpha-report"])
 
         reader.do("Toggle", "check box", "Milk")
         heard = reader.listen(1)

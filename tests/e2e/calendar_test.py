@@ -1,13 +1,12 @@
 """The user's calendar in the panel: the question for access, the schedule of a day without a briefing, the next meeting
 and the way into it."""
 
-import json
 import os
 import pathlib
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, COLUMNS_TOP, NOTCH, Desktop
+from desktop import BRIEF_RIGHT, COLUMNS_TOP, Desktop
 
 LINK = "https://acme.zoom.us/j/123?pwd=x"
 STRIP_Y = COLUMNS_TOP + 17
@@ -29,19 +28,13 @@ class Calendar(unittest.TestCase):
             "Work", ("Design review", now + 720, now + 3420, "DESCRIPTION:Call: " + LINK, *INVITED),
             ("Workshop", now + 60, now + 7200, "LOCATION:Room 4", *INVITED))
 
-    def open_panel(self):
-        self.desktop.move(*NOTCH)
-        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
-
     def has_strip(self):
         """Whether the strip of the next meeting is drawn: it is greener than anything else there."""
         red, green, blue = self.desktop.screenshot().at(BRIEF_RIGHT - 3, STRIP_Y)
         return green - red > 8 and green - blue > 6
 
     def remembered_access(self):
-        with open(self.desktop.home + "/config/dawnly/defaults.json") as file:
-            return json.load(file).get("calendarAccess")
+        return self.desktop.defaults().get("calendarAccess")
 
     def prompt(self):
         """The window that asks, or nothing."""
@@ -59,7 +52,7 @@ class Calendar(unittest.TestCase):
         self.write_day()
         d.start_program()
         d.wait_for(lambda: d.report()["briefings"] == 1, "the schedule of the day")
-        self.open_panel()
+        self.desktop.unfold()
         self.assertTrue(self.has_strip())
         d.click(JOIN_X, STRIP_Y)
         d.wait_for(lambda: self.opened_addresses() == [LINK], "the meeting to be opened")
@@ -67,25 +60,6 @@ class Calendar(unittest.TestCase):
         # The calendar changes while the panel is open.
         d.write_calendar("Work")
         d.wait_for(lambda: not self.has_strip(), "the strip to go")
-
-    def test_the_program_asks_once_and_remembers_the_answer(self):
-        d = self.start(None)
-        self.write_day()
-        program = d.start_program()
-        d.wait_for(self.prompt, "the question")
-        self.assertIsNone(self.remembered_access())
-        time.sleep(0.5)
-        d.run("xdotool", "windowfocus", "--sync", self.prompt())
-        d.key("Return")
-        d.wait_for(lambda: self.remembered_access() == "fullAccess", "the answer to be kept")
-        d.wait_for(lambda: self.prompt() is None, "the question to go")
-        d.wait_for(lambda: d.report()["briefings"] == 1, "the schedule of the day")
-        program.terminate()
-        program.wait()
-        d.start_program()
-        self.open_panel()
-        d.wait_for(self.has_strip, "the next meeting")
-        self.assertIsNone(self.prompt())
 
     def test_the_program_outlives_the_session_bus(self):
         d = self.start("fullAccess")
@@ -111,7 +85,7 @@ class Calendar(unittest.TestCase):
         d.run("xdotool", "windowfocus", "--sync", self.prompt())
         d.key("Escape")
         d.wait_for(lambda: self.remembered_access() == "denied", "the refusal to be kept")
-        self.open_panel()
+        self.desktop.unfold()
         self.assertFalse(self.has_strip())
         self.assertIsNone(self.prompt())
         self.assertEqual(d.report()["briefings"], 0)

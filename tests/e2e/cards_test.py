@@ -1,12 +1,11 @@
 """What a user does with a card, by a real pointer and keyboard, judged by the files that it changes."""
 
-import datetime
 import os
 import subprocess
 import time
 import unittest
 
-from desktop import BRIEF_RIGHT, COLUMNS_TOP, NOTCH, PANEL_RIGHT, WIDTH, Desktop
+from desktop import BRIEF_RIGHT, COLUMNS_TOP, PANEL_RIGHT, WIDTH, Desktop
 
 CARD_LEFT = (WIDTH - 720) // 2 + 20 + 12
 CARD_Y = tuple(COLUMNS_TOP + 56 + 41 * card for card in range(5))
@@ -31,24 +30,14 @@ class Cards(unittest.TestCase):
         self.desktop.write_briefing("2026-11-22.md", BRIEFING + "".join("### S%d\n- Card\n" % i for i in range(3)))
         self.opened = self.desktop.catch_addresses()
         self.desktop.start_program()
-        self.desktop.move(*NOTCH)
-        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
+        self.desktop.unfold()
 
     def todos(self):
         return self.desktop.read("todos.json").get("todos", [])
 
     def expect_flags(self, prio=(), cleared=(), hidden=()):
         """That the flags come to this, and that the agent is told the same."""
-        def flags():
-            state = self.desktop.read("itemflags.json")
-            return [sorted(state.get(name, ())) for name in ("prio", "cleared", "hidden")]
-
-        wanted = [sorted(prio), sorted(cleared), sorted(hidden)]
-        try:
-            self.desktop.wait_for(lambda: flags() == wanted, "the flags", 3)
-        except AssertionError:
-            self.assertEqual(flags(), wanted)
+        self.desktop.await_flags(prio=prio, cleared=cleared, hidden=hidden)
         names = {"alpha-report": "Alpha report", "beta-call": "Beta call"}
         feedback = self.desktop.read("feedback.json")
         self.assertEqual([entry["text"] for entry in feedback["prio"]], [names[key] for key in prio])
@@ -156,32 +145,6 @@ class Cards(unittest.TestCase):
         time.sleep(0.5)
         self.assertEqual(len(self.todos()), 2)
 
-    def test_a_custom_reminder_by_keyboard_alone(self):
-        d = self.desktop
-        self.click_into_panel()
-        self.focus_card(1)
-        d.key("r")
-        time.sleep(0.2)
-        d.key("Up", "Return")
-        time.sleep(0.6)
-        d.key(*"281220270930", "Right", "Right", "Right")  # the digits move on by themselves
-        d.key("Tab", "Right", "Right")
-        d.key("Return")
-        d.wait_for(lambda: self.todos() and "remindAt" in self.todos()[0], "the reminder")
-        todo = self.todos()[0]
-        self.assertEqual((todo["text"], todo["remindRepeat"]), ("Beta call", "weekly"))
-        wanted = datetime.datetime(2027, 12, 28, 9, 30).timestamp()
-        self.assertEqual(todo["remindAt"] + 978307200, wanted)
-        # Escape leaves the sheet, not the panel.
-        d.key("r")
-        time.sleep(0.2)
-        d.key("Up", "Return")
-        time.sleep(0.6)
-        d.key("Escape")
-        time.sleep(0.3)
-        self.assertTrue(d.report()["expanded"])
-        self.assertEqual(len(self.todos()), 1)
-
     def test_the_sheet_is_about_the_card_that_asked_for_it(self):
         d = self.desktop
         self.click_into_panel()
@@ -222,22 +185,6 @@ class Cards(unittest.TestCase):
         self.assertEqual((todo["text"], todo["sourceItemKey"], todo["prio"]), ("Beta call", "beta-call", True))
         self.assertNotIn("remindAt", todo)
 
-    def test_a_card_is_dragged_onto_the_todos(self):
-        d = self.desktop
-        for _ in range(2):  # the second time it is there already
-            d.drag((HAND_X, CARD_Y[3]), (TODOS_X, 250), steps=30, release=False)
-            for x in (TODOS_X + 4, TODOS_X + 8):
-                d.move(x, 252)
-                time.sleep(0.2)
-            d.run("xdotool", "mouseup", "1")
-            d.wait_for(self.todos, "the todo")
-            time.sleep(0.5)
-        self.assertEqual([(todo["text"], todo["sourceItemKey"]) for todo in self.todos()],
-                         [("Delta review", "delta-review")])
-        self.assertFalse(os.path.exists(d.briefings + "/itemflags.json"))
-        self.swipe(0, 80)  # the hand is free again
-        self.expect_flags(prio=["alpha-report"])
-
     def test_a_carried_card_may_go_from_the_briefing(self):
         d = self.desktop
         d.drag((HAND_X, CARD_Y[3]), (TODOS_X, 160), steps=30, release=False)
@@ -275,6 +222,15 @@ class Cards(unittest.TestCase):
         self.swipe(0, 72)
         self.expect_flags(prio=["beta-call"])
 
+    def test_the_panels_own_menu_quits_the_program(self):
+        d = self.desktop
+        d.click(WIDTH // 2, 60, button=3)  # beside the cards
+        time.sleep(0.5)
+        self.assertIsNone(d.program.poll())
+        d.key("Up", "Return")  # the last entry
+        d.wait_for(lambda: d.program.poll() is not None, "the program to end")
+        self.assertEqual(d.program.returncode, 0)
+
     def test_an_introductions_links_open(self):
         d = self.desktop
         d.write_briefing("2026-11-22.md", "# Morning\n### Plan\nSee [this page](https://example.org/intro)\n- Card\n")
@@ -295,19 +251,6 @@ class Cards(unittest.TestCase):
             d.key("Tab", "o")
         d.wait_for(lambda: len(opened()) > 1, "the browser by keyboard")
         self.assertEqual(set(opened()), {"https://example.org/intro"})
-
-    def test_flags_by_keyboard_alone(self):
-        d = self.desktop
-        self.click_into_panel()
-        self.focus_card(0)
-        d.key("shift+Right")
-        self.expect_flags(prio=["alpha-report"])
-        d.key("shift+Left")
-        self.expect_flags(cleared=["alpha-report"])
-        d.key("shift+Left")
-        self.expect_flags(cleared=["alpha-report"], hidden=["alpha-report"])
-        d.key("ctrl+z", "ctrl+z", "ctrl+z")
-        self.expect_flags()
 
     def test_only_safe_links_open(self):
         d = self.desktop

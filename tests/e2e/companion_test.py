@@ -7,10 +7,9 @@ import subprocess
 import time
 import unittest
 
-from desktop import AWAY, NOTCH, Desktop
+from desktop import AWAY, Desktop
 
 COMPANION = os.environ["DAWNLYCTL"]
-WRITERS, TODOS_EACH = 4, 10
 
 
 class Companion(unittest.TestCase):
@@ -27,10 +26,6 @@ class Companion(unittest.TestCase):
     def told(self, *arguments):
         return subprocess.run([COMPANION, *arguments], env=self.desktop.environment, text=True,
                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE).stderr
-
-    def todos(self):
-        with open(os.path.join(self.desktop.briefings, "todos.json")) as file:
-            return [todo["text"] for todo in json.load(file)["todos"]]
 
     def test_it_speaks_to_the_program_that_runs(self):
         self.companion("report", code=1)
@@ -52,30 +47,28 @@ class Companion(unittest.TestCase):
     def test_changes_go_through_the_program_that_runs(self):
         d = self.desktop
         d.start_program()
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
-        time.sleep(1)
+        d.unfold()
         before = d.screenshot()
         self.assertEqual(self.companion("todo", "add", "Water", "the\x07 plants"), "1 [ ] Water the\ufffd plants\n")
-        self.assertEqual(self.todos(), ["Water the\x07 plants"])  # in the file when the command ends
+        self.assertEqual(self.desktop.todos(), ["Water the\x07 plants"])  # in the file when the command ends
         # In the open panel at once: sooner than it would look into the file by itself.
         d.wait_for(lambda: d.screenshot().pixels != before.pixels, "the todo to show", 1)
         self.assertEqual(self.companion("todo", "rename", "1", "Water", "them"), "1 [ ] Water them\n")
         self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] ! Water them\n")
         self.assertEqual(self.companion("todo", "prio", "1"), "1 [ ] Water them\n")
         self.companion("todo", "delete", "1")
-        self.assertEqual(self.todos(), [])
+        self.assertEqual(self.desktop.todos(), [])
         # As after a deletion in the panel, Control+Z there brings it back, and then the old text.
         d.run("xdotool", "key", "Tab", "key", "ctrl+z")
-        d.wait_for(lambda: self.todos() == ["Water them"], "the deletion to be taken back")
+        d.wait_for(lambda: self.desktop.todos() == ["Water them"], "the deletion to be taken back")
         d.key("ctrl+z")
-        d.wait_for(lambda: self.todos() == ["Water the\x07 plants"], "the new text to be taken back")
+        d.wait_for(lambda: self.desktop.todos() == ["Water the\x07 plants"], "the new text to be taken back")
         self.companion("flags", "prio", "some-card", "Some card")
         self.assertIn("some-card", json.loads(self.companion("flags", "list", "--json"))["prio"])
         # What is not its folder's is none of its business.
         other = os.path.join(d.home, "other")
         self.companion("todo", "--folder", other, "add", "Elsewhere")
-        self.assertEqual(self.todos(), ["Water the\x07 plants"])
+        self.assertEqual(self.desktop.todos(), ["Water the\x07 plants"])
         self.assertEqual(self.companion("todo", "--folder", other, "list"), "1 [ ] Elsewhere\n")
 
     def test_the_interface_on_the_bus_keeps_its_promises(self):
@@ -86,7 +79,7 @@ class Companion(unittest.TestCase):
         for _ in range(2):  # whoever got no answer asks again
             answer = self.change_todo(d.briefings, "add", todo, "Once", expires=soon)
             self.assertEqual(answer[:2], ['string "written"', "uint32 1"])
-        self.assertEqual(self.todos(), ["Once"])
+        self.assertEqual(self.desktop.todos(), ["Once"])
         another = todo.replace("1", "2")
         for outcome, expires, *words in (("late", 1e9, d.briefings, "add", another, "Late"),
                                          ("otherFolder", soon, "/", "delete", todo, ""),
@@ -98,7 +91,7 @@ class Companion(unittest.TestCase):
         for wrong in (("ChangeTodo", "string:x"), ("NoSuchThing",)):
             with self.assertRaises(subprocess.CalledProcessError):
                 self.call("app.dawnly.Dawnly." + wrong[0], *wrong[1:])
-        self.assertEqual(self.todos(), ["Once"])
+        self.assertEqual(self.desktop.todos(), ["Once"])
 
     def test_a_program_that_hangs_delays_a_change_and_makes_it_no_second_time(self):
         d = self.desktop
@@ -111,16 +104,14 @@ class Companion(unittest.TestCase):
         self.companion("todo", "delete", "1")
         program.send_signal(signal.SIGCONT)
         time.sleep(3)  # it has got all that waited for it, and looked into the file
-        self.assertEqual(self.todos(), [])
+        self.assertEqual(self.desktop.todos(), [])
         self.companion("todo", "add", "Afterwards")
-        self.assertEqual(self.todos(), ["Afterwards"])
+        self.assertEqual(self.desktop.todos(), ["Afterwards"])
 
     def test_settings_take_effect_in_the_running_program(self):
         d = self.desktop
         d.start_program()
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
-        time.sleep(1)
+        d.unfold()
         shown = d.screenshot().pixels
         self.companion("defaults", "write", "notchTheme", "custom")
         d.wait_for(lambda: d.screenshot().pixels != shown, "the other theme", 3)
@@ -153,34 +144,8 @@ class Companion(unittest.TestCase):
         program.kill()
         program.wait()
         d.start_program()
-        d.wait_for(lambda: self.todos() == ["First", "Second"], "what the killed program still had to write")
+        d.wait_for(lambda: self.desktop.todos() == ["First", "Second"], "what the killed program still had to write")
 
-    def test_todos_added_at_the_same_time_are_all_kept(self):
-        self.desktop.start_program()
-        loop = 'for i in $(seq %d); do "%s" todo add "writer $0 todo $i" || exit 1; done' % (TODOS_EACH, COMPANION)
-        writers = [self.desktop.start("bash", "-c", loop, str(writer)) for writer in range(WRITERS)]
-        # Meanwhile the program takes over the action items of a briefing that grows.
-        rounds = 0
-        while rounds == 0 or any(writer.poll() is None for writer in writers):
-            rounds += 1
-            self.write_items(rounds)
-            time.sleep(0.6)
-            self.assertLess(rounds, 100)
-        for writer in writers:
-            self.assertEqual(writer.wait(), 0)
-        added = {"writer %d todo %d" % (writer, todo + 1) for writer in range(WRITERS) for todo in range(TODOS_EACH)}
-        self.desktop.wait_for(lambda: "item %d" % rounds in self.todos(), "the briefing's last item")
-        self.assertLessEqual(added, set(self.todos()))
-        # The program knows them all: what it writes next has them too.
-        time.sleep(2.5)
-        self.write_items(rounds + 1)
-        self.desktop.wait_for(lambda: "item %d" % (rounds + 1) in self.todos(), "one more item")
-        self.assertLessEqual(added, set(self.todos()))
-        self.assertEqual(len(self.todos()), len(set(self.todos())))
-
-    def write_items(self, count):
-        items = "".join("- [ ] item %d\n" % (item + 1) for item in range(count))
-        self.desktop.write_briefing(time.strftime("%Y-%m-%d.md"), "# Day\n### ✅ Action Items\n" + items)
 
 
 if __name__ == "__main__":

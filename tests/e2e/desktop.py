@@ -9,8 +9,10 @@ import struct
 import subprocess
 import tempfile
 import time
+import uuid
 
 REPORT = "/tmp/dawnly-state.json"
+REFERENCE_DATE = 978307200  # the dates of the store files count from here, in seconds since 1970
 WIDTH, HEIGHT = 1280, 800
 PANEL_LEFT, PANEL_RIGHT = (WIDTH - 780) // 2, (WIDTH + 780) // 2
 CARD_RIGHT = PANEL_RIGHT - 30  # within the window's margin
@@ -21,6 +23,12 @@ TODO_LEFT, TODO_RIGHT = CARD_RIGHT - 20 - 254, CARD_RIGHT - 20
 HEADER_Y, COLUMNS_TOP = 62, 104
 NOTCH = (WIDTH // 2, 10)
 AWAY = (100, 700)
+
+
+def todo(text, **fields):
+    """A todo as the file has it."""
+    return {"id": str(uuid.uuid4()).upper(), "text": text, "done": False,
+            "createdAt": time.time() - REFERENCE_DATE, **fields}
 
 
 class Screenshot:
@@ -163,6 +171,10 @@ class Desktop:
         with open(os.path.join(self.briefings, name), "w") as briefing:
             briefing.write(text)
 
+    def write_todos(self, *todos):
+        with open(self.briefings + "/todos.json", "w") as file:
+            json.dump({"todos": todos, "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+
     def write_calendar(self, name, *events):
         """A calendar of events: (summary, start, end, further lines), the times in seconds since 1970."""
         folder = self.home + "/data/dawnly/calendars"
@@ -191,6 +203,12 @@ class Desktop:
 
     def move(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
+
+    def unfold(self):
+        """Reaches for the notch and waits until the panel is open and its springs are at rest."""
+        self.move(*NOTCH)
+        self.wait_for(lambda: self.report()["expanded"], "the panel to unfold")
+        time.sleep(0.9)
 
     def click(self, x, y, button=1):
         self.run("xdotool", "mousemove", str(x), str(y), "click", str(button))
@@ -275,6 +293,21 @@ class Desktop:
         found = subprocess.run(["xdotool", "getwindowfocus"], env=self.environment, stdout=subprocess.PIPE,
                                stderr=subprocess.DEVNULL, check=False)
         return found.stdout.decode().strip()
+
+    def await_flags(self, **expected):
+        """Waits until the flags are on the cards of these keys, such as prio=["alpha"], and on no others."""
+        def flags():
+            state = self.read("itemflags.json")
+            return {kind: sorted(state[kind]) for kind in ("prio", "cleared", "hidden") if state.get(kind)}
+
+        self.await_value(flags, {kind: sorted(keys) for kind, keys in expected.items() if keys}, "the flags")
+
+    def await_value(self, value, expected, what, seconds=3):
+        """Waits until it has that value; a failure tells the one that it has."""
+        try:
+            self.wait_for(lambda: value() == expected, what, seconds)
+        except AssertionError as failure:
+            raise AssertionError("%s to be %r: %r" % (failure, expected, value())) from None
 
     @staticmethod
     def wait_for(condition, what, seconds=10):

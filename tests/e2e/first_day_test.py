@@ -5,11 +5,10 @@ import os
 import subprocess
 import unittest
 
-from desktop import AWAY, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_RIGHT, WIDTH, Desktop
+from desktop import AWAY, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_RIGHT, REFERENCE_DATE, WIDTH, Desktop
 from screen_reader import ScreenReader
 
 MONDAY, TUESDAY = "2026-11-23 09:12:05", "2026-11-24 07:45:00"
-REFERENCE_DATE = 978307200  # the dates of the files count from here, in seconds since 1970
 TOMORROW_AT_NINE = 1795510800 - REFERENCE_DATE
 DEFAULT_FOLDER = "Library/Mobile Documents/iCloud~app~dawnly~Dawnly/Documents"
 WELCOME_TODOS = ["Hover the notch and poke around", "Swipe a bullet right, then swipe one left",
@@ -46,10 +45,7 @@ class FirstDay(unittest.TestCase):
             found = self.desktop.read(name).get(key)
             return None if found is None else of(found)
 
-        try:
-            self.desktop.wait_for(lambda: value() == expected, name, 5)
-        except AssertionError:
-            self.assertEqual(value(), expected)
+        self.desktop.await_value(value, expected, name, 5)
 
     def await_todos(self, *texts):
         """The open todos in their order."""
@@ -57,7 +53,7 @@ class FirstDay(unittest.TestCase):
                         lambda todos: [todo["text"] for todo in todos if not todo["done"]])
 
     def await_setting(self, key, expected):
-        self.desktop.wait_for(lambda: self.desktop.defaults().get(key) == expected, "%s to be %r" % (key, expected))
+        self.desktop.await_value(lambda: self.desktop.defaults().get(key), expected, key, 10)
 
     def prompt(self, kind):
         return subprocess.run([os.environ["DAWNLYCTL"], "prompt", kind], env=self.desktop.environment, check=True,
@@ -367,6 +363,8 @@ class FirstDay(unittest.TestCase):
         self.see("heading", "EOD Recap")
         self.see("label", "Monday 23 Nov")
         self.assertGreater(self.warmth(STAND_UP), 20)
+        self.click("push button", "Newer briefing")
+        self.see("heading", "Morning Briefing, Tuesday 24 November")
 
     def test_it_is_lived_through(self):
         for step in (self.first_start, self.tour, self.another_folder, self.the_agents_file, self.swipes,

@@ -5,7 +5,7 @@ import subprocess
 import time
 import unittest
 
-from desktop import AWAY, HEADER_Y, HEIGHT, NOTCH, PANEL_LEFT, PANEL_RIGHT, REPORT, WIDTH, Desktop
+from desktop import AWAY, HEIGHT, NOTCH, PANEL_LEFT, PANEL_RIGHT, REPORT, WIDTH, Desktop
 
 MORNING = "# Morning\n### 📅 Schedule\n- one\n- two **bold**\n- three\n### 🔴 Urgent\n- four\n- five\n"
 
@@ -18,11 +18,6 @@ class FirstLight:
     def setUp(self):
         self.desktop = Desktop(compositor=self.compositor)
         self.addCleanup(self.desktop.close)
-
-    def open_panel(self):
-        self.desktop.move(*NOTCH)
-        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
-        self.settle()
 
     def settle(self):
         """Until the panel's springs are at rest."""
@@ -42,7 +37,7 @@ class FirstLight:
         self.assertGreater(took, 0.3)
         self.assertLess(took, 2)
 
-        self.open_panel()
+        d.unfold()
         picture = d.screenshot()
         self.assertGreater(picture.lowest_panel_row(), 240)
         self.assertEqual(picture.card_count(), 3)
@@ -55,7 +50,7 @@ class FirstLight:
         d = self.desktop
         d.write_briefing("2026-11-22.md", MORNING)
         d.start_program()
-        self.open_panel()
+        d.unfold()
         d.move(PANEL_RIGHT + 23, 300)
         self.settle()
         self.assertTrue(d.report()["expanded"])
@@ -87,18 +82,6 @@ class FirstLight:
         pressed = places[::2]  # each press is followed by its release
         self.assertEqual(pressed, ["640,60", "%d,300" % (PANEL_LEFT + 10), "640,620"])
 
-    def test_a_click_in_another_program_folds_it(self):
-        d = self.desktop
-        d.write_briefing("2026-11-22.md", MORNING)
-        d.start_program()
-        self.open_panel()
-        d.click(WIDTH // 2, 60)              # on the panel itself
-        self.settle()
-        self.assertTrue(d.report()["expanded"])
-        d.click(WIDTH // 2, 620)             # in the window, below the card
-        d.wait_for(lambda: not d.report()["expanded"], "the panel to fold", 1)
-        self.assertTrue(d.report()["suppressed"])
-
     def test_a_flick_across_the_notch_opens_it(self):
         d = self.desktop
         d.start_program()
@@ -128,52 +111,6 @@ class FirstLight:
         d.move(*NOTCH)
         self.assertTrue(d.report()["inZone"])
 
-    def test_a_broadcast_unfolds_it(self):
-        d = self.desktop
-        d.start_program()
-        d.signal("expand")
-        d.wait_for(lambda: d.report()["expanded"], "the broadcast to be heard", 2)
-
-    def test_the_keyboard_does_what_the_pointer_does(self):
-        d = self.desktop
-        other = d.start("xev", "-geometry", "200x100+0+600", "-event", "keyboard")
-        time.sleep(1)
-        d.click(50, 650)
-        d.write_briefing("2026-11-22.md", MORNING)
-        d.write_briefing("2026-11-21.md", "# Yesterday\n### Notes\n- only one\n")
-        d.start_program()
-        before = d.run("xdotool", "search", "--name", "Event Tester").decode().split()[0]
-        d.run("xdotool", "windowfocus", "--sync", before)
-        self.open_panel()
-        self.assertEqual(d.focused_window(), before)  # hovering takes no focus
-        d.click(WIDTH // 2, 60)  # on the header
-        d.wait_for(lambda: d.focused_window() != before, "the panel to take the keyboard", 2)
-        self.assertEqual(d.screenshot().card_count(), 3)
-        d.key("Tab", "Tab", "Tab", "Return")  # the older-day button is first, then the settings and the open section
-        self.settle()
-        self.assertEqual(d.screenshot().card_count(), 0)
-        d.key("Down", "Return")  # the next section
-        self.settle()
-        self.assertEqual(d.screenshot().card_count(), 2)
-        d.key("Left")
-        self.settle()
-        d.key("Right")
-        d.key("Escape")
-        d.wait_for(lambda: not d.report()["expanded"], "Escape to fold it", 2)
-        d.wait_for(lambda: d.focused_window() == before, "the keyboard to go back", 2)
-        self.assertIsNone(other.poll())
-
-    def test_days_are_stepped_through_with_the_pointer(self):
-        d = self.desktop
-        d.write_briefing("2026-11-22.md", MORNING)
-        d.write_briefing("2026-11-21.md", "# Yesterday\n### Notes\n- only one\n")
-        d.start_program()
-        self.open_panel()
-        card_right = PANEL_RIGHT - 30
-        d.click(card_right - 20 - 2 * (26 + 6) - 13, HEADER_Y)
-        d.wait_for(lambda: d.screenshot().card_count() == 1, "yesterday's card")
-        d.click(card_right - 20 - (26 + 6) - 13, HEADER_Y)
-        d.wait_for(lambda: d.screenshot().card_count() == 3, "today's cards")
 
 
 class WithoutCompositor(FirstLight, unittest.TestCase):

@@ -118,13 +118,8 @@ class DesktopWithDevices(Desktop):
                 width=WIDTH, height=HEIGHT,
                 devices="".join(DEVICE.format(name=name, socket=sockets[name], type=names[name]) for name in names),
                 references="\n".join('  InputDevice "%s"' % name for name in names)))
-        read, write = os.pipe()
-        self.start("/usr/lib/xorg/Xorg", "-displayfd", str(write), "-config", configuration, "-logfile",
-                   os.path.join(self.home, "xorg.log"), "-nolisten", "tcp", "-noreset", "-sharevts", "-novtswitch",
-                   "-keeptty", pass_fds=(write,))
-        os.close(write)
-        with os.fdopen(read) as display:
-            self.environment["DISPLAY"] = ":" + display.readline().strip()
+        self._run_server("/usr/lib/xorg/Xorg", "-config", configuration, "-logfile", self.home + "/xorg.log",
+                         "-sharevts", "-novtswitch", "-keeptty")
         self.touchpad, self.mouse = Pointer(sockets["Touchpad"]), Pointer(sockets["Mouse"])
 
     def close(self):

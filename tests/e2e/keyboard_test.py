@@ -1,17 +1,15 @@
 """What only the pointer did in the tests of cards and todos, by keyboard alone: days, sections, menus, links between the
 columns, settings. Once the hotkey has opened the panel, the pointer stays where it is."""
 
-import json
+import datetime
 import os
 import time
 import unittest
-import uuid
 
-from desktop import AWAY, COLUMNS_TOP, TODO_LEFT, Desktop
+from desktop import AWAY, COLUMNS_TOP, REFERENCE_DATE, TODO_LEFT, Desktop, todo
 
 TODAY = "# Today\n### Schedule\n- Alpha\n- Beta\n### Reading\n- Gamma\n"
 ROW = TODO_LEFT + 7, COLUMNS_TOP + 90  # where the first todo begins
-REFERENCE_DATE = 978307200  # the dates of the todo file count from here, in seconds since 1970
 
 
 class Keyboard(unittest.TestCase):
@@ -22,10 +20,7 @@ class Keyboard(unittest.TestCase):
         d.write_briefing(time.strftime("%Y-%m-%d.md"), TODAY)
         yesterday = time.strftime("%Y-%m-%d.md", time.localtime(time.time() - 86400))
         d.write_briefing(yesterday, "# Older\n### Schedule\n- Delta\n")
-        with open(d.briefings + "/todos.json", "w") as file:
-            todo = {"id": str(uuid.uuid4()).upper(), "text": "Dentist", "done": False,
-                    "createdAt": time.time() - REFERENCE_DATE}
-            json.dump({"todos": [todo], "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+        d.write_todos(todo("Dentist"))
         d.start_program()
         self.open_panel()
 
@@ -42,16 +37,6 @@ class Keyboard(unittest.TestCase):
             time.sleep(0.05)
         time.sleep(0.4)
 
-    def await_flags(self, **expected):
-        def flags():
-            state = self.desktop.read("itemflags.json")
-            return {kind: sorted(state.get(kind, {})) for kind in ("prio", "cleared", "hidden") if state.get(kind)}
-
-        try:
-            self.desktop.wait_for(lambda: flags() == expected, "the flags", 3)
-        except AssertionError:
-            self.assertEqual(flags(), expected)
-
     def to_first_card(self):
         """From the field for todos: over to the briefing, past its first section's header."""
         self.press("F6", "Down")
@@ -59,25 +44,25 @@ class Keyboard(unittest.TestCase):
     def test_cards_from_one_to_the_next(self):
         self.to_first_card()
         self.press("shift+Right")
-        self.await_flags(prio=["alpha"])
+        self.desktop.await_flags(prio=["alpha"])
         self.press("Down", "shift+Left")
-        self.await_flags(prio=["alpha"], cleared=["beta"])
+        self.desktop.await_flags(prio=["alpha"], cleared=["beta"])
         # A card that goes hands the keyboard on, here to the next section.
         self.press("shift+Left")
-        self.await_flags(prio=["alpha"], cleared=["beta"], hidden=["beta"])
+        self.desktop.await_flags(prio=["alpha"], cleared=["beta"], hidden=["beta"])
         self.press("Return", "Down", "shift+Right")
-        self.await_flags(prio=["alpha", "gamma"], cleared=["beta"], hidden=["beta"])
+        self.desktop.await_flags(prio=["alpha", "gamma"], cleared=["beta"], hidden=["beta"])
         # Below the last card is what brings the hidden ones back.
         self.press("Down", "space")
-        self.await_flags(prio=["alpha", "gamma"], cleared=["beta"])
+        self.desktop.await_flags(prio=["alpha", "gamma"], cleared=["beta"])
 
     def test_days(self):
         self.press("F6", "shift+Left", "ctrl+Left", "Left", "shift+Right")  # with another key held they turn no page
         self.press("F6", "F6", "Down", "shift+Right")  # over to the todos and back
-        self.await_flags(prio=["delta"])
+        self.desktop.await_flags(prio=["delta"])
         self.press("Right")
         self.press("F6", "F6", "Down", "shift+Right")
-        self.await_flags(prio=["alpha", "delta"])
+        self.desktop.await_flags(prio=["alpha", "delta"])
 
     def test_a_card_becomes_a_todo_with_a_reminder(self):
         d = self.desktop
@@ -114,12 +99,23 @@ class Keyboard(unittest.TestCase):
             self.press("m", key, "Down", "Return")
             d.wait_for(lambda: "Alpha" in d.todos(), "the todo", 3)
         self.press("m", "shift+Tab", "shift+Right")  # closed, and the keyboard is on the card again
-        self.await_flags(prio=["alpha"])
+        self.desktop.await_flags(prio=["alpha"])
         self.press("r", "Up", "Return")
         time.sleep(0.3)
         self.press("F6", "shift+F10", "Menu")
-        d.key(*"281220270930", "Return")
-        d.wait_for(lambda: any("remindAt" in todo for todo in self.desktop.read("todos.json")["todos"]), "the reminder", 3)
+        d.key(*"281220270930", "Right", "Right", "Right")  # the digits move on by themselves
+        d.key("Tab", "Right", "Right", "Return")
+
+        def reminder():
+            alpha = next(todo for todo in d.read("todos.json")["todos"] if todo["text"] == "Alpha")
+            return alpha.get("remindAt"), alpha.get("remindRepeat")
+
+        moment = datetime.datetime(2027, 12, 28, 9, 30).timestamp() - REFERENCE_DATE
+        d.await_value(reminder, (moment, "weekly"), "the reminder")
+        self.press("r", "Up", "Return")
+        time.sleep(0.3)
+        self.press("Escape")  # the sheet alone
+        self.assertTrue(d.report()["expanded"])
         self.assertEqual(sorted(d.todos()), ["Alpha", "Dentist"])
         self.assertFalse(os.path.exists(self.opened))
 
@@ -127,14 +123,14 @@ class Keyboard(unittest.TestCase):
         d = self.desktop
         self.to_first_card()
         self.press("shift+Right", "Down", "shift+Right")
-        self.await_flags(prio=["alpha", "beta"])
+        self.desktop.await_flags(prio=["alpha", "beta"])
         d.write_briefing(time.strftime("%Y-%m-%d.md"), "# Today\n### Reading\n- Gamma\n")
         time.sleep(1.5)
         self.press("F6", "F6", "Down", "Down", "Return", "Down")  # past the only card, into the section below it
         self.press("shift+Right")
-        self.await_flags(prio=["beta"])
+        self.desktop.await_flags(prio=["beta"])
         self.press("shift+Left")
-        self.await_flags(cleared=["beta"])
+        self.desktop.await_flags(cleared=["beta"])
         d.key(*"Milk", "Return")  # what follows is the field for todos
         d.wait_for(lambda: "Milk" in d.todos(), "the todo", 3)
 

@@ -8,7 +8,7 @@ import time
 import unittest
 import urllib.request
 
-from desktop import BRIEF_LEFT, BRIEF_RIGHT, COLUMNS_TOP, NOTCH, Desktop
+from desktop import BRIEF_LEFT, BRIEF_RIGHT, COLUMNS_TOP, Desktop
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
 import media  # noqa: E402
@@ -45,11 +45,6 @@ class Playing(unittest.TestCase):
     def is_muted(self):
         return self.ask("pactl", "get-sink-mute", "@DEFAULT_SINK@").strip() == "Mute: yes"
 
-    def open_panel(self):
-        self.desktop.move(*NOTCH)
-        self.desktop.wait_for(lambda: self.desktop.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
-
     def lit_pixels(self, x):
         """How much of the symbol at that place is drawn."""
         picture = self.desktop.screenshot()
@@ -74,7 +69,7 @@ class Playing(unittest.TestCase):
         d.start(*media.player_command(d.home, "first.wav", "second.wav"))
         d.wait_for(lambda: "Playing" in self.property("PlaybackStatus"), "the player")
         d.start_program()
-        self.open_panel()
+        self.desktop.unfold()
         self.wait_for_strip()
         self.assertGreater(self.lit_pixels(PREVIOUS), 10)
         self.assertGreater(self.lit_pixels(NEXT), 10)
@@ -103,7 +98,7 @@ class Playing(unittest.TestCase):
         d.start("/usr/bin/python3", os.path.join(os.path.dirname(media.__file__), "mpris_player.py"), "spotify", "Weightless",
                 "Marconi Union", "file://" + d.home + "/cover.png")
         d.start_program()
-        self.open_panel()
+        self.desktop.unfold()
         self.wait_for_strip()
         d.wait_for(lambda: d.screenshot().at(COVER_X, STRIP_Y) == (0x20, 0x60, 0xE0), "the cover")
         self.picture("cover.png")
@@ -131,7 +126,7 @@ class Playing(unittest.TestCase):
         urllib.request.urlopen(urllib.request.Request(article, method="PUT"), timeout=10).close()
         d.wait_for(lambda: pages()[0] == "An article", "the other tab")
         d.start_program()
-        self.open_panel()
+        self.desktop.unfold()
         self.wait_for_strip()
         # Two buttons stand where the last two of four would: a tab has no other tracks.
         self.assertEqual((self.lit_pixels(PLAY), self.lit_pixels(PREVIOUS)), (0, 0))

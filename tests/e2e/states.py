@@ -7,12 +7,12 @@ import subprocess
 import sys
 import time
 
-from desktop import AWAY, BRIEF_LEFT, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_LEFT, PANEL_RIGHT, TODO_LEFT, Desktop
+from desktop import (AWAY, BRIEF_LEFT, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_LEFT, PANEL_RIGHT, REFERENCE_DATE,
+                     TODO_LEFT, Desktop)
 from PIL import Image
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 NOW = "2026-11-23 09:12:05"  # in the time zone of the sun
-REFERENCE_DATE = 978307200  # the dates of the files count from here, in seconds since 1970
 START = 1795425125 - REFERENCE_DATE  # the same moment as a file has it
 CARD_X, TODO_X = BRIEF_LEFT + 160, TODO_LEFT + 90
 

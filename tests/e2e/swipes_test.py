@@ -3,7 +3,7 @@
 import time
 import unittest
 
-from desktop import AWAY, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, TODO_LEFT
+from desktop import AWAY, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, TODO_LEFT
 from input_devices import HORIZONTAL, VERTICAL, DesktopWithDevices
 
 CARD_COUNT = 40  # more than the panel has room for
@@ -22,10 +22,8 @@ class Swipes(unittest.TestCase):
         d.write_briefing("2026-11-22.md", "# Morning\n### Schedule\n" + cards + "### Action Items\n- [ ] Send the deck\n")
         d.start_program()
         d.wait_for(lambda: self.desktop.read("feedback.json").get("untouched"), "the first feedback")
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        d.unfold()
         d.move(*CARD)
-        time.sleep(0.9)
 
     def flags(self):
         """What both files say of the cards: the priorities and the cleared cards, and which are hidden. None while the
@@ -39,11 +37,7 @@ class Swipes(unittest.TestCase):
         return prio, cleared, flags.get("hidden", [])
 
     def expect(self, what, prio=(), cleared=(), hidden=()):
-        expected = (list(prio), list(cleared), list(hidden))
-        try:
-            self.desktop.wait_for(lambda: self.flags() == expected, what, 3)
-        except AssertionError as error:
-            raise AssertionError("%s: %r" % (error, self.flags())) from None
+        self.desktop.await_value(self.flags, (list(prio), list(cleared), list(hidden)), what)
         time.sleep(0.5)  # the card springs back
 
     def expect_nothing_flagged(self, what):

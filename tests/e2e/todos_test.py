@@ -1,14 +1,10 @@
 """The todo column, worked with the pointer and with the keyboard alone, and judged by todos.json."""
 
-import json
-import os
 import time
 import unittest
-import uuid
 
-from desktop import BRIEF_LEFT, COLUMNS_TOP, NOTCH, TODO_LEFT, TODO_RIGHT, Desktop
+from desktop import BRIEF_LEFT, COLUMNS_TOP, REFERENCE_DATE, TODO_LEFT, TODO_RIGHT, Desktop, todo
 
-REFERENCE_DATE = 978307200  # the dates of the file count from here, in seconds since 1970
 FIELD = (TODO_LEFT + 60, COLUMNS_TOP + 52)
 TICK_X = TODO_LEFT + 20
 TEXT_X = TODO_LEFT + 90
@@ -21,11 +17,6 @@ def row_y(row):
     return COLUMNS_TOP + 90 + 28 * row
 
 
-def todo(text, **fields):
-    return {"id": str(uuid.uuid4()).upper(), "text": text, "done": False,
-            "createdAt": time.time() - REFERENCE_DATE, **fields}
-
-
 class Todos(unittest.TestCase):
     def setUp(self):
         self.desktop = Desktop(window_manager=True)
@@ -36,31 +27,19 @@ class Todos(unittest.TestCase):
         if briefing:
             d.write_briefing(time.strftime("%Y-%m-%d.md"), briefing)
         if todos:
-            with open(d.briefings + "/todos.json", "w") as file:
-                json.dump({"todos": todos, "lastImportDay": time.strftime("%Y-%m-%d"), "dismissed": []}, file)
+            d.write_todos(*todos)
         d.start_program()
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
+        d.unfold()
 
     def todos(self):
-        for _ in range(50):
-            try:
-                with open(self.desktop.briefings + "/todos.json") as file:
-                    return json.load(file)["todos"]
-            except (FileNotFoundError, ValueError):  # not written yet, or being written
-                time.sleep(0.02)
-        return []
+        return self.desktop.read("todos.json").get("todos", [])
 
     def order(self):
         """The texts, with a mark on priorities and on what is done."""
         return [entry["text"] + "!" * bool(entry.get("prio")) + "." * entry["done"] for entry in self.todos()]
 
     def expect(self, *order):
-        try:
-            self.desktop.wait_for(lambda: self.order() == list(order), "the list", 3)
-        except AssertionError:
-            self.assertEqual(self.order(), list(order))
+        self.desktop.await_value(self.order, list(order), "the list")
         time.sleep(0.5)  # until the rows stand still
 
     def expect_open(self, *order):
@@ -116,9 +95,7 @@ class Todos(unittest.TestCase):
         self.type("Juice")
         d.run("xdotool", "mousemove", "100", "700", "click", "1")  # turning away keeps it too
         self.expect("Pay rent", "Juice", "Call mum.")
-        d.move(*NOTCH)
-        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
-        time.sleep(0.9)
+        d.unfold()
         d.click(*FIELD)
         d.key("Escape")
         d.wait_for(lambda: not d.report()["expanded"], "Escape to fold the panel", 2)

@@ -30,11 +30,6 @@ class Windows:
         self.desktop.wait_for(lambda: self.desktop.report()["expanded"] is expanded,
                               "the panel to be " + ("open" if expanded else "folded"), seconds)
 
-    def hover(self):
-        self.desktop.move(*NOTCH)
-        self.wait_until(True)
-        self.settle()
-
     @staticmethod
     def settle():
         """Until springs are at rest and events have gone round."""
@@ -45,16 +40,6 @@ class Windows:
 
 
 class Keyboard(Windows):
-    def test_hovering_takes_no_keyboard(self):
-        d = self.desktop
-        self.start()
-        self.hover()
-        d.key("a")
-        d.move(*AWAY)
-        self.wait_until(False)
-        d.key("b")
-        d.wait_for(lambda: self.neighbour.typed() == "ab", "both letters to reach the other window", 3)
-
     def test_a_click_on_the_folded_notch_takes_no_keyboard(self):
         d = self.desktop
         self.start()
@@ -62,15 +47,16 @@ class Keyboard(Windows):
         self.settle()
         self.assertFalse(d.report()["expanded"])
         d.key("a")
-        self.hover()
+        d.unfold()
+        d.key("b")  # nor does hovering
         d.click(WIDTH // 2, 60)
         d.wait_for(lambda: not self.neighbour.has_keyboard(), "the panel to take the keyboard", 2)
         d.key("Escape")
         self.wait_until(False)
         d.wait_for(self.neighbour.has_keyboard, "the keyboard to go back", 2)
         d.click(*NOTCH)  # in the moment in which it does not open again
-        d.key("b")
-        d.wait_for(lambda: self.neighbour.typed() == "ab", "both letters to reach the other window", 3)
+        d.key("c")
+        d.wait_for(lambda: self.neighbour.typed() == "abc", "all letters to reach the other window", 3)
 
     def test_the_hotkey_takes_the_keyboard_and_gives_it_back(self):
         d = self.desktop
@@ -130,7 +116,7 @@ class Keyboard(Windows):
         self.assertFalse(d.report()["expanded"])
         # Without the lock key the chord is nobody's.
         d.wait_for(lambda: self.neighbour.presses(r"keysym 0x20, (space)"), "the space to reach the other window", 2)
-        self.hover()
+        d.unfold()
         self.assertTrue(d.report()["expanded"])
 
     def test_the_hotkey_follows_the_keyboard_mapping(self):
@@ -149,6 +135,7 @@ class Folding(Windows):
         for name, turn in {
                 "a click on the other window": lambda: d.click(1100, 70),
                 "a click on the desktop": lambda: d.click(*AWAY),
+                "a click in the panel's window, below the card": lambda: d.click(WIDTH // 2, 620),
                 "activation by the window manager": other.activate,
                 "another desktop": lambda: d.run("wmctrl", "-s", "1"),
         }.items():
@@ -156,7 +143,7 @@ class Folding(Windows):
                 self.neighbour.activate()
                 d.move(*AWAY)
                 d.wait_for(lambda: not d.report()["expanded"] and not d.report()["suppressed"], "the panel to rest")
-                self.hover()
+                d.unfold()
                 d.move(WIDTH // 2, 150)
                 turn()
                 self.wait_until(False)
@@ -169,7 +156,7 @@ class Folding(Windows):
         self.start()
         other = neighbours.Typewriter(d, "Other", "200x100+1050+20")
         self.neighbour.activate()
-        self.hover()
+        d.unfold()
         d.click(WIDTH // 2, 60)
         d.wait_for(lambda: not self.neighbour.has_keyboard(), "the panel to take the keyboard", 2)
         d.click(1100, 70)
@@ -177,20 +164,10 @@ class Folding(Windows):
         self.settle()
         self.assertTrue(other.has_keyboard())
 
-    def test_escape_folds_it(self):
-        d = self.desktop
-        self.start()
-        d.key("ctrl+space")
-        self.wait_until(True)
-        self.settle()
-        d.key("Escape")
-        self.wait_until(False)
-        d.wait_for(self.neighbour.has_keyboard, "the keyboard to go back", 2)
-
     def test_it_stays_open_while_a_menu_is_open(self):
         d = self.desktop
         self.start()
-        self.hover()
+        d.unfold()
         d.click(*CARD, button=3)
         self.settle()
         d.move(*AWAY)
@@ -216,7 +193,7 @@ class Stacking(Windows):
         late.full_screen()
         self.settle()
         self.assertTrue(self.panel_shows())
-        self.hover()
+        d.unfold()
         self.assertGreaterEqual(d.screenshot().card_count(), 1)
 
     def test_it_comes_up_again_when_it_is_covered(self):
@@ -239,7 +216,7 @@ class Stacking(Windows):
         self.settle()
         self.assertEqual(d.screenshot().at(*NOTCH), white)
         d.wait_for(lambda: not d.report()["suppressed"], "the panel to rest")
-        self.hover()
+        d.unfold()
         self.assertEqual(d.screenshot().at(*CARD), white)
         d.move(*AWAY)
         self.wait_until(False)
