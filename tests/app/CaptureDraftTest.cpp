@@ -3,27 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <deque>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/stores/TodoStore.h"
-#include "support/SimulatedFileSystem.h"
-#include "support/SimulatedPlatform.h"
+#include "support/SimulatedPlayers.h"
+#include "support/StoresFixture.h"
 
 namespace sunpane {
 namespace {
 
-struct CaptureDraftTest : ::testing::Test {
-    testing::SimulatedPlatform platform;
-    testing::SimulatedFileSystem files{platform.clock};
-    testing::SimulatedCloudFiles cloudFiles;
-    StoreFiles storeFiles{{files, cloudFiles, platform.clock, platform.runLoop, platform.queues, [](Seconds) {}},
-                          "/state"};
-
+struct CaptureDraftTest : testing::StoresFixture {
     std::string atNextStart() { return CaptureDraft(storeFiles).text(); }
 };
 
@@ -58,26 +49,12 @@ TEST_F(CaptureDraftTest, AProgramThatDiesLosesNoMoreThanTheLastKeys) {
 /// Queues that run only when told to, each by itself.
 class QueuesByHand : public WorkQueueFactory {
 public:
-    std::unique_ptr<WorkQueue> makeQueue(std::string label) override {
-        auto queue = std::make_unique<Queue>(std::move(label));
+    std::unique_ptr<WorkQueue> makeQueue(std::string) override {
+        auto queue = std::make_unique<testing::HeldWorkQueue>();
         made.push_back(queue.get());
         return queue;
     }
-
-    struct Queue : WorkQueue {
-        explicit Queue(std::string label) : name(std::move(label)) {}
-        void post(Task task) override { tasks.push_back(std::move(task)); }
-        Subscription after(Seconds, Task) override { return {}; }
-        Subscription every(Seconds, Task) override { return {}; }
-        const std::string& label() const override { return name; }
-        void drain() override {
-            for (; !tasks.empty(); tasks.pop_front())
-                tasks.front()();
-        }
-        std::string name;
-        std::deque<Task> tasks;
-    };
-    std::vector<Queue*> made;
+    std::vector<testing::HeldWorkQueue*> made;
 };
 
 TEST_F(CaptureDraftTest, ATodoIsJournaledBeforeTheDraftOfItGoes) {

@@ -70,17 +70,6 @@ TEST_F(TodoActionsTest, AnEditCanBeTakenBackAndNothingIsRememberedOfNone) {
     EXPECT_THAT(texts(), ElementsAre("Call mum"));
 }
 
-TEST_F(TodoActionsTest, ADeletedTodoComesBackWhereItWasAndAsItWas) {
-    for (const char* text : {"a", "b", "c"})
-        todos.add(text);
-    const Todo b = todos.todos()[1];
-    todo_actions::removeWithUndo(todos, b.id, undo);
-    EXPECT_TRUE(todos.isDismissed("B"));
-    EXPECT_TRUE(undo.undo());
-    EXPECT_EQ(todos.todos()[1], b);
-    EXPECT_FALSE(todos.isDismissed("b"));
-}
-
 TEST_F(TodoActionsTest, WhatACommandAsksForMayBeAskedForTwice) {
     const Uuid id = Uuid::random();
     using todo_actions::Outcome;
@@ -114,18 +103,6 @@ TEST_F(TodoActionsTest, WhatACommandAsksForMayBeAskedForTwice) {
     EXPECT_EQ(perform("delete"), Outcome::noSuchTodo);
     EXPECT_TRUE(undo.undo());
     EXPECT_THAT(texts(), ElementsAre("two"));
-}
-
-TEST_F(TodoActionsTest, ATickEndsAReminderForGood) {
-    todos.add("a");
-    const Uuid id = todos.todos().front().id;
-    todos.setReminder(id, platform.clock.now() + 3600, "daily");
-    todo_actions::toggle(todos, id);
-    EXPECT_TRUE(todos.todos().front().done);
-    EXPECT_EQ(todos.todos().front().remindAt, std::nullopt);
-    todo_actions::toggle(todos, id);
-    EXPECT_EQ(todos.todos().front().remindAt, std::nullopt);
-    EXPECT_EQ(todos.todos().front().remindRepeat, std::nullopt);
 }
 
 }  // namespace

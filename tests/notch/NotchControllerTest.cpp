@@ -91,15 +91,6 @@ TEST_F(NotchControllerTest, KeepsOpenAndKeepsShutForAsLongAsAsked) {
     EXPECT_TRUE(model->expanded());
 }
 
-TEST_F(NotchControllerTest, HandsTheKeyboardBackWhenItFolds) {
-    show();
-    moveTo(atNotch);
-    windows.last->makeKey();
-    moveTo(farAway);
-    platform.time.runPending();
-    EXPECT_FALSE(windows.last->key);
-}
-
 TEST_F(NotchControllerTest, FollowsTheScreens) {
     screens.screens.clear();
     show();

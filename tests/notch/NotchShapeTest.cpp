@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace sunpane {
 namespace {
 
@@ -19,21 +17,6 @@ TEST(NotchShape, HangsFromTheTopEdgeWithFlaresAndRoundedBottom) {
         {Kind::quadratic, {750, 0}, {760, 0}},
     };
     EXPECT_EQ(path.segments, expected);
-}
-
-TEST(NotchShape, WithoutRadiiItIsTheRectangle) {
-    const auto path = NotchShape{0, 0}.path({10, 20, 100, 50});
-    double minX = path.start.x;
-    double maxX = path.start.x;
-    double maxY = path.start.y;
-    for (const auto& segment : path.segments) {
-        minX = std::min(minX, segment.end.x);
-        maxX = std::max(maxX, segment.end.x);
-        maxY = std::max(maxY, segment.end.y);
-    }
-    EXPECT_EQ(minX, 10);
-    EXPECT_EQ(maxX, 110);
-    EXPECT_EQ(maxY, 70);
 }
 
 }  // namespace

@@ -101,11 +101,6 @@ public:
         }
         if (availability_) availability_();
     }
-    /// As when the program ends: nothing of it may be called any more.
-    void forgetHandlers() {
-        click = nullptr;
-        availability_ = nullptr;
-    }
 
     bool isAvailable = true;
     /// Whether it is there but shows nothing.

@@ -33,18 +33,5 @@ TEST(NowPlayingRules, EachSourceHasItsButtonsAndTooltip) {
     }
 }
 
-TEST(NowPlayingRules, ButtonsDoWhatTheirKeysSay) {
-    const auto buttons = transportButtons(Track{}, false);
-    ASSERT_EQ(buttons.size(), 4U);
-    const std::pair<const char*, Action> expected[] = {{"prev", Action::previousTrack},
-                                                       {"play", Action::playPause},
-                                                       {"next", Action::nextTrack},
-                                                       {"mute", Action::toggleMute}};
-    for (std::size_t i = 0; i < buttons.size(); ++i) {
-        EXPECT_EQ(buttons[i].key, expected[i].first);
-        EXPECT_EQ(buttons[i].action, expected[i].second);
-    }
-}
-
 }  // namespace
 }  // namespace sunpane::now_playing_rules

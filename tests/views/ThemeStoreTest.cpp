@@ -2,36 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "support/SimulatedPlatform.h"
 #include "support/SimulatedUserDefaults.h"
 
 namespace sunpane {
 namespace {
 
-using testing::SimulatedPlatform;
-using testing::SimulatedUserDefaults;
 using Value = UserDefaults::Value;
-
-TEST(NotchThemeTest, NamesAreDistinctAndLeadBack) {
-    std::set<std::string_view> names;
-    std::set<std::string_view> labels;
-    for (const NotchTheme theme : notch_theme::all) {
-        EXPECT_EQ(notch_theme::fromRawValue(notch_theme::rawValue(theme)), theme);
-        names.insert(notch_theme::rawValue(theme));
-        labels.insert(notch_theme::label(theme));
-        const auto stops = notch_theme::stops(theme);
-        if (!stops) continue;
-        EXPECT_EQ(stops->front().location, 0);
-        EXPECT_EQ(stops->back().location, 1);
-        for (std::size_t i = 1; i < stops->size(); ++i)
-            EXPECT_LT((*stops)[i - 1].location, (*stops)[i].location);
-    }
-    EXPECT_EQ(names.size(), 6);
-    EXPECT_EQ(labels.size(), 6);
-    EXPECT_EQ(notch_theme::fromRawValue("Glass"), std::nullopt);
-}
 
 TEST(ThemeColorTest, EveryColourSurvivesTheWayThroughComponents) {
     for (std::int64_t level = 0; level < 256; ++level) {
@@ -42,7 +19,13 @@ TEST(ThemeColorTest, EveryColourSurvivesTheWayThroughComponents) {
     EXPECT_EQ((ThemeColor{0.9999, 0.5, 1.5}).hexValue(), 0xFE7FFF);
 }
 
-TEST(ThemeStoreTest, StartsFromWhatTheSettingsHold) {
+struct ThemeStoreTest : ::testing::Test {
+    testing::SimulatedPlatform platform;
+    testing::SimulatedUserDefaults defaults;
+    ThemeStore store{defaults, platform.runLoop};
+};
+
+TEST_F(ThemeStoreTest, StartsFromWhatTheSettingsHold) {
     struct Case {
         const char* name;
         std::map<std::string, Value, std::less<>> settings;
@@ -68,21 +51,16 @@ TEST(ThemeStoreTest, StartsFromWhatTheSettingsHold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        SimulatedPlatform platform;
-        SimulatedUserDefaults defaults;
         defaults.values = c.settings;
-        const ThemeStore store(defaults, platform.runLoop);
-        EXPECT_EQ(store.theme(), c.theme);
-        EXPECT_EQ(store.translucency(), c.translucency);
-        EXPECT_NEAR(store.baseOpacity(), c.baseOpacity, 1e-12);
+        const ThemeStore next(defaults, platform.runLoop);
+        EXPECT_EQ(next.theme(), c.theme);
+        EXPECT_EQ(next.translucency(), c.translucency);
+        EXPECT_NEAR(next.baseOpacity(), c.baseOpacity, 1e-12);
         EXPECT_EQ(defaults.values, c.settings) << "starting writes nothing";
     }
 }
 
-TEST(ThemeStoreTest, KeepsSomeBlackUnderAWash) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore store(defaults, platform.runLoop);
+TEST_F(ThemeStoreTest, KeepsSomeBlackUnderAWash) {
     struct Case {
         NotchTheme theme;
         double translucency;
@@ -97,10 +75,7 @@ TEST(ThemeStoreTest, KeepsSomeBlackUnderAWash) {
     }
 }
 
-TEST(ThemeStoreTest, EachThemeKeepsItsTranslucency) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore store(defaults, platform.runLoop);
+TEST_F(ThemeStoreTest, EachThemeKeepsItsTranslucency) {
     store.setTranslucency(0.35);
     store.setTheme(NotchTheme::dusk);
     EXPECT_EQ(store.translucency(), 0.8);
@@ -115,11 +90,9 @@ TEST(ThemeStoreTest, EachThemeKeepsItsTranslucency) {
     EXPECT_EQ(next.translucency(), 0.35);
 }
 
-TEST(ThemeStoreTest, TheUsersColoursMakeTheCustomWash) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
+TEST_F(ThemeStoreTest, TheUsersColoursMakeTheCustomWash) {
     defaults.values = {{"customStrength", "strong"}, {"customBottomHex", 5.5}};
-    ThemeStore store(defaults, platform.runLoop);
+    store.reload();
     EXPECT_EQ(store.customBottomHex(), ThemeStore::defaultBottomHex);
     EXPECT_EQ(store.customStrength(), 0.55);
     EXPECT_EQ(store.washStops(), std::nullopt);
@@ -138,10 +111,7 @@ TEST(ThemeStoreTest, TheUsersColoursMakeTheCustomWash) {
     EXPECT_EQ(next.theme(), NotchTheme::custom);
 }
 
-TEST(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAThemeAtOnce) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore store(defaults, platform.runLoop);
+TEST_F(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAThemeAtOnce) {
     std::vector<std::string> seen;
     const auto changes = store.onWillChange([&] { seen.push_back(store.themeName()); });
     store.setTheme(NotchTheme::sun);
@@ -154,14 +124,12 @@ TEST(ThemeStoreTest, AnnouncesBeforeItChangesAndKeepsAThemeAtOnce) {
     EXPECT_EQ(seen.size(), 6);
 }
 
-TEST(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
+TEST_F(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
     {
-        ThemeStore store(defaults, platform.runLoop);
+        ThemeStore dragged(defaults, platform.runLoop);
         for (int step = 0; step < 50; ++step) {
-            store.setTranslucency(0.01 * step);
-            EXPECT_EQ(store.storedTranslucency(NotchTheme::glass), store.translucency());
+            dragged.setTranslucency(0.01 * step);
+            EXPECT_EQ(dragged.storedTranslucency(NotchTheme::glass), dragged.translucency());
             platform.time.advance(0.05);
         }
         EXPECT_EQ(defaults.writes, 0);
@@ -169,12 +137,12 @@ TEST(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
         EXPECT_EQ(defaults.writes, 1);
         EXPECT_EQ(defaults.values["translucency.glass"], Value(0.49));
 
-        store.setTranslucency(0.6);
-        store.setTheme(NotchTheme::glass);
-        EXPECT_EQ(store.translucency(), 0.6) << "chosen anew before it was written";
+        dragged.setTranslucency(0.6);
+        dragged.setTheme(NotchTheme::glass);
+        EXPECT_EQ(dragged.translucency(), 0.6) << "chosen anew before it was written";
 
-        store.setCustomStrength(0.4);
-        store.setCustomTopHex(7);
+        dragged.setCustomStrength(0.4);
+        dragged.setCustomTopHex(7);
         defaults.values["customStrength"] = 0.9;  // another program
         defaults.values["customBottomHex"] = std::int64_t{8};
     }
@@ -183,10 +151,7 @@ TEST(ThemeStoreTest, KeepsWhatIsDraggedOnceItRests) {
     EXPECT_EQ(defaults.values["customTopHex"], Value(std::int64_t{7})) << "written at the end";
 }
 
-TEST(ThemeStoreTest, ShowsWhatTheSettingsHoldAfterAnotherProgramChangedThemDuringADrag) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore store(defaults, platform.runLoop);
+TEST_F(ThemeStoreTest, ShowsWhatTheSettingsHoldAfterAnotherProgramChangedThemDuringADrag) {
     store.setTranslucency(0.6);
     store.setCustomStrength(0.4);
     defaults.values["customStrength"] = 0.9;  // another program
@@ -203,15 +168,12 @@ TEST(ThemeStoreTest, ShowsWhatTheSettingsHoldAfterAnotherProgramChangedThemDurin
     EXPECT_EQ(defaults.values, settled) << "nothing comes later that does not show";
 }
 
-TEST(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore first(defaults, platform.runLoop);
+TEST_F(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
     {
         const ThemeStore second(defaults, platform.runLoop);
-        EXPECT_EQ(&ThemeStore::shared(), &first);
+        EXPECT_EQ(&ThemeStore::shared(), &store);
     }
-    EXPECT_EQ(&ThemeStore::shared(), &first);
+    EXPECT_EQ(&ThemeStore::shared(), &store);
 }
 
 }  // namespace

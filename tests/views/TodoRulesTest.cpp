@@ -57,13 +57,6 @@ TEST(TodoRules, ARowStaysAmongItsOwnKind) {
         EXPECT_EQ(landingIndex(todos, c.from, c.target), c.landing) << c.from << " to " << c.target;
 }
 
-TEST(TodoRules, ASwipeCountsBeyondSeventyPoints) {
-    EXPECT_EQ(swipeOutcome(70), Swipe::none);
-    EXPECT_EQ(swipeOutcome(71), Swipe::togglePriority);
-    EXPECT_EQ(swipeOutcome(-70), Swipe::none);
-    EXPECT_EQ(swipeOutcome(-70.5), Swipe::remove);
-}
-
 TEST(TodoRules, SaysWhenItRemindsAndWhatGoesIntoTheCalendar) {
     testing::SimulatedPlatform platform;
     platform.clock.localeName = "de_DE";

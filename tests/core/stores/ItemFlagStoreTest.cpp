@@ -348,36 +348,29 @@ TEST_F(ItemFlagStoreTest, StartsEmptyWithoutAReadableFileAndKeepsIt) {
 }
 
 TEST_F(ItemFlagStoreTest, TakesOverWhatAnotherProgramWrote) {
-    store->togglePrio(march);
-    machine.pass(4.5);
-    int announcements = 0;
-    const auto watching = store->onWillChange([&] { ++announcements; });
-    const std::string soon = std::to_string(static_cast<long long>(now().sinceReference));
-    machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
-                                 R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" + soon + "}}");
-    machine.pass(2);
-    EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
-    EXPECT_THAT(state().prio, IsEmpty());
-    EXPECT_GT(announcements, 0);
-}
-
-TEST_F(ItemFlagStoreTest, TakesOverAFileThatAppearsWhereThereWasNone) {
-    machine.pass(5);
-    machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
-                                 R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" +
-                                     std::to_string(static_cast<long long>(now().sinceReference)) + "}}");
-    machine.pass(2);
-    EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
-}
-
-TEST_F(ItemFlagStoreTest, TakesOverWhatAnotherProgramWroteRightAfterTheFirstFlag) {
-    store->togglePrio(march);
-    machine.pass(1);
-    machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
-                                 R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" +
-                                     std::to_string(static_cast<long long>(now().sinceReference)) + "}}");
-    machine.pass(2);
-    EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
+    struct Case {
+        const char* when;
+        bool hasFlags;
+        Seconds after;
+    };
+    for (const auto& [when, hasFlags, after] : {Case{"long after the first flag", true, 4.5},
+                                                {"right after it", true, 1},
+                                                {"where there was no file", false, 5}}) {
+        SCOPED_TRACE(when);
+        machine.disk.removeExternally(StoreFixture::path("itemflags.json"));
+        restart();
+        if (hasFlags) store->togglePrio(march);
+        machine.pass(after);
+        int announcements = 0;
+        const auto watching = store->onWillChange([&] { ++announcements; });
+        const std::string soon = std::to_string(static_cast<long long>(now().sinceReference));
+        machine.disk.writeExternally(StoreFixture::path("itemflags.json"),
+                                     R"({"prio":{},"cleared":{"x":"theirs"},"dates":{"x":)" + soon + "}}");
+        machine.pass(2);
+        EXPECT_THAT(state().cleared, ElementsAre(Key("x")));
+        EXPECT_THAT(state().prio, IsEmpty());
+        EXPECT_GT(announcements, 0);
+    }
 }
 
 TEST_F(ItemFlagStoreTest, AFeedbackCutOffByACrashIsWholeAfterTheNextStart) {

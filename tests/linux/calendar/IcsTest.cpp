@@ -264,33 +264,26 @@ TEST(IcsTest, UsesTheZonesThatAFileDefines) {
 
 TEST(IcsTest, ReadsWhatAnEventSays) {
     IcsZones zones;
-    const auto content = readIcs(
-        "\xEF\xBB\xBF" +
-            file(
-                "X-WR-CALNAME:Work\\, and\r\n  play\r\n" +
-                event("DTSTART:20261122T100000\nLOCATION:Room 4\\nBuilding B\nDESCRIPTION:One\\; two\\, \n three \xFF\n"
-                      "URL:https://example.org/a?b=1,2;c\nATTENDEE;CN=\"A: B\":mailto:a@example.org\n"
-                      "BEGIN:VALARM\nSUMMARY:alarm\nDESCRIPTION:alarm\nTRIGGER:-PT15M\nEND:VALARM\n") +
-                event("DTSTART:20261122T100000\nSEQUENCE:1\nX-GOOGLE-CONFERENCE:https://meet.example.org/x\n"
-                      "SUMMARY:\n") +
-                "BEGIN:VTODO\nUID:todo\nSUMMARY:no event\nEND:VTODO\n"),
-        zones);
+    const std::string said = event(
+        "DTSTART:20261122T100000\nLOCATION:Room 4\\nBuilding B\nDESCRIPTION:One\\; two\\, \n three \xFF\n"
+        "URL:https://example.org/a?b=1,2;c\nATTENDEE;CN=\"A: B\":mailto:a@example.org\n"
+        "BEGIN:VALARM\nSUMMARY:alarm\nDESCRIPTION:alarm\nTRIGGER:-PT15M\nEND:VALARM\n");
+    const auto content = readIcs("\xEF\xBB\xBF" + file("X-WR-CALNAME:Work\\, and\r\n  play\r\n" + said +
+                                                       "BEGIN:VTODO\nUID:todo\nSUMMARY:no event\nEND:VTODO\n"),
+                                 zones);
     EXPECT_EQ(content.calendarName, "Work, and play");
     ASSERT_EQ(content.events.size(), 1U);
-    EXPECT_EQ(content.events[0].url, "https://meet.example.org/x");
-
-    const auto first = readIcs(file(event("DTSTART:20261122T100000\nLOCATION:Room 4\\nBuilding B\n"
-                                          "DESCRIPTION:One\\; two\\, \n three \xFF\nURL:https://example.org/a?b=1,2;c\n"
-                                          "ATTENDEE;CN=\"A: B\":mailto:a@example.org\n"
-                                          "BEGIN:VALARM\nSUMMARY:alarm\nTRIGGER:-PT15M\nEND:VALARM\n")),
-                               zones)
-                           .events;
-    ASSERT_EQ(first.size(), 1U);
-    EXPECT_EQ(first[0].title, "T");
-    EXPECT_EQ(first[0].location, "Room 4\nBuilding B");
-    EXPECT_EQ(first[0].notes, "One; two, three \xEF\xBF\xBD");
-    EXPECT_EQ(first[0].url, "https://example.org/a?b=1,2;c");
-    EXPECT_TRUE(first[0].hasAttendees);
+    EXPECT_EQ(content.events[0].title, "T");
+    EXPECT_EQ(content.events[0].location, "Room 4\nBuilding B");
+    EXPECT_EQ(content.events[0].notes, "One; two, three \xEF\xBF\xBD");
+    EXPECT_EQ(content.events[0].url, "https://example.org/a?b=1,2;c");
+    EXPECT_TRUE(content.events[0].hasAttendees);
+    // A later version takes its place.
+    const auto later = readIcs(file(said + event("DTSTART:20261122T100000\nSEQUENCE:1\nSUMMARY:\n"
+                                                 "X-GOOGLE-CONFERENCE:https://meet.example.org/x\n")),
+                               zones);
+    ASSERT_EQ(later.events.size(), 1U);
+    EXPECT_EQ(later.events[0].url, "https://meet.example.org/x");
 }
 
 TEST(IcsTest, FindsTheMeetingAmongAllAddresses) {
