@@ -3,21 +3,13 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
+#include "SeededRuns.h"
 #include "SimulatedProgram.h"
 #include "base/Uuid.h"
 
 namespace sunpane::testing {
-
-struct Violation : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-inline void require(bool holds, const std::string& rule) {
-    if (!holds) throw Violation(rule);
-}
 
 /// What must hold of the whole program at any time, and what must hold once it is left alone. Each throws a Violation
 /// that names the broken rule.

@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <iostream>
 
+#include "SeededRuns.h"
 #include "base/Dates.h"
 
 namespace sunpane::testing {
@@ -97,46 +97,20 @@ void Simulation::rest() {
     rules_.checkAtRest(*program_);
 }
 
-namespace {
-
-bool runSeed(std::uint64_t seed, int days, std::size_t& steps) {
-    Simulation simulation(seed);
-    for (int day = 0; day < days; ++day) {
-        try {
-            simulation.day();
-        } catch (const Violation& violation) {
-            const auto& log = simulation.log();
-            for (std::size_t i = log.size() > 80 ? log.size() - 80 : 0; i < log.size(); ++i)
-                std::cerr << log[i] << '\n';
-            std::cerr << "seed " << seed << ", day " << day << ": broken rule: " << violation.what() << '\n';
-            return false;
-        }
-    }
-    steps += simulation.steps();
-    return true;
-}
-
-}  // namespace
 }  // namespace sunpane::testing
 
 /// Usage: sunpane_program_simulation [--seed FIRST] [--seeds COUNT] [--days DAYS]
 int main(int argc, char** argv) {
-    std::uint64_t first = 1;
-    std::uint64_t count = 10;
-    int days = 10;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        const std::string_view option = argv[i];
-        if (option == "--seed") first = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--seeds") count = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--days") days = std::atoi(argv[i + 1]);
-    }
+    using sunpane::testing::Simulation;
+    const sunpane::testing::SeededRuns runs(10, 10, "--days", argc, argv);
     const auto begin = std::chrono::steady_clock::now();
     std::size_t steps = 0;
-    for (std::uint64_t seed = first; seed < first + count; ++seed) {
-        if (!sunpane::testing::runSeed(seed, days, steps)) return 1;
-    }
+    constexpr std::size_t toldLines = 80;
+    const bool held = runs.run<Simulation>(
+        toldLines, [](Simulation& each) { each.day(); }, [&](const Simulation& each) { steps += each.steps(); });
+    if (!held) return 1;
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-    std::cout << count << " seeds of " << days << " days, " << steps << " steps in " << std::lround(took.count())
-              << " s: every rule held\n";
+    std::cout << runs.seeds << " seeds of " << runs.rounds << " days, " << steps << " steps in "
+              << std::lround(took.count()) << " s: every rule held\n";
     return 0;
 }

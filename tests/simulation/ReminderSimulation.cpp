@@ -1,13 +1,11 @@
-#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "SeededRuns.h"
 #include "app/TodoActions.h"
 #include "app/TodoReminders.h"
 #include "base/Dates.h"
@@ -28,10 +26,6 @@
 // late, none came early, and nothing was shown twice for one moment.
 namespace sunpane::testing {
 namespace {
-
-struct Violation : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// The parts of the program that live from its start to its end.
 struct Program {
@@ -97,10 +91,6 @@ private:
     double reading() const {
         return LocalCalendar("UTC", "en_US").instant(LocalCalendar(platform_.clock).civilTime(now())).sinceReference;
     }
-    static void require(bool holds, const std::string& rule) {
-        if (!holds) throw Violation(rule);
-    }
-
     void start() {
         program_ = std::make_unique<Program>(platform_, disk_, cloud_, service_, calendars_, defaults_);
         ableSince_ = platform_.time.uptime();
@@ -395,41 +385,19 @@ private:
     std::vector<std::string> log_;
 };
 
-bool runSeed(std::uint64_t seed, int steps, std::size_t& shown) {
-    Simulation simulation(seed);
-    for (int step = 0; step < steps; ++step) {
-        try {
-            simulation.step();
-        } catch (const Violation& violation) {
-            const auto& log = simulation.log();
-            for (std::size_t i = log.size() > 60 ? log.size() - 60 : 0; i < log.size(); ++i)
-                std::cerr << log[i] << '\n';
-            std::cerr << "seed " << seed << ", step " << step << ": broken rule: " << violation.what() << '\n';
-            return false;
-        }
-    }
-    shown += simulation.shownCount();
-    return true;
-}
-
 }  // namespace
 }  // namespace sunpane::testing
 
 /// Usage: sunpane_reminder_simulation [--seed FIRST] [--seeds COUNT] [--steps STEPS]
 int main(int argc, char** argv) {
-    std::uint64_t first = 1;
-    std::uint64_t count = 20;
-    int steps = 400;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        const std::string_view option = argv[i];
-        if (option == "--seed") first = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--seeds") count = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--steps") steps = std::atoi(argv[i + 1]);
-    }
+    using sunpane::testing::Simulation;
+    const sunpane::testing::SeededRuns runs(20, 400, "--steps", argc, argv);
     std::size_t shown = 0;
-    for (std::uint64_t seed = first; seed < first + count; ++seed) {
-        if (!sunpane::testing::runSeed(seed, steps, shown)) return 1;
-    }
-    std::cout << count << " seeds of " << steps << " steps, " << shown << " notifications: every rule held\n";
+    constexpr std::size_t toldLines = 60;
+    const bool held = runs.run<Simulation>(
+        toldLines, [](Simulation& each) { each.step(); }, [&](const Simulation& each) { shown += each.shownCount(); });
+    if (!held) return 1;
+    std::cout << runs.seeds << " seeds of " << runs.rounds << " steps, " << shown
+              << " notifications: every rule held\n";
     return 0;
 }

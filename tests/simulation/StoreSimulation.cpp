@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -9,21 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "SeededRuns.h"
 #include "StoreDriver.h"
 
 namespace sunpane::testing {
 namespace {
 
 using Json = nlohmann::json;
-
-class Violation : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-void require(bool holds, const std::string& rule) {
-    if (!holds) throw Violation(rule);
-}
 
 /// What pruning leaves, found by comparing everything with everything.
 FlagState prunedByHand(FlagState state, Instant now) {
@@ -324,39 +316,18 @@ private:
     std::vector<std::string> log_;
 };
 
-bool runSeed(std::uint64_t seed, int days) {
-    Simulation simulation(seed);
-    for (int day = 0; day < days; ++day) {
-        try {
-            simulation.day();
-        } catch (const Violation& violation) {
-            for (const std::string& line : simulation.log())
-                std::cout << line << '\n';
-            std::cerr << "seed " << seed << ", day " << day << ": broken rule: " << violation.what()
-                      << "\nThe log above replays it: sunpane_replay < LOG\n";
-            return false;
-        }
-    }
-    return true;
-}
-
 }  // namespace
 }  // namespace sunpane::testing
 
 /// Usage: sunpane_store_simulation [--seed FIRST] [--seeds COUNT] [--days DAYS]
 int main(int argc, char** argv) {
-    std::uint64_t first = 1;
-    std::uint64_t count = 10;
-    int days = 30;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        const std::string_view option = argv[i];
-        if (option == "--seed") first = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--seeds") count = std::strtoull(argv[i + 1], nullptr, 10);
-        if (option == "--days") days = std::atoi(argv[i + 1]);
-    }
-    for (std::uint64_t seed = first; seed < first + count; ++seed) {
-        if (!sunpane::testing::runSeed(seed, days)) return 1;
-    }
-    std::cout << count << " seeds of " << days << " days: every rule held\n";
+    using sunpane::testing::Simulation;
+    const sunpane::testing::SeededRuns runs(10, 30, "--days", argc, argv);
+    // The whole log, because it replays the run: sunpane_replay < LOG.
+    constexpr std::size_t toldLines = SIZE_MAX;
+    if (!runs.run<Simulation>(
+            toldLines, [](Simulation& each) { each.day(); }, [](const Simulation&) {}))
+        return 1;
+    std::cout << runs.seeds << " seeds of " << runs.rounds << " days: every rule held\n";
     return 0;
 }
