@@ -97,8 +97,7 @@ public:
 private:
     /// Whether the calendars may be read is the program's own question, so it is asked anew.
     void openCalendarPrivacy(const std::function<void()>& done) {
-        defaults_.remove(sunpane::DesktopCalendarStore::accessKey);
-        calendar_.ensureAccess([done](bool) { done(); });
+        calendars_.askAgain([this, done](bool) { calendar_.ensureAccess([done](bool) { done(); }); });
     }
 
     sunpane::SystemClock clock_;

@@ -131,6 +131,10 @@ void DesktopCalendarStore::requestFullAccess(std::function<void(bool granted)> a
         ports_.runLoop.post([answer = std::move(answer), granted = known == CalendarAccess::full] { answer(granted); });
         return;
     }
+    askAgain(std::move(answer));
+}
+
+void DesktopCalendarStore::askAgain(std::function<void(bool granted)> answer) {
     // The first answer is everyone's who asked until then.
     waitingForAnswer_.push_back(std::move(answer));
     ports_.prompt([this, weak = std::weak_ptr(alive_)](CalendarAccess answered) {

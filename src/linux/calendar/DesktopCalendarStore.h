@@ -59,6 +59,8 @@ public:
 
     CalendarAccess access() const override;
     void requestFullAccess(std::function<void(bool granted)> answer) override;
+    /// Asks the user even if there is an answer, which stays until there is another. `prompt` must be set.
+    void askAgain(std::function<void(bool granted)> answer);
     bool loaded() const override;
     std::vector<std::string> unread() const override;
     std::vector<CalendarEvent> events(Instant from, Instant to) const override;
