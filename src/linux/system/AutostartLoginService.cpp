@@ -170,12 +170,6 @@ std::string AutostartLoginService::command(const Entry& entry) const {
 }
 
 std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
-    if (!enabled) {
-        std::error_code error;
-        std::filesystem::remove(path_, error);
-        if (error) return "Could not remove " + path_ + ": " + error.message() + ".";
-        return std::nullopt;
-    }
     const Entry old = read();
     const std::pair<std::string_view, std::string> ours[] = {
         {"Type", "Application"},
@@ -193,12 +187,21 @@ std::optional<std::string> AutostartLoginService::setEnabled(bool enabled) {
     for (const auto& [key, value] : ours)
         entry += std::string(key) + "=" + value + "\n";
     // What the user, or the desktop for the user, added stays.
+    std::string added;
     for (const std::string& line : old.own) {
         const auto key = settingIn(line).key;
         const bool isOurs =
             std::any_of(std::begin(ours), std::end(ours), [key](const auto& own) { return own.first == key; });
-        if (!line.empty() && !isOurs && !switchesOff(line)) entry += line + "\n";
+        if (!line.empty() && !isOurs && !switchesOff(line)) added += line + "\n";
     }
+    if (!enabled && added.empty() && old.others.empty() && command(old) == quotedForExec(program_)) {
+        std::error_code error;
+        std::filesystem::remove(path_, error);
+        if (error) return "Could not remove " + path_ + ": " + error.message() + ".";
+        return std::nullopt;
+    }
+    if (!enabled) entry += "Hidden=true\n";
+    entry += added;
     if (!old.others.empty()) entry += '\n';
     for (const std::string& line : old.others)
         entry += line + "\n";

@@ -26,6 +26,21 @@ std::string withoutLinks(const fs::path& folder) {
     return (error ? folder : resolved).string();
 }
 
+// As std::filesystem copies a folder, but one that is read-only, as on a disk image, into one that can be filled.
+void copyTree(const fs::path& from, const fs::path& to, std::error_code& error) {
+    fs::create_directory(to, error);
+    for (auto entry = fs::directory_iterator(from, error); !error && entry != fs::directory_iterator();
+         entry.increment(error)) {
+        const fs::path target = to / entry->path().filename();
+        if (entry->is_directory() && !entry->is_symlink()) {
+            copyTree(entry->path(), target, error);
+        } else {
+            fs::copy(entry->path(), target, fs::copy_options::copy_symlinks, error);
+        }
+        if (error) return;
+    }
+}
+
 }  // namespace
 
 InstalledBundle::InstalledBundle(std::string program, std::string home)
@@ -59,7 +74,7 @@ bool InstalledBundle::install() {
     fs::create_directories(target.parent_path(), error);
     fs::remove_all(fresh, error);
     fs::remove_all(old, error);
-    fs::copy(path_, fresh, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    copyTree(path_, fresh, error);
     if (!error) {
         std::error_code absent;
         fs::rename(target, old, absent);

@@ -96,6 +96,10 @@ TEST(AutostartLoginService, KeepsWhatTheUserAddedToTheEntry) {
         EXPECT_THAT(entry, ::testing::Not(HasSubstr("Hidden")));
         EXPECT_EQ(service.setEnabled(true), std::nullopt);
         EXPECT_EQ(content(folder / "app.dawnly.Dawnly.desktop"), entry) << "once is enough";
+        EXPECT_EQ(service.setEnabled(false), std::nullopt);
+        EXPECT_FALSE(service.isEnabled());
+        EXPECT_EQ(service.setEnabled(true), std::nullopt);
+        EXPECT_EQ(content(folder / "app.dawnly.Dawnly.desktop"), entry) << "also off and on again";
     }
 }
 
@@ -138,6 +142,8 @@ TEST(InstalledBundle, GoesToItsPlaceAsAWholeAndInPlaceOfAnOlderOne) {
     fs::create_directories(folder / "Downloads/Dawnly.app/bin");
     folder.write("Downloads/Dawnly.app/bin/dawnly", "#!/bin/sh\n");
     fs::permissions(folder / "Downloads/Dawnly.app/bin/dawnly", fs::perms::owner_all);
+    fs::create_symlink("dawnly", folder / "Downloads/Dawnly.app/bin/alias");
+    fs::permissions(folder / "Downloads/Dawnly.app/bin", fs::perms::owner_read | fs::perms::owner_exec);
     const std::string target = folder / "home/.local/lib/Dawnly.app";
     fs::create_directories(target);
     std::ofstream(target + "/old") << "old";
@@ -147,6 +153,9 @@ TEST(InstalledBundle, GoesToItsPlaceAsAWholeAndInPlaceOfAnOlderOne) {
     EXPECT_TRUE(bundle.install());
     EXPECT_EQ(content(target + "/bin/dawnly"), "#!/bin/sh\n");
     EXPECT_NE(fs::status(target + "/bin/dawnly").permissions() & fs::perms::owner_exec, fs::perms::none);
+    EXPECT_NE(fs::status(target + "/bin").permissions() & fs::perms::owner_write, fs::perms::none)
+        << "a folder that cannot be filled, as on a disk image";
+    EXPECT_EQ(fs::read_symlink(target + "/bin/alias"), "dawnly");
     EXPECT_FALSE(fs::exists(target + "/old"));
     EXPECT_EQ(std::distance(fs::directory_iterator(folder / "home/.local/lib"), {}), 1);
 }
