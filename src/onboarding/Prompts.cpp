@@ -39,7 +39,7 @@ Dawnly, a briefing app that unfolds from the top of the user's screen, is the on
 )",
     R"(/
 
-Create the folder if it does not exist. Today's file in it is YYYY-MM-DD.md, with today's real date in the user's time zone (for example 2026-07-06.md). It is the only file you may write: never touch other days, feedback.json, todos.json or itemflags.json, and delete nothing.
+Create the folder if it does not exist. Today's file in it is YYYY-MM-DD.md, with today's real date in the user's time zone (for example 2026-07-06.md). It is the only file you may write, with its .tmp of step 2, which you rename or remove: never touch other days, feedback.json, todos.json or itemflags.json, and delete nothing.
 
 === STEP 0: READ FEEDBACK FIRST ===
 
@@ -118,7 +118,7 @@ Dawnly, a briefing app that unfolds from the top of the user's screen, is the on
     R"(/
 
    Create it if it does not exist.
-2. Today's file in it, YYYY-MM-DD.md with today's real date in the user's time zone (for example 2026-07-06.md). Read it whole: it tells what the user already knows. Everything in it is preserved byte for byte, except an earlier `### 🌙 EOD Recap` section, which the new one replaces in place. If the file is missing, create it with the title line `# Morning Briefing, [Weekday D Month]` (for example `# Morning Briefing, Monday 6 July`) and an empty line. Never touch other days, todos.json or itemflags.json, and delete nothing.
+2. Today's file in it, YYYY-MM-DD.md with today's real date in the user's time zone (for example 2026-07-06.md). Read it whole: it tells what the user already knows. Everything in it is preserved byte for byte, except an earlier `### 🌙 EOD Recap` section, which the new one replaces in place. If the file is missing, create it with the title line `# Morning Briefing, [Weekday D Month]` (for example `# Morning Briefing, Monday 6 July`) and an empty line. Never touch other days, todos.json or itemflags.json, and delete nothing but a .tmp of your own.
 3. feedback.json in the same folder; if it is missing or cannot be read, go on without it. Never write it. It is a JSON object with the four lists below; pass over its other keys, and take a list that is missing as empty. An entry is either a plain string or an object {"text": ..., "since": "YYYY-MM-DD"}; accept both everywhere.
    - "cleared": the user dismissed these. The topic is dead, not just the wording: never bring it back reworded. Bring it back only when something genuinely new happened, and say in one clause what changed. A cleared topic always beats a similar "prio" entry.
    - "prio": flagged as priorities; "since" is the day of the flag. Everything listed is live today: look up where it stands and report it. An entry leaves the list by itself after about two days of silence, two weeks at most; it is no backlog.
