@@ -49,6 +49,20 @@ TEST_F(Controls, AControlThatGoesHandsTheKeyboardOn) {
         ASSERT_NE(window.activeFocusItem(), nullptr) << what;
         EXPECT_EQ(window.activeFocusItem()->property("text").toString().toStdString(), next) << what;
     }
+    auto& left = show(
+        "property alias connected: button.visible; LabelButton { text: 'Start' } Row { LabelButton { id: button; "
+        "focus: "
+        "true; text: 'Connect' } LabelButton { text: 'Accounts' } }");
+    QWindow other;
+    other.show();
+    other.requestActivate();
+    settle();
+    ASSERT_FALSE(left.isActive());
+    left.setProperty("connected", false);
+    left.requestActivate();
+    settle();
+    ASSERT_NE(left.activeFocusItem(), nullptr);
+    EXPECT_EQ(left.activeFocusItem()->property("text"), QStringLiteral("Accounts")) << "while another window is active";
     auto& window = show(
         "property int presses: 0; Item { id: page; LabelButton { focus: true; text: 'Go'; onClicked: "
         "page.visible = false } } LabelButton { text: 'Other'; onClicked: ++presses }");

@@ -33,7 +33,7 @@ ProgramWindow {
         Accessible.role: Accessible.AlertMessage
         Accessible.name: alert.message
         Keys.onEscapePressed: alert.answered(false)
-        Keys.onLeftPressed: second.forceActiveFocus()
+        Keys.onLeftPressed: (second.visible ? second : first).forceActiveFocus()
         Keys.onRightPressed: first.forceActiveFocus()
 
         Column {

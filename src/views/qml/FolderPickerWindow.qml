@@ -193,6 +193,11 @@ ProgramWindow {
                 maximumLength: 255
                 onSubmitted: {
                     dialog.picker.create(text);
+                    if (dialog.picker.problem.length === 0)
+                        leave();
+                }
+                Keys.onEscapePressed: leave()
+                function leave() {
                     visible = false;
                     path.takeFocus();
                 }

@@ -27,18 +27,29 @@ Pressable {
         color: area.pressed ? Qt.rgba(0, 0, 0, 0.2) : Style.pressed
         visible: area.containsMouse
     }
+    onSymbolChanged: appearing.restart()
+
     Row {
         id: label
         anchors.centerIn: parent
         spacing: 7
 
         SymbolIcon {
+            id: mark
             anchors.verticalCenter: parent.verticalCenter
             visible: button.symbol.length > 0
             width: 13
             height: 13
             symbol: button.symbol
             color: Style.text
+            NumberAnimation {
+                id: appearing
+                target: mark
+                property: "opacity"
+                from: 0
+                to: 1
+                duration: 200
+            }
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter

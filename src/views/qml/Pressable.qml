@@ -27,9 +27,13 @@ Item {
 
     // Not when all around it goes too: whoever hides that knows where the keyboard belongs.
     onVisibleChanged: {
-        if (visible || !activeFocus || !parent.visible)
+        if (visible || !focus || !parent.visible)
             return;
         const before = nextItemInFocusChain(false);
-        (before.parent === parent ? before : nextItemInFocusChain(true)).forceActiveFocus(Qt.TabFocusReason);
+        const heir = before.parent === parent ? before : nextItemInFocusChain(true);
+        if (activeFocus)
+            heir.forceActiveFocus(Qt.TabFocusReason);
+        else
+            heir.focus = true; // for when its window is active again
     }
 }

@@ -11,7 +11,6 @@ Pressable {
 
     width: parent ? parent.width : 0
     implicitHeight: words.implicitHeight
-    opacity: enabled ? 1 : 0.5
 
     onClicked: toggled(!checked)
 
@@ -34,6 +33,7 @@ Pressable {
             wrapMode: Text.Wrap
             textFormat: Text.PlainText
             text: toggle.text
+            opacity: toggle.enabled ? 1 : 0.5
             color: Style.text
             font.family: Style.family
             font.pixelSize: Style.bodySize
@@ -52,6 +52,7 @@ Pressable {
         width: 38
         height: 22
         radius: 11
+        opacity: toggle.enabled ? 1 : 0.5
         color: toggle.checked ? Style.clear : area.containsMouse ? Qt.rgba(1, 1, 1, 0.24) : Qt.rgba(1, 1, 1, 0.16)
 
         Rectangle {

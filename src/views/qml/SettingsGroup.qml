@@ -25,7 +25,7 @@ Column {
         width: parent.width
         height: inside.implicitHeight + 28
         radius: Style.sectionRadius
-        color: Style.section
+        color: Style.windowSection
         border.color: Style.hairline
 
         Column {

@@ -28,6 +28,10 @@ QtObject {
     readonly property color lifted: "#e61c1a1b"
     readonly property color pressed: Qt.rgba(1, 1, 1, 0.08)
 
+    // The same in windows that nothing shines through.
+    readonly property color windowSection: Qt.rgba(1, 1, 1, 0.06)
+    readonly property color windowMeeting: Qt.rgba(0.188, 0.82, 0.345, 0.11)
+
     readonly property color priority: "#ff9f0a"
     readonly property color clear: "#30d158"
     readonly property color remove: "#ff453a"

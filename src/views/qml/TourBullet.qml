@@ -15,8 +15,8 @@ Row {
         width: 24
         text: bullet.emoji
         horizontalAlignment: Text.AlignHCenter
-        color: Style.priority
-        font.family: Style.family
+        // Some marks are letters in other fonts.
+        font.family: "Noto Color Emoji"
         font.pixelSize: 17
         Accessible.ignored: true
     }

@@ -39,7 +39,7 @@ Column {
         width: parent.width
         height: card.implicitHeight + 32
         radius: Style.sectionRadius
-        color: done.tour.calendarConnected ? Style.meeting : Style.section
+        color: done.tour.calendarConnected ? Style.windowMeeting : Style.windowSection
         border.color: done.tour.calendarConnected ? Style.meetingEdge : Style.hairline
 
         Column {
