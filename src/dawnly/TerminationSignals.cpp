@@ -24,8 +24,13 @@ void quitOnTerminationSignals() {
     if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) return;
     auto* notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, qApp);  // owned by the application
     QObject::connect(notifier, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+    std::signal(SIGTERM, announce);
+    for (const int signal : {SIGINT, SIGHUP}) {
+        // Whoever started it with nohup, or behind the "&" of a script, wants it to outlive the terminal.
+        struct sigaction current {};
+        if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN) continue;
         std::signal(signal, announce);
+    }
 }
 
 }  // namespace sunpane

@@ -54,6 +54,19 @@ class Startup(unittest.TestCase):
         d.key("Return")
         d.wait_for(lambda: "Another" in d.todos(), "a todo from a field that is empty again")
 
+    def test_it_outlives_the_terminal_when_it_was_told_to(self):
+        d = self.desktop
+        for hangup in (signal.SIG_DFL, signal.SIG_IGN):
+            program = d.start(os.environ["DAWNLY"], stderr=None, preexec_fn=lambda: signal.signal(signal.SIGHUP, hangup))
+            d.wait_for(lambda: d.report(patience=0.3)["panelVisible"], "the panel to show")
+            program.send_signal(signal.SIGHUP)
+            if hangup == signal.SIG_DFL:
+                self.assertEqual(program.wait(5), 0)
+        time.sleep(1)
+        self.assertIsNone(program.poll())
+        program.send_signal(signal.SIGTERM)
+        self.assertEqual(program.wait(5), 0)
+
     def test_a_copy_that_hangs_is_killed(self):
         d = self.desktop
         hanging = d.start_program()
