@@ -193,11 +193,8 @@ ProgramWindow {
                 maximumLength: 255
                 onSubmitted: {
                     dialog.picker.create(text);
-                    if (dialog.picker.problem.length === 0)
-                        leave();
-                }
-                Keys.onEscapePressed: leave()
-                function leave() {
+                    if (dialog.picker.problem.length > 0)
+                        return;
                     visible = false;
                     path.takeFocus();
                 }
