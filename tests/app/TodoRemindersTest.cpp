@@ -75,10 +75,12 @@ TEST_F(TodoRemindersTest, FollowsWhateverHappensToATodo) {
 
 TEST_F(TodoRemindersTest, DeletingTakesTheReminderAlongAndUndoBringsItBack) {
     start();
+    add("First");
     const Uuid id = add("Call mum");
-    add("Other");
+    add("Last");
     todos.setReminder(id, platform.clock.now() + 3600, std::nullopt);
     settle();
+    const Todo before = todos.todos().at(1);
     todo_actions::removeWithUndo(todos, Uuid::random(), undo);
     EXPECT_FALSE(undo.undo());
     todo_actions::removeWithUndo(todos, id, undo);
@@ -88,7 +90,7 @@ TEST_F(TodoRemindersTest, DeletingTakesTheReminderAlongAndUndoBringsItBack) {
     EXPECT_TRUE(undo.undo());
     settle();
     EXPECT_THAT(bodies(), ElementsAre("Call mum"));
-    EXPECT_EQ(todos.indexOf(id), 0U);
+    EXPECT_EQ(todos.todos().at(1), before) << "where it was and as it was";
     EXPECT_FALSE(todos.isDismissed("call mum"));
 }
 

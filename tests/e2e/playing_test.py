@@ -66,7 +66,7 @@ class Playing(unittest.TestCase):
 
     def test_a_media_player_is_shown_and_controlled(self):
         d = self.desktop
-        d.start(*media.player_command(d.home, "first.wav", "second.wav"))
+        d.start(*media.player_command(d.home, "first.wav", "second.wav", "third.wav"))
         d.wait_for(lambda: "Playing" in self.property("PlaybackStatus"), "the player")
         d.start_program()
         self.desktop.unfold()

@@ -60,7 +60,7 @@ class PlayersTest(unittest.TestCase):
     def test_a_player_is_shown_paused_resumed_and_skipped(self):
         self.start_sound_server()
         self.assertIsNone(self.playing())
-        self.start_player("first.wav", "second.wav")
+        self.start_player("first.wav", "second.wav", "third.wav")
         track = self.wait_for_track(title="first.wav", playing=True)
         self.assertEqual((track["player"], track["chromeTabID"], track["pageURL"]), ("music", 0, None))
         self.dawnlyctl("play-pause")
