@@ -106,10 +106,7 @@ TEST_F(NotchViewModelTest, TodosAndFlagsStayInTheirFolderWhenAnotherIsWatched) {
     platform.time.advance(3);
     storeFiles.drain();
 
-    std::vector<std::string> texts;
-    for (const auto& todo : model->todoStore().todos())
-        texts.push_back(todo.text);
-    EXPECT_THAT(texts, ElementsAre("Old task", "New task"));
+    EXPECT_THAT(testing::texts(model->todoStore().todos()), ElementsAre("Old task", "New task"));
     const auto feedback = nlohmann::json::parse(files.content(folder / "feedback.json").value());
     EXPECT_EQ(feedback["untouched"], nlohmann::json::array({"New card"}));
     EXPECT_EQ(feedback["prio"][0]["text"], "Flagged there");
@@ -237,12 +234,7 @@ TEST_F(NotchViewModelTest, AStarOnATodoFlagsTheCardItWasMadeFrom) {
 struct NotchViewModelAgendaTest : NotchViewModelTest {
     NotchViewModelAgendaTest() { agenda.store.status = CalendarAccess::full; }
     Instant today(int hour) const { return LocalCalendar(platform.clock).settingTime(platform.clock.now(), hour, 0); }
-    std::vector<std::string> todoTexts() {
-        std::vector<std::string> texts;
-        for (const auto& todo : model->todoStore().todos())
-            texts.push_back(todo.text);
-        return texts;
-    }
+    std::vector<std::string> todoTexts() { return testing::texts(model->todoStore().todos()); }
     void calendarChanges() {
         agenda.store.change();
         platform.time.runPending();

@@ -13,13 +13,6 @@ using ::testing::ElementsAre;
 struct TodoActionsTest : testing::StoresFixture {
     TodoStore todos{storeFiles, "/briefings"};
     NotchUndo undo;
-
-    std::vector<std::string> texts() const {
-        std::vector<std::string> result;
-        for (const Todo& todo : todos.todos())
-            result.push_back(todo.text);
-        return result;
-    }
 };
 
 TEST_F(TodoActionsTest, WhatIsDroppedIsACardOrAText) {
@@ -65,9 +58,9 @@ TEST_F(TodoActionsTest, AnEditCanBeTakenBackAndNothingIsRememberedOfNone) {
     todo_actions::renameWithUndo(todos, Uuid::random(), "Nobody", undo);
     EXPECT_FALSE(undo.undo());
     todo_actions::renameWithUndo(todos, id, " Call dad ", undo);
-    EXPECT_THAT(texts(), ElementsAre("Call dad"));
+    EXPECT_THAT(testing::texts(todos.todos()), ElementsAre("Call dad"));
     EXPECT_TRUE(undo.undo());
-    EXPECT_THAT(texts(), ElementsAre("Call mum"));
+    EXPECT_THAT(testing::texts(todos.todos()), ElementsAre("Call mum"));
 }
 
 TEST_F(TodoActionsTest, WhatACommandAsksForMayBeAskedForTwice) {
@@ -102,7 +95,7 @@ TEST_F(TodoActionsTest, WhatACommandAsksForMayBeAskedForTwice) {
     EXPECT_EQ(perform("delete"), Outcome::done);
     EXPECT_EQ(perform("delete"), Outcome::noSuchTodo);
     EXPECT_TRUE(undo.undo());
-    EXPECT_THAT(texts(), ElementsAre("two"));
+    EXPECT_THAT(testing::texts(todos.todos()), ElementsAre("two"));
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ struct PlayingCommandTest : testing::CommandFixture {
     testing::SimulatedAudio audio;
     testing::SimulatedMediaCommands mediaCommands;
     PlayerPorts ports{scripts, applications, audio, mediaCommands};
-    WorkQueueFactory* queues = &platform.queues;
     bool isConnected = true;
     int waits = 0;
     // After how many waits the first look of the ports is done.
@@ -28,18 +27,10 @@ struct PlayingCommandTest : testing::CommandFixture {
     int run(std::vector<std::string> arguments) {
         waits = 0;
         applications.isLoaded = readyAfter == 0;
-        Environment surroundings{.clock = platform.clock,
-                                 .defaults = defaults,
-                                 .queues = *queues,
-                                 .folderEvents = events,
-                                 .cloudFiles = cloud,
-                                 .interrupt = interrupt,
-                                 .out = out,
-                                 .err = err,
-                                 .stateFolder = {},
-                                 .wait = [this](Seconds) {
-                                     if (++waits == readyAfter) applications.isLoaded = true;
-                                 }};
+        Environment surroundings = environment();
+        surroundings.wait = [this](Seconds) {
+            if (++waits == readyAfter) applications.isLoaded = true;
+        };
         if (isConnected) {
             surroundings.connectPlayers = [this] { return std::make_shared<const PlayerPorts>(ports); };
         }

@@ -3,19 +3,18 @@
 #include <gtest/gtest.h>
 
 #include "base/Dates.h"
+#include "support/SimulatedPlatform.h"
 
 namespace sunpane {
 namespace {
 
-struct FixedClock : Clock {
-    explicit FixedClock(std::string locale = "en_GB") : userLocale(std::move(locale)) {}
-    Instant now() const override { return time; }
-    std::string timeZone() const override { return "Europe/Amsterdam"; }
-    std::string locale() const override { return userLocale; }
-
-    std::string userLocale;
-    // Sunday 22 November 2026, 10:30.
-    Instant time = LocalCalendar("Europe/Amsterdam", "en").instant({{2026, 11, 22}, 10, 30, 0});
+/// On Sunday 22 November 2026, 10:30, in Amsterdam.
+struct SundayMorning : testing::SimulatedPlatform {
+    explicit SundayMorning(const std::string& locale = "en_GB") {
+        clock.localeName = locale;
+        time.jumpWallClock(LocalCalendar(clock).instant({{2026, 11, 22}, 10, 30, 0}));
+    }
+    DateDetector detector{clock};
 };
 
 struct Case {
@@ -24,10 +23,9 @@ struct Case {
 };
 
 void expectAll(const std::string& locale, std::initializer_list<Case> cases) {
-    const FixedClock clock(locale);
-    DateDetector detector(clock);
+    SundayMorning morning(locale);
     for (const auto& c : cases) {
-        const auto date = detector.firstDate(c.text);
+        const auto date = morning.detector.firstDate(c.text);
         std::string found;
         if (date) {
             found = LocalCalendar("Europe/Amsterdam", "en").format(date->date, "yyyy-MM-dd HH:mm");
@@ -137,10 +135,9 @@ TEST(DateDetector, SpringsOnNothingElse) {
 
 TEST(DateDetector, ASkippedOrRepeatedHourIsTheFirstThereIs) {
     expectAll("en_GB", {{"28 March 2027 02:30", "2027-03-28 03:00"}, {"31 October 2027 02:30", "2027-10-31 02:30"}});
-    const FixedClock clock;
-    DateDetector detector(clock);
-    EXPECT_TRUE(detector.firstDate(std::string(1990, 'x') + " 14:00"));
-    EXPECT_FALSE(detector.firstDate(std::string(2000, 'x') + " 14:00"));
+    SundayMorning morning;
+    EXPECT_TRUE(morning.detector.firstDate(std::string(1990, 'x') + " 14:00"));
+    EXPECT_FALSE(morning.detector.firstDate(std::string(2000, 'x') + " 14:00"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 import os
 import sys
+from contextlib import closing
 
 from desktop import HEADER_Y, HEIGHT, PANEL_RIGHT
 from PIL import Image
@@ -81,10 +82,8 @@ def day(stage):
 
 def pictures():
     for scene, stage in ((welcome, WideEvening(first_start=True)), (day, Evening())):
-        try:
+        with closing(stage):
             yield from scene(stage)
-        finally:
-            stage.close()
 
 
 if __name__ == "__main__":

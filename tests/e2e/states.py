@@ -6,6 +6,7 @@ import os
 import subprocess
 import sys
 import time
+from contextlib import closing
 
 from desktop import (AWAY, BRIEF_LEFT, BRIEF_RIGHT, COLUMNS_TOP, HEADER_Y, NOTCH, PANEL_LEFT, PANEL_RIGHT, REFERENCE_DATE,
                      TODO_LEFT, Desktop)
@@ -143,35 +144,26 @@ def stacked(pictures, gap=10):
 
 
 def panel():
-    stage = Stage()
-    try:
+    with closing(Stage()) as stage:
         stage.write_sample_day()
         stage.write_meeting()
         stage.play()
         stage.open_panel()
         yield "panel", stage.picture()
-    finally:
-        stage.close()
 
 
 def empty_day():
-    stage = Stage()
-    try:
+    with closing(Stage()) as stage:
         stage.open_panel()
         yield "empty", stage.picture()
-    finally:
-        stage.close()
 
 
 def recap():
-    stage = Stage()
-    try:
+    with closing(Stage()) as stage:
         stage.write_day(RECAP, TODOS[4:6])
         stage.write("itemflags.json", flagged("renew-the-passport", "Renew the passport"))
         stage.open_panel()
         yield "recap", stage.picture()
-    finally:
-        stage.close()
 
 
 def swipes(stage):
@@ -192,8 +184,7 @@ def swipes(stage):
 
 
 def cards_and_menus():
-    stage = Stage()
-    try:
+    with closing(Stage()) as stage:
         stage.write_sample_day()
         stage.open_panel()
         yield "swipes", swipes(stage)
@@ -215,8 +206,6 @@ def cards_and_menus():
         time.sleep(0.3)
         stage.key("Down", "Down")
         yield "todo-actions", stage.picture()
-    finally:
-        stage.close()
 
 
 def window_picture(stage, title, panels):
@@ -235,22 +224,16 @@ def window_picture(stage, title, panels):
 
 
 def windows():
-    stage = Stage(settings={"didCompleteOnboarding": False})
-    try:
+    with closing(Stage(settings={"didCompleteOnboarding": False})) as stage:
         stage.write_sample_day()
         stage.start_program(NOW)
         yield "tour", window_picture(stage, "Welcome to Dawnly", set())
-    finally:
-        stage.close()
-    stage = Stage()
-    try:
+    with closing(Stage()) as stage:
         stage.write_sample_day()
         stage.open_panel()
         panels = set(stage.search("Dawnly"))
         stage.click(PANEL_RIGHT - 30 - 20 - 13, HEADER_Y)
         yield "settings", window_picture(stage, "Dawnly", panels)
-    finally:
-        stage.close()
 
 
 def states():

@@ -32,6 +32,7 @@ struct CommandFixture : ::testing::Test {
     SimulatedFolderEvents events;
     SimulatedCloudFiles cloud;
     SimulatedInterrupt interrupt;
+    WorkQueueFactory* queues = &platform.queues;
     std::ostringstream out;
     std::ostringstream err;
 
@@ -39,7 +40,7 @@ struct CommandFixture : ::testing::Test {
     cli::Environment environment() {
         return {.clock = platform.clock,
                 .defaults = defaults,
-                .queues = platform.queues,
+                .queues = *queues,
                 .folderEvents = events,
                 .cloudFiles = cloud,
                 .interrupt = interrupt,

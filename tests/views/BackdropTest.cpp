@@ -251,15 +251,18 @@ TEST_F(PanelBackdropTest, WithoutAPictureThereIsNone) {
     EXPECT_EQ(backdrop.brightest(), 1) << "nobody knows what is there";
 }
 
+struct PanelPaintTest : ::testing::Test {
+    SimulatedPlatform platform;
+    SimulatedUserDefaults defaults;
+    ThemeStore theme{defaults, platform.runLoop};
+};
+
 // What one layer over another comes to.
 double over(double below, double color, double opacity) {
     return below * (1 - opacity) + color * opacity;
 }
 
-TEST(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults, platform.runLoop);
+TEST_F(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
     for (const NotchTheme name : notch_theme::all) {
         for (const double translucency : {0.2, 0.6, 1.0}) {
             theme.setTheme(name);
@@ -278,10 +281,7 @@ TEST(PanelPaintTest, TheCoatingEqualsTheBaseWithTheWashAboveIt) {
     }
 }
 
-TEST(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults, platform.runLoop);
+TEST_F(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
     theme.setTheme(NotchTheme::custom);
     theme.setTranslucency(0);
     theme.setCustomTopHex(0);
@@ -290,10 +290,7 @@ TEST(PanelPaintTest, AWashThatBeginsBlackIsStillSeen) {
     EXPECT_TRUE(panel_paint::isBlack(panel_paint::coating(theme, 1)));
 }
 
-TEST(PanelPaintTest, TheScrimKeepsEveryBackgroundDarkUnderText) {
-    SimulatedPlatform platform;
-    SimulatedUserDefaults defaults;
-    ThemeStore theme(defaults, platform.runLoop);
+TEST_F(PanelPaintTest, TheScrimKeepsEveryBackgroundDarkUnderText) {
     for (const NotchTheme name : notch_theme::all) {
         for (const double translucency : {0.0, 0.5, 1.0}) {
             theme.setTheme(name);

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+#include "support/SimulatedFileSystem.h"
 #include "support/SimulatedFolderEvents.h"
 #include "support/SimulatedPlatform.h"
 #include "support/SimulatedUserDefaults.h"
@@ -18,12 +19,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 namespace fs = std::filesystem;
-
-class CloudRequests : public CloudFiles {
-public:
-    void startDownloading(const std::string& path) override { paths.push_back(path); }
-    std::vector<std::string> paths;
-};
 
 std::vector<std::string> ids(const std::vector<Briefing>& briefings) {
     std::vector<std::string> result;
@@ -53,14 +48,14 @@ protected:
     }
 
     std::vector<std::string> load() const {
-        CloudRequests ignored;
+        testing::SimulatedCloudFiles ignored;
         return ids(FolderBriefingProvider::loadBriefings(folder.path(), LocalCalendar(platform.clock), ignored));
     }
 
     testing::TemporaryFolder folder;
     testing::SimulatedPlatform platform;
     testing::SimulatedFolderEvents events;
-    CloudRequests cloud;
+    testing::SimulatedCloudFiles cloud;
     std::vector<std::vector<std::string>> deliveries;
 };
 
@@ -86,7 +81,7 @@ TEST_F(FolderBriefingProviderTest, AsksForTheContentOfPlaceholders) {
     folder.write(".2026-11-16.md.icloud", "");
     const auto provider = makeProvider(folder.path());
     provider->start(record());
-    EXPECT_THAT(cloud.paths, ElementsAre(folder / ".2026-11-16.md.icloud"));
+    EXPECT_THAT(cloud.requested, ElementsAre(folder / ".2026-11-16.md.icloud"));
     EXPECT_THAT(deliveries, ElementsAre(IsEmpty()));
 }
 

@@ -7,6 +7,8 @@
 #include <limits>
 #include <set>
 
+#include "support/SimulatedStores.h"
+
 namespace sunpane::testing {
 namespace {
 
@@ -17,14 +19,6 @@ Todo todo(const std::string& text, bool done = false, std::optional<bool> prio =
     made.done = done;
     made.prio = prio;
     return made;
-}
-
-std::vector<std::string> texts(const std::vector<Todo>& todos) {
-    std::vector<std::string> result;
-    result.reserve(todos.size());
-    for (const Todo& each : todos)
-        result.push_back(each.text);
-    return result;
 }
 
 TEST(TodoFile, WritesKeysInOrderAndLeavesAbsentOnesOut) {

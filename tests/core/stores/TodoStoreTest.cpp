@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "StoreFixture.h"
+#include "support/SimulatedStores.h"
 
 namespace sunpane::testing {
 namespace {
@@ -26,12 +27,7 @@ protected:
         machine.restart();
         store = std::make_unique<TodoStore>(*machine.files, StoreFixture::folder);
     }
-    std::vector<std::string> texts() const {
-        std::vector<std::string> result;
-        for (const Todo& todo : store->todos())
-            result.push_back(todo.text);
-        return result;
-    }
+    std::vector<std::string> texts() const { return testing::texts(store->todos()); }
     const Todo& at(const std::string& text) const {
         for (const Todo& todo : store->todos()) {
             if (todo.text == text) return todo;

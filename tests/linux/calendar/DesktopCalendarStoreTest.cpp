@@ -85,12 +85,21 @@ protected:
     }
 
     void grant() { defaults.set(DesktopCalendarStore::accessKey, std::string("fullAccess")); }
+    /// With access, after the first look into the folder.
+    void openGranted(bool withService = false) {
+        grant();
+        open(withService);
+        platform.time.runPending();
+    }
+    std::vector<CalendarEvent> fortnight() const {
+        return store->events(platform.clock.now(), platform.clock.now() + 14 * 86400.0);
+    }
 
     void write(const std::string& name, const std::string& text) { folder.write("calendars/" + name, text); }
 
     std::vector<std::string> titles() {
         std::vector<std::string> found;
-        for (const auto& event : store->events(platform.clock.now(), platform.clock.now() + 14 * 86400.0))
+        for (const auto& event : fortnight())
             found.push_back(event.title.value_or("-") + "@" + event.calendar->title);
         return found;
     }
@@ -170,9 +179,7 @@ TEST_F(DesktopCalendarStoreTest, FollowsFilesAndFoldersThatComeAndGo) {
     std::filesystem::create_directory(calendars + "/Home");
     write("Home/1.ics", oneEvent("B"));
     write("Home/notes.txt", oneEvent("not a calendar"));
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     EXPECT_THAT(titles(), ElementsAre("B@Home", "A@work"));
     EXPECT_THAT(store->calendars(),
                 ElementsAre(CalendarInfo{"ics:Home", "Home", false}, CalendarInfo{"ics:work.ics", "work", false}));
@@ -197,9 +204,7 @@ TEST_F(DesktopCalendarStoreTest, FollowsFilesAndFoldersThatComeAndGo) {
 
 TEST_F(DesktopCalendarStoreTest, NoticesWhenTheFolderIsMade) {
     std::filesystem::remove(calendars);
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     EXPECT_THAT(titles(), IsEmpty());
     std::filesystem::create_directory(calendars);
     write("work.ics", oneEvent("A"));
@@ -222,17 +227,13 @@ TEST_F(DesktopCalendarStoreTest, PassesOverWhatIsNoFileOfTheUsers) {
     write("huge.ics", oneEvent("huge"));
     std::filesystem::resize_file(calendars + "/huge.ics", maximumCalendarFileSize + 1);
     write("broken.ics", "BEGIN:VCALENDAR\nBEGIN:VEVENT\nDTSTART:");
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     EXPECT_THAT(titles(), ElementsAre("good@good", "outside@linked"));
 }
 
 TEST_F(DesktopCalendarStoreTest, AnswersForTheDaysAroundTodayWhereverTodayMoves) {
     write("daily.ics", oneEvent("D", "RRULE:FREQ=DAILY\n"));
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     EXPECT_EQ(titles().size(), 13U);
     platform.time.jumpWallClock(platform.clock.now() + 3650 * 86400.0);
     EXPECT_THAT(titles(), IsEmpty());
@@ -248,9 +249,7 @@ TEST_F(DesktopCalendarStoreTest, AnswersForTheDaysAroundTodayWhereverTodayMoves)
 
 TEST_F(DesktopCalendarStoreTest, FollowsTheUserIntoAnotherZone) {
     write("day.ics", "BEGIN:VEVENT\nUID:d\nDTSTART;VALUE=DATE:20261124\nEND:VEVENT\n");
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     const auto start = [&] {
         return iso8601Utc(*store->events(platform.clock.now(), platform.clock.now() + 7 * 86400.0).at(0).start);
     };
@@ -267,7 +266,7 @@ TEST_F(DesktopCalendarStoreTest, WritesNewEventsToACalendarOfItsOwn) {
     const Instant start = platform.clock.now() + 86400;
     store->add({"Call; them", start, start + 1800}, [&](const auto& given) { identifier = given; });
     platform.time.runPending();
-    const auto events = store->events(platform.clock.now(), platform.clock.now() + 14 * 86400.0);
+    const auto events = fortnight();
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].identifier, identifier);
     EXPECT_EQ(events[0].title, "Call; them");
@@ -288,9 +287,7 @@ CalendarService::Calendar serviceCalendar(const std::string& identifier, std::op
 
 TEST_F(DesktopCalendarStoreTest, PutsTheServicesCalendarsBesideItsOwn) {
     write("work.ics", oneEvent("A"));
-    grant();
-    open(true);
-    platform.time.runPending();
+    openGranted(true);
     EXPECT_FALSE(store->loaded()) << "the first answer waits for the service";
     ASSERT_EQ(service.reads.size(), 1U);
     service.reads[0]({{serviceCalendar("s1", oneEvent("B")), serviceCalendar("s2", oneEvent("C"))}});
@@ -367,9 +364,7 @@ TEST_F(DesktopCalendarStoreTest, KnowsWhichEventsItCannotTellOf) {
 }
 
 TEST_F(DesktopCalendarStoreTest, TellsOfNothingThatIsAsItWas) {
-    grant();
-    open(true);
-    platform.time.runPending();
+    openGranted(true);
     std::vector<CalendarService::Calendar> answer{serviceCalendar("s1", oneEvent("A")),
                                                   serviceCalendar("broken", std::nullopt)};
     service.reads.back()(answer);
@@ -392,9 +387,7 @@ TEST_F(DesktopCalendarStoreTest, TellsOfNothingThatIsAsItWas) {
 }
 
 TEST_F(DesktopCalendarStoreTest, AsksAgainForACalendarThatCannotBeWatched) {
-    grant();
-    open(true);
-    platform.time.runPending();
+    openGranted(true);
     std::vector<CalendarService::Calendar> answer{serviceCalendar("s1", oneEvent("A"))};
     answer[0].isWatched = false;
     service.reads.back()(answer);
@@ -411,12 +404,10 @@ TEST_F(DesktopCalendarStoreTest, KeepsWhatItReadOfAFileThatCannotBeRead) {
     write("work.ics", oneEvent("A"));
     write("new.ics", oneEvent("B"));
     files.unreadable = {calendars + "/new.ics"};
-    grant();
-    open();
-    platform.time.runPending();
+    openGranted();
     EXPECT_THAT(titles(), ElementsAre("A@work"));
     EXPECT_THAT(store->unread(), ElementsAre("ics:new.ics:"));
-    const auto events = store->events(platform.clock.now(), platform.clock.now() + 14 * 86400.0);
+    const auto events = fortnight();
     EXPECT_TRUE(events.at(0).identifier.starts_with("ics:work.ics:")) << events.at(0).identifier;
     files.unreadable = {calendars + "/work.ics"};
     write("work.ics", oneEvent("A2"));
@@ -430,9 +421,7 @@ TEST_F(DesktopCalendarStoreTest, KeepsWhatItReadOfAFileThatCannotBeRead) {
 
 TEST_F(DesktopCalendarStoreTest, WritesNewEventsToTheServiceWhenItHasACalendarForThem) {
     using Outcome = CalendarService::Added::Outcome;
-    grant();
-    open(true);
-    platform.time.runPending();
+    openGranted(true);
     service.reads[0](std::vector<CalendarService::Calendar>{});
     std::vector<std::optional<std::string>> added;
     const auto add = [&] {
