@@ -38,3 +38,12 @@ while IFS= read -r line; do
   esac
 done <"$bundle/share/applications/app.dawnly.Dawnly.desktop" >"$entry.new"
 mv "$entry.new" "$entry"
+
+# What neither this script nor a link can do: these are the user's own files.
+if [[ :$PATH: != *":$HOME/.local/bin:"* ]]; then
+  echo "$HOME/.local/bin is not in PATH: log in anew if your profile adds it, or add it there."
+fi
+functions=$data/zsh/site-functions
+if command -v zsh >/dev/null && ! grep -qsF zsh/site-functions "${ZDOTDIR:-$HOME}/.zshrc" "${ZDOTDIR:-$HOME}/.zshenv"; then
+  printf 'For completions in zsh put this into ~/.zshrc, before compinit:\n  fpath+=(%q)\n' "$functions"
+fi

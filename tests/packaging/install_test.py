@@ -61,8 +61,16 @@ class Installed(unittest.TestCase):
         with open(kept, "w") as file:
             file.write("the user's own")
         script = os.path.join(bundle, "share/dawnly/add-to-desktop.sh")
-        for _ in range(2):
-            subprocess.run([script], env=environment, check=True, stderr=subprocess.DEVNULL)
+        for told in (self.assertIn, self.assertNotIn):
+            hints = subprocess.run([script], env=environment, check=True, text=True, stdout=subprocess.PIPE,
+                                   stderr=subprocess.DEVNULL).stdout
+            line = "fpath+=(%s/.local/share/zsh/site-functions)\n" % home
+            told(line, hints)
+            told("is not in PATH", hints)
+            with open(os.path.join(home, ".zshrc"), "w") as file:
+                file.write(line)
+            environment["PATH"] += ":%s/.local/bin" % home
+        os.remove(os.path.join(home, ".zshrc"))
         entry = os.path.join(home, ".local/share/applications/app.dawnly.Dawnly.desktop")
         subprocess.run(["desktop-file-validate", entry], check=True)
         with open(entry) as file:
