@@ -10,6 +10,7 @@ int runFeedback(Arguments arguments, Environment& environment) {
     const auto parsed = parseStoreArguments(feedbackCommand, arguments, environment);
     if (!parsed) return failure;
     if (!parsed->words.empty()) return usageError(feedbackCommand, "it takes no other words", environment);
+    if (!isFolderThere(*parsed, feedbackCommand, environment)) return failure;
     tellOtherFolder(*parsed, feedbackCommand, environment);
     StoreSession session(environment, parsed->folder);
     session.flags().writeFeedback();

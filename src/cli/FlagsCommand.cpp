@@ -38,6 +38,7 @@ int runFlags(Arguments arguments, Environment& environment) {
     if (!lists && !flags && !unflags) {
         return usageError(flagsCommand, "list, prio KEY TEXT or unprio KEY is needed", environment);
     }
+    if (!flags && !isFolderThere(*parsed, flagsCommand, environment)) return failure;
     const std::string text = joined(words, 2);
     if (!lists) {
         const auto answer = askProgram({StoreChange::Subject::flag, {}, words[0], words[1], text, {}}, *parsed,

@@ -4,7 +4,8 @@
 
 namespace sunpane::cli {
 
-/// Lists the flags of a folder's cards, or makes a card a priority or not.
+/// Lists the flags of a folder's cards, or makes a card a priority or not. Only making one a priority makes a
+/// named folder that is missing.
 int runFlags(Arguments arguments, Environment& environment);
 
 inline constexpr Command flagsCommand{.name = "flags",

@@ -158,6 +158,12 @@ std::optional<StoreArguments> parseStoreArguments(const Command& command, Argume
     return parsed;
 }
 
+bool isFolderThere(const StoreArguments& arguments, const Command& command, Environment& environment) {
+    if (!arguments.isFolderNamed || environment.files->exists(arguments.folder)) return true;
+    environment.err << "dawnlyctl " << command.name << ": there is no folder " << escapedName(arguments.folder) << '\n';
+    return false;
+}
+
 std::string joined(std::span<const std::string> words, std::size_t first) {
     std::string text;
     for (std::size_t i = first; i < words.size(); ++i) {

@@ -60,6 +60,10 @@ struct StoreArguments {
 std::optional<StoreArguments> parseStoreArguments(const Command& command, Arguments arguments,
                                                   Environment& environment);
 
+/// Whether the folder of `arguments` is there, or is the chosen one, which every program makes. Otherwise tells on
+/// `err` that it is not.
+bool isFolderThere(const StoreArguments& arguments, const Command& command, Environment& environment);
+
 /// The running program may take that long (s) over a change that it is asked for.
 inline constexpr Seconds programPatience = 5;
 

@@ -103,6 +103,7 @@ int runTodo(Arguments arguments, Environment& environment) {
     if (takesText && todo_actions::oneLine(text).empty())
         return usageError(todoCommand, "a todo needs a text", environment);
 
+    if (verb != "add" && !isFolderThere(*parsed, todoCommand, environment)) return failure;
     StoreSession session(environment, parsed->folder);
     if (verb == "list") {
         tellOtherFolder(*parsed, todoCommand, environment);

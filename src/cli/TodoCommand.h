@@ -5,7 +5,7 @@
 namespace sunpane::cli {
 
 /// Lists or changes the todos of a folder. N counts from 1 as in the list. A number that is not in the list: one line
-/// on `err` and `negative`.
+/// on `err` and `negative`. Only adding makes a named folder that is missing.
 int runTodo(Arguments arguments, Environment& environment);
 
 inline constexpr Command todoCommand{

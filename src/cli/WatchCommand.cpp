@@ -1,8 +1,10 @@
 #include "cli/WatchCommand.h"
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -21,6 +23,11 @@ int runWatch(Arguments arguments, Environment& environment) {
         }
         if (folder) return usageError(watchCommand, "one folder at a time", environment);
         folder = argument;
+    }
+    std::error_code ignored;
+    if (folder && !std::filesystem::is_directory(*folder, ignored)) {
+        environment.err << "dawnlyctl watch: there is no folder " << escapedName(*folder) << '\n';
+        return failure;
     }
     if (!folder) folder = FolderBriefingProvider::currentDirectory(environment.defaults);
 

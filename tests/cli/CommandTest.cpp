@@ -98,6 +98,8 @@ TEST_F(CommandTest, WatchPrintsALineForEachDelivery) {
               "{\"at\":1795305600.25,\"briefings\":[]}\n"
               "{\"at\":1795305600.65,\"briefings\":[\"2026-11-16.md\",\"2026-11-15.md\"]}\n");
     EXPECT_EQ(platform.time.pendingCount(), 0U);
+    EXPECT_EQ(run({"watch", folder / "typo"}), failure);
+    EXPECT_FALSE(std::filesystem::exists(folder / "typo"));
 }
 
 TEST_F(CommandTest, WrongUsageIsAFailureThatShowsTheRightOne) {

@@ -221,6 +221,19 @@ TEST_F(StoreCommandTest, FlagsKeepWhatTheProgramToldTheAgent) {
     EXPECT_THAT(*disk.content("/home/briefings/feedback.json"), HasSubstr("a line"));
 }
 
+TEST_F(StoreCommandTest, AMistypedFolderIsMadeByWhatAddsToItOnly) {
+    for (std::vector<std::string> words : std::vector<std::vector<std::string>>{
+             {"todo", "list"}, {"todo", "done", "1"}, {"flags", "list"}, {"flags", "unprio", "key"}, {"feedback"}}) {
+        words.insert(words.begin() + 1, {"--folder", "/home/typo"});
+        EXPECT_EQ(run(words), failure) << words[0];
+        EXPECT_EQ(err.str(), "dawnlyctl " + words[0] + ": there is no folder /home/typo\n");
+        EXPECT_FALSE(disk.exists("/home/typo"));
+    }
+    EXPECT_EQ(run({"todo", "--folder", "/home/new", "add", "x"}), success);
+    EXPECT_EQ(run({"flags", "--folder", "/home/newer", "prio", "key", "x"}), success);
+    EXPECT_EQ(run({"todo", "list"}), success) << "the chosen folder, which is made";
+}
+
 TEST_F(StoreCommandTest, WrongUsageChangesNothing) {
     for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"todo"},
                                                                                        {"todo", "add"},
