@@ -9,6 +9,7 @@
 #include "views/NotchOutline.h"
 #include "views/ProgressArc.h"
 #include "views/SymbolIcon.h"
+#include "views/WorkArea.h"
 
 // Made by the build from the module's QML files.
 extern void qml_register_types_Sunpane();  // NOLINT(readability-identifier-naming)
@@ -21,6 +22,7 @@ void RootWindow::registerTypes() {
     qmlRegisterType<NotchOutline>("Sunpane", 1, 0, "NotchOutline");
     qmlRegisterType<ProgressArc>("Sunpane", 1, 0, "ProgressArc");
     qmlRegisterType<SymbolIcon>("Sunpane", 1, 0, "SymbolIcon");
+    qmlRegisterType<WorkArea>("Sunpane", 1, 0, "WorkArea");
 }
 
 RootWindow::RootWindow(QQmlEngine& engine, std::unique_ptr<PanelPresenter> presenter,

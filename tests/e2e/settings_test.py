@@ -6,7 +6,8 @@ import subprocess
 import time
 import unittest
 
-from desktop import AWAY, HEADER_Y, PANEL_RIGHT, Desktop
+import neighbours
+from desktop import AWAY, HEADER_Y, NOTCH, PANEL_RIGHT, WIDTH, Desktop
 
 GEAR = (PANEL_RIGHT - 30 - 20 - 13, HEADER_Y)
 FIRST_RUN = {"didWriteWelcomeBrief": False, "didCompleteOnboarding": False}
@@ -19,9 +20,10 @@ CHOOSE_FOLDER, RESET_FOLDER = (270, 103), (551, 103)
 
 
 class WindowsTest(unittest.TestCase):
-    def start(self, **options):
+    def start(self, scale=1, **options):
         self.desktop = Desktop(window_manager=True, **options)
         self.addCleanup(self.desktop.close)
+        self.desktop.environment["QT_SCALE_FACTOR"] = str(scale)
         self.desktop.start_program()
         self.panels = set(self.desktop.search("Dawnly"))
         return self.desktop
@@ -124,6 +126,56 @@ class SettingsWindow(WindowsTest):
         self.click(RESET_FOLDER)
         self.await_setting("briefingsFolderPath", None)
         d.wait_for(lambda: d.report()["briefings"] == 0, "the default folder to be read")
+
+
+class LargeLetters(WindowsTest):
+    """On a screen of 640 by 400 points."""
+
+    DOCK_TOP = 700  # pixels
+    # In points: the gear on the screen, the others in the settings window.
+    GEAR, BRIEFINGS, CHOOSE_FOLDER, TOUR = (597, HEADER_Y), (80, 98), (270, 103), (80, 230)
+
+    def click(self, point, origin=(0, 0)):
+        self.desktop.click(origin[0] + 2 * point[0], origin[1] + 2 * point[1])
+        time.sleep(0.5)
+
+    def frame(self, title):
+        """The corners of the window of this title, with the frame around it, once it has the keyboard."""
+        d = self.desktop
+        window = self.window(title)
+        time.sleep(0.4)
+        told = d.run("xwininfo", "-id", window).decode()
+        x, y = map(int, re.findall(r"Absolute upper-left [XY]: +(-?\d+)", told))
+        width, height = (int(re.search(side + r": (\d+)", told).group(1)) for side in ("Width", "Height"))
+        extents = re.findall(r"\d+", d.run("xprop", "-id", window, "_NET_FRAME_EXTENTS").decode())
+        left, right, top, bottom = map(int, extents or (0, 0, 0, 0))
+        self.place = (x, y)
+        return x - left, y - top, x + width + right, y + height + bottom
+
+    def assert_fits(self, title):
+        left, top, right, bottom = self.frame(title)
+        self.assertTrue(0 <= left < right <= WIDTH and 0 <= top < bottom <= self.DOCK_TOP,
+                        "%s at %r" % (title, (left, top, right, bottom)))
+
+    def test_panel_and_windows_fit_into_what_a_dock_leaves_of_the_screen(self):
+        d = self.start(scale=2)
+        dock = neighbours.Typewriter(d, "Dock", "1280x100+0+%d" % self.DOCK_TOP)
+        d.run("xprop", "-id", dock.window, "-f", "_NET_WM_STRUT", "32c", "-set", "_NET_WM_STRUT", "0, 0, 0, 100")
+        d.wait_for(lambda: b", %d," % self.DOCK_TOP in d.run("xprop", "-root", "_NET_WORKAREA"), "room for the dock")
+        d.move(*NOTCH)
+        d.wait_for(lambda: d.report()["expanded"], "the panel to unfold")
+        self.assertEqual(d.report()["panelFrame"], "{{0, 4}, {640, 396}}")
+        time.sleep(0.9)
+        self.click(self.GEAR)
+        self.assert_fits("Dawnly")
+        settings = self.place
+        self.click(self.BRIEFINGS, settings)
+        self.click(self.CHOOSE_FOLDER, settings)
+        self.assert_fits("Choose Folder")
+        d.key("Escape")
+        self.window("Dawnly")
+        self.click(self.TOUR, settings)
+        self.assert_fits("Welcome to Dawnly")
 
 
 class Tour(WindowsTest):

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QQuickItem>
+#include <QScreen>
 
 #include "support/TemporaryFolder.h"
 #include "views/AlertWindows.h"
@@ -167,6 +168,29 @@ TEST_F(Controls, TheFolderPickerKeepsNamesAsTheyAre) {
     picker.choose(QStringLiteral("  ") + QString::fromStdString(folder / "typed\t"));
     EXPECT_EQ(chosen, folder / "typed");
     EXPECT_TRUE(QFileInfo(QString::fromStdString(folder / "typed")).isDir());
+    settle();
+}
+
+TEST_F(Controls, AnAlertWithALongTextFitsOnTheScreen) {
+    AlertWindows alerts(engine);
+    std::optional<bool> answer;
+    const auto ask = [&](int lines) -> QWindow& {
+        std::string why;
+        for (int i = 0; i < lines; ++i)
+            why += "Line\n";
+        alerts.show({"Move?", why, "Move", "Not Now"}, [&](bool first) { answer = first; });
+        settle();
+        return *QGuiApplication::focusWindow();
+    };
+    const int few = ask(1).height();
+    press(*QGuiApplication::focusWindow(), Qt::Key_Escape);
+    EXPECT_EQ(answer, false);
+    QWindow& window = ask(200);
+    EXPECT_GT(window.height(), few);
+    EXPECT_LT(window.height(), window.screen()->availableGeometry().height());
+    press(window, Qt::Key_PageDown);
+    press(window, Qt::Key_Return);
+    EXPECT_EQ(answer, true);
     settle();
 }
 

@@ -7,11 +7,11 @@ ProgramWindow {
 
     required property var picker
 
-    width: Math.min(520, Screen.width - 24)
-    height: Math.min(440, Screen.height - 56)
+    width: Math.min(520, mostWidth)
+    height: Math.min(440, mostHeight)
     // The buttons side by side.
     minimumWidth: Math.min(width, 420)
-    minimumHeight: 280
+    minimumHeight: Math.min(height, 280)
     flags: Qt.Dialog
     title: qsTr("Choose Folder")
     lift: 1 / 3
@@ -198,13 +198,8 @@ ProgramWindow {
                     visible = false;
                     path.takeFocus();
                 }
-                Keys.onEscapePressed: {
-                    visible = false;
-                    newFolder.forceActiveFocus(Qt.TabFocusReason);
-                }
             }
             LabelButton {
-                id: newFolder
                 visible: !newName.visible
                 text: qsTr("New Folder…")
                 onClicked: {

@@ -10,8 +10,8 @@ ProgramWindow {
     readonly property real shadow: 20
     readonly property real radius: 20
 
-    width: Math.min(560 + 2 * shadow, Screen.width)
-    height: Math.min(680 + 2 * shadow, Screen.height)
+    width: Math.min(560 + 2 * shadow, workArea.area.width)
+    height: Math.min(680 + 2 * shadow, workArea.area.height)
     flags: Qt.Window | Qt.FramelessWindowHint
     title: qsTr("Welcome to Dawnly")
     color: "transparent"

@@ -11,7 +11,7 @@ Flickable {
     contentWidth: width
     contentHeight: column.implicitHeight + 2 * padding
     boundsBehavior: Flickable.StopAtBounds
-    interactive: contentHeight > height
+    interactive: contentHeight > height + 1
     clip: true
 
     function reveal(item) {

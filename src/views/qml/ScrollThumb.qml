@@ -10,7 +10,8 @@ Rectangle {
     readonly property real hidden: area.contentHeight - area.height
 
     parent: area
-    visible: hidden > 0
+    // Sizes in whole pixels may miss a fraction of a point.
+    visible: hidden > 1
     x: area.width - width - inset
     y: 3 + way * Math.max(0, Math.min(1, (area.contentY - area.originY) / hidden))
     width: 5

@@ -14,8 +14,8 @@ ProgramWindow {
     ]
 
     // Smaller only where the screen is, as one with large letters.
-    width: Math.min(680, Screen.width - 24)
-    height: Math.min(520, Screen.height - 56)
+    width: Math.min(680, mostWidth)
+    height: Math.min(520, mostHeight)
     minimumWidth: width
     maximumWidth: width
     minimumHeight: height
