@@ -1,2 +1,2 @@
 # Completion of dawnly for bash.
-complete -W "--verbose --help --version" dawnly
+complete -W "--verbose -h --help -v --version" dawnly

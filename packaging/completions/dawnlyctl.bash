@@ -4,17 +4,17 @@
 _dawnlyctl_words() {
   local command=$1 verb=$2 index=$3
   case $command in
-    '') echo "brief check watch todo flags feedback playing play-pause next previous mute agenda expand report prompt defaults --help --version" ;;
-    brief | watch | playing) echo "--json --help" ;;
-    agenda) echo "--json --at --help" ;;
-    feedback) echo "--folder --help" ;;
-    check | play-pause | next | previous | mute | expand | report) echo "--help" ;;
-    prompt) if ((index == 2)); then echo "morning evening delivery --folder --help"; else echo "--folder"; fi ;;
-    todo) if [[ -z $verb ]]; then echo "list add done open prio rename delete --folder --help"; else echo "--folder --json"; fi ;;
-    flags) if [[ -z $verb ]]; then echo "list prio unprio --folder --help"; else echo "--folder --json"; fi ;;
+    '') echo "brief check watch todo flags feedback playing play-pause next previous mute agenda expand report prompt defaults -h --help -v --version" ;;
+    brief | watch | playing) echo "--json -h --help" ;;
+    agenda) echo "--json --at -h --help" ;;
+    feedback) echo "--folder -h --help" ;;
+    check | play-pause | next | previous | mute | expand | report) echo "-h --help" ;;
+    prompt) if ((index == 2)); then echo "morning evening delivery --folder -h --help"; else echo "--folder"; fi ;;
+    todo) if [[ -z $verb ]]; then echo "list add done open prio rename delete --folder -h --help"; else echo "--folder --json"; fi ;;
+    flags) if [[ -z $verb ]]; then echo "list prio unprio --folder -h --help"; else echo "--folder --json"; fi ;;
     defaults)
       case $verb in
-        '') echo "read write delete --help" ;;
+        '') echo "read write delete -h --help" ;;
         read) if ((index == 3)); then _dawnlyctl_keys; fi; echo "--json" ;;
         write) if ((index == 3)); then _dawnlyctl_keys; else echo "--string --bool --int --float --array"; fi ;;
         delete) _dawnlyctl_keys ;;

@@ -3,7 +3,9 @@ set -l seen __fish_seen_subcommand_from
 
 complete -c dawnlyctl -f
 complete -c dawnlyctl -l help -d 'Print the usage'
-complete -c dawnlyctl -n __fish_use_subcommand -l version -d 'Print the version'
+# Further on it may be part of a text.
+complete -c dawnlyctl -n 'test (count (commandline -opc)) -le 2' -s h -d 'Print the usage'
+complete -c dawnlyctl -n __fish_use_subcommand -s v -l version -d 'Print the version'
 complete -c dawnlyctl -n __fish_use_subcommand -a brief -d 'Show a briefing'
 complete -c dawnlyctl -n __fish_use_subcommand -a check -d 'Say what will not show as meant'
 complete -c dawnlyctl -n __fish_use_subcommand -a watch -d 'Follow a folder'
@@ -26,8 +28,8 @@ complete -c dawnlyctl -n "$seen watch" -a '(__fish_complete_directories)'
 complete -c dawnlyctl -n "$seen brief watch todo flags playing agenda defaults" -l json -d 'Print for programs'
 complete -c dawnlyctl -n "$seen todo flags feedback prompt" -l folder -x -a '(__fish_complete_directories)' -d 'The briefings folder'
 complete -c dawnlyctl -n "$seen agenda" -l at -x -d 'Another time, in ISO 8601'
-complete -c dawnlyctl -n "$seen todo; and not $seen list add done open rename delete" -a 'list add done open prio rename delete'
-complete -c dawnlyctl -n "$seen flags; and not $seen list unprio" -a 'list prio unprio'
+complete -c dawnlyctl -n "$seen todo; and not $seen list add done open prio rename delete" -a 'list add done open prio rename delete'
+complete -c dawnlyctl -n "$seen flags; and not $seen list prio unprio" -a 'list prio unprio'
 complete -c dawnlyctl -n "$seen prompt; and not $seen morning evening delivery" -a 'morning evening delivery'
 complete -c dawnlyctl -n "$seen defaults; and not $seen read write delete" -a 'read write delete'
 complete -c dawnlyctl -n "$seen defaults; and $seen read write delete" -a '(dawnlyctl defaults read 2>/dev/null | string replace -r " = .*" "")'

@@ -16,6 +16,10 @@ CASES = [
     ("dawnlyctl pl", ["playing", "play-pause"], ["brief"]),
     ("dawnlyctl prompt ", ["morning", "evening", "delivery"], ["brief", "list"]),
     ("dawnlyctl todo ", ["list", "add", "delete"], ["unprio", "read"]),
+    ("dawnlyctl todo prio ", [], ["list", "prio"]),
+    ("dawnlyctl flags prio ", [], ["list", "unprio"]),
+    ("dawnlyctl todo rename -", ["--folder"], ["-h"]),
+    ("dawnlyctl next -", ["-h", "--help"], ["--folder", "-v"]),
     ("dawnlyctl todo --folder /tmp re", ["rename"], ["read"]),
     ("dawnlyctl flags u", ["unprio"], ["list"]),
     ("dawnlyctl defaults ", ["read", "write", "delete"], ["list"]),
@@ -33,8 +37,8 @@ def complete_in_bash(line, environment, folder):
     script = """
         source {0}/completions/dawnlyctl.bash; source {0}/completions/dawnly.bash
         COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); COMPREPLY=()
-        if [[ $1 == dawnly ]]; then COMPREPLY=($(compgen -W "--verbose --help --version" -- "${{@: -1}}"))
-        complete -p dawnly | grep -q -- "--verbose --help --version" || exit 1
+        if [[ $1 == dawnly ]]; then COMPREPLY=($(compgen -W "--verbose -h --help -v --version" -- "${{@: -1}}"))
+        complete -p dawnly | grep -q -- "--verbose -h --help -v --version" || exit 1
         else _dawnlyctl; fi
         printf '%s\\n' "${{COMPREPLY[@]}}" """.format(PACKAGING)
     return subprocess.run(["bash", "-c", script, "bash", *words], env=environment, cwd=folder, check=True, text=True,
