@@ -198,8 +198,13 @@ ProgramWindow {
                     visible = false;
                     path.takeFocus();
                 }
+                Keys.onEscapePressed: {
+                    visible = false;
+                    newFolder.forceActiveFocus(Qt.TabFocusReason);
+                }
             }
             LabelButton {
+                id: newFolder
                 visible: !newName.visible
                 text: qsTr("New Folder…")
                 onClicked: {
