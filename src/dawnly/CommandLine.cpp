@@ -41,6 +41,15 @@ bool choosesPlatform(int argc, const char* const* argv) {
     });
 }
 
+// Without a display the toolkit takes out none of its own, which are written with one hyphen.
+void tellForeignOptions(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (!argument.starts_with("--") || argument == verboseOption) continue;
+        std::cerr << "dawnly: " << argument << " is no option of dawnly; see dawnly --help\n";
+    }
+}
+
 }  // namespace
 
 CommandLine readCommandLine(int argc, const char* const* argv) {
@@ -57,6 +66,7 @@ CommandLine readCommandLine(int argc, const char* const* argv) {
     }
     if (!commandLine.exitCode && !choosesPlatform(argc, argv)) {
         if (const auto reason = missingDisplay(); !reason.empty()) {
+            tellForeignOptions(argc, argv);
             std::cerr << "dawnly: there is no X display: " << reason << ". A Wayland session needs XWayland.\n";
             commandLine.exitCode = EXIT_FAILURE;
         }

@@ -124,6 +124,7 @@ class Commands(unittest.TestCase):
                         without = subprocess.run([program, *wrong], env=environment, text=True, stderr=subprocess.PIPE)
                         self.assertEqual(without.returncode, 1, wrong)
                         self.assertIn("no X display", without.stderr)
+                        self.assertEqual("no option of dawnly" in without.stderr, "--versoin" in wrong)
                     for long in re.findall(r" --([a-z]+) ", told.stdout):
                         self.assertIn(long, page)
 
