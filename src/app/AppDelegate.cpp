@@ -65,7 +65,7 @@ void AppDelegate::moveToApplications(const std::function<void()>& otherwise) {
 }
 
 void AppDelegate::finishLaunching() {
-    // First, because the question for the calendars lies above the tour, and the last window gets the keyboard.
+    // First, because the question for the calendars opens beside what is there, and the last window gets the keyboard.
     if (!with_.defaults.read<bool>(onboarding::didCompleteOnboardingKey).valueOr(false)) steps_.showTour();
     with_.calendar.ensureAccess([weak = std::weak_ptr(self_)](bool) {
         const auto self = weak.lock();

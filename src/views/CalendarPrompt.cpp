@@ -1,13 +1,37 @@
 #include "views/CalendarPrompt.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QUrl>
+#include <algorithm>
 #include <utility>
 
 namespace sunpane {
+namespace {
+
+// The window beside the panel that the user has before him, such as the tour; null when there is none.
+const QWindow* otherWindow(const QWindow& window) {
+    for (const QWindow* other : QGuiApplication::topLevelWindows()) {
+        const bool isPanel = other->flags().testFlag(Qt::BypassWindowManagerHint);
+        if (other != &window && other->isVisible() && !isPanel) return other;
+    }
+    return nullptr;
+}
+
+// Beside that window, as far as the screen has room: what it says of the calendars helps to answer.
+void placeBeside(QWindow& window, const QWindow& other) {
+    const QScreen* screen = other.screen();
+    if (screen == nullptr) return;
+    constexpr int frame = 6;
+    const QRect room = screen->availableGeometry();
+    const int rightmost = room.right() + 1 - window.width() - frame;
+    window.setX(std::max(room.left(), std::min(other.frameGeometry().right() + 1 + frame, rightmost)));
+}
+
+}  // namespace
 
 CalendarPrompt::CalendarPrompt() = default;
 CalendarPrompt::~CalendarPrompt() = default;
@@ -25,6 +49,7 @@ void CalendarPrompt::ask(std::function<void(CalendarAccess)> answer) {
     // Ending the program closes its windows, which elsewhere is a refusal.
     qApp->installEventFilter(this);
     connect(engine_.get(), &QQmlEngine::quit, qApp, &QCoreApplication::quit);
+    if (const QWindow* other = otherWindow(*window)) placeBeside(*window, *other);
     window->show();
     comeToFront();
 }

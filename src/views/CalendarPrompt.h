@@ -21,8 +21,9 @@ public:
     CalendarPrompt();
     ~CalendarPrompt() override;
 
-    /// Shows the window and calls `answer` with what was chosen: full, `writeOnly` or `denied`, which closing the
-    /// window also means. While the question is open it only comes to the front, and `answer` is never called.
+    /// Shows the window, beside another one of the program's that is open, and calls `answer` with what was chosen:
+    /// full, `writeOnly` or `denied`, which closing the window also means. While the question is open it only comes to
+    /// the front, and `answer` is never called.
     void ask(std::function<void(CalendarAccess)> answer);
 
     /// A question that is open when the program ends stays unanswered.

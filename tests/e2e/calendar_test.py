@@ -41,6 +41,16 @@ class Calendar(unittest.TestCase):
         found = self.desktop.search("Calendar access.*")
         return found[0] if found else None
 
+    def overlap(self):
+        """How much of the tour's width the question lies over."""
+        def edges(window):
+            lines = self.desktop.run("xdotool", "getwindowgeometry", "--shell", window).decode().split()
+            place = dict(line.split("=") for line in lines)
+            return int(place["X"]), int(place["X"]) + int(place["WIDTH"])
+
+        (left, right), (tour_left, tour_right) = edges(self.prompt()), edges(self.desktop.search("Welcome to Dawnly")[0])
+        return max(0, min(right, tour_right) - max(left, tour_left))
+
     def opened_addresses(self):
         if not os.path.exists(self.opened):
             return []
@@ -99,6 +109,7 @@ class Calendar(unittest.TestCase):
             d.wait_for(lambda: self.prompt() and d.focused_window() == self.prompt(), "the question to have the keyboard")
             time.sleep(0.5)
             self.assertEqual(d.focused_window(), self.prompt())
+            self.assertLessEqual(self.overlap(), 120)  # as narrow as the screen is
             end(program)
             self.assertEqual(program.wait(5), 0)
             self.assertIsNone(self.remembered_access())
