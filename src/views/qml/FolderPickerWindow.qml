@@ -163,19 +163,24 @@ ProgramWindow {
                 text: qsTr("No folders in here")
             }
         }
-        BodyText {
+        Item {
             id: problem
             x: 20
             width: parent.width - 40
             anchors.bottom: buttons.top
-            anchors.bottomMargin: text.length > 0 ? Style.gap : 0
-            height: text.length > 0 ? implicitHeight : 0
-            caption: true
-            color: Style.remove
-            // A path may be long.
-            maximumLineCount: 3
-            elide: Text.ElideRight
-            text: dialog.picker.problem
+            anchors.bottomMargin: height > 0 ? Style.gap : 0
+            height: complaint.text.length > 0 ? complaint.implicitHeight : 0
+
+            BodyText {
+                id: complaint
+                width: parent.width
+                caption: true
+                color: Style.remove
+                // A path may be long.
+                maximumLineCount: 3
+                elide: Text.ElideRight
+                text: dialog.picker.problem
+            }
         }
         Item {
             id: buttons

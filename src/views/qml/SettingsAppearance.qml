@@ -10,7 +10,8 @@ PageScroll {
     SettingsGroup {
         title: qsTr("Theme")
 
-        Row {
+        Flow {
+            width: parent.width
             spacing: 14
             Accessible.role: Accessible.Grouping
             Accessible.name: qsTr("Theme")
