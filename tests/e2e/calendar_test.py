@@ -1,7 +1,6 @@
 """The user's calendar in the panel: the question for access, the schedule of a day without a briefing, the next meeting
 and the way into it."""
 
-import os
 import pathlib
 import time
 import unittest
@@ -19,7 +18,7 @@ class Calendar(unittest.TestCase):
     def start(self, access):
         self.desktop = Desktop(window_manager=True, calendar_access=access)
         self.addCleanup(self.desktop.close)
-        self.opened = self.desktop.catch_addresses()
+        self.desktop.catch_addresses()
         return self.desktop
 
     def write_day(self):
@@ -51,12 +50,6 @@ class Calendar(unittest.TestCase):
         (left, right), (tour_left, tour_right) = edges(self.prompt()), edges(self.desktop.search("Welcome to Dawnly")[0])
         return max(0, min(right, tour_right) - max(left, tour_left))
 
-    def opened_addresses(self):
-        if not os.path.exists(self.opened):
-            return []
-        with open(self.opened) as file:
-            return file.read().split()
-
     def test_a_day_without_a_briefing_shows_the_schedule_and_joins_the_meeting(self):
         d = self.start("fullAccess")
         self.write_day()
@@ -65,7 +58,7 @@ class Calendar(unittest.TestCase):
         self.desktop.unfold()
         self.assertTrue(self.has_strip())
         d.click(JOIN_X, STRIP_Y)
-        d.wait_for(lambda: self.opened_addresses() == [LINK], "the meeting to be opened")
+        d.wait_for(lambda: d.opened() == [LINK], "the meeting to be opened")
 
         # The calendar changes while the panel is open.
         d.write_calendar("Work")

@@ -1,7 +1,6 @@
 """What a user does with a card, by a real pointer and keyboard, judged by the files that it changes."""
 
 import os
-import subprocess
 import time
 import unittest
 
@@ -28,7 +27,7 @@ class Cards(unittest.TestCase):
         self.addCleanup(self.desktop.close)
         # Room for a menu below the first card.
         self.desktop.write_briefing("2026-11-22.md", BRIEFING + "".join("### S%d\n- Card\n" % i for i in range(3)))
-        self.opened = self.desktop.catch_addresses()
+        self.desktop.catch_addresses()
         self.desktop.start_program()
         self.desktop.unfold()
 
@@ -174,9 +173,7 @@ class Cards(unittest.TestCase):
         d.key("Down", "Return")  # the button is still down
         d.run("xdotool", "mouseup", "3")
         time.sleep(0.3)
-        copied = subprocess.run(["timeout", "5", "xclip", "-o", "-selection", "clipboard"], env=d.environment,
-                                stdout=subprocess.PIPE, check=True).stdout.decode()
-        self.assertEqual(copied, "Beta call")
+        self.assertEqual(d.ask("timeout", "5", "xclip", "-o", "-selection", "clipboard"), "Beta call")
         d.click(HAND_X, CARD_Y[1], button=3)
         time.sleep(0.3)
         d.key("Down", "Down", "Return")
@@ -240,37 +237,28 @@ class Cards(unittest.TestCase):
         link = next((x, y) for y in range(CARD_Y[0] - 30, CARD_Y[0] + 30) for x in range(CARD_LEFT, BRIEF_RIGHT - 40)
                     if picture.at(x, y)[2] > picture.at(x, y)[0] + 100)
 
-        def opened():
-            with open(self.opened) as file:
-                return file.read().split()
-
         d.click(link[0] + 3, link[1] + 3)
-        d.wait_for(lambda: os.path.exists(self.opened), "the browser")
+        d.wait_for(d.opened, "the browser")
         self.click_into_panel()
         for _ in range(12):
             d.key("Tab", "o")
-        d.wait_for(lambda: len(opened()) > 1, "the browser by keyboard")
-        self.assertEqual(set(opened()), {"https://example.org/intro"})
+        d.wait_for(lambda: len(d.opened()) > 1, "the browser by keyboard")
+        self.assertEqual(set(d.opened()), {"https://example.org/intro"})
 
     def test_only_safe_links_open(self):
         d = self.desktop
         x = next(x for x in range(HAND_X - 60, PANEL_RIGHT - 300)
                  if d.screenshot().at(x, CARD_Y[2] - 2)[2] > d.screenshot().at(x, CARD_Y[2] - 2)[0] + 100)
         d.click(x + 3, CARD_Y[2])
-        d.wait_for(lambda: os.path.exists(self.opened), "the browser")
+        d.wait_for(d.opened, "the browser")
         self.click_into_panel()
         self.focus_card(2)
         d.key("o")
-
-        def lines():
-            with open(self.opened) as file:
-                return file.read().split()
-
-        d.wait_for(lambda: len(lines()) == 2, "the browser again")
+        d.wait_for(lambda: len(d.opened()) == 2, "the browser again")
         for x in range(CARD_LEFT + 20, BRIEF_RIGHT - 40, 12):  # whatever else is in the card
             d.click(x, CARD_Y[2])
         time.sleep(0.5)
-        self.assertEqual(set(lines()), {"https://example.org/a?b=1&c=2"})
+        self.assertEqual(set(d.opened()), {"https://example.org/a?b=1&c=2"})
 
 
 if __name__ == "__main__":

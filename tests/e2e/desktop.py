@@ -136,6 +136,11 @@ class Desktop:
     def run(self, *command):
         return subprocess.run(command, env=self.environment, check=True, stdout=subprocess.PIPE).stdout
 
+    def ask(self, *command):
+        """What a command says, which may fail."""
+        return subprocess.run(command, env=self.environment, check=False, text=True, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL).stdout
+
     def start_program(self, at=None):
         """Starts it now, or at another time, such as "2026-11-23 09:12:05", which goes on from there."""
         clock = []
@@ -195,15 +200,19 @@ class Desktop:
         os.rename(folder + "/.new", folder + "/" + name + ".ics")
 
     def catch_addresses(self):
-        """From now on, what the program opens in a browser is listed in the file that is returned."""
-        opened = self.home + "/opened"
+        """From now on, what the program opens in a browser is listed by `opened`."""
         os.makedirs(self.home + "/bin")
         with open(self.home + "/bin/xdg-open", "w") as script:
             # What the program sets for itself alone shows in front of the address.
-            script.write('#!/bin/sh\nprintf "%%s\\n" "${QV4_FORCE_INTERPRETER:+ours:}$1" >>"%s"\n' % opened)
+            script.write('#!/bin/sh\nprintf "%%s\\n" "${QV4_FORCE_INTERPRETER:+ours:}$1" >>"%s/opened"\n' % self.home)
         os.chmod(self.home + "/bin/xdg-open", 0o755)
         self.environment["PATH"] = self.home + "/bin:" + self.environment["PATH"]
-        return opened
+
+    def opened(self):
+        if not os.path.exists(self.home + "/opened"):
+            return []
+        with open(self.home + "/opened") as file:
+            return file.read().split()
 
     def move(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
@@ -288,15 +297,11 @@ class Desktop:
 
     def search(self, title):
         """The windows on screen that bear this title."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"], env=self.environment,
-                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
-        return found.stdout.decode().split()
+        return self.ask("xdotool", "search", "--onlyvisible", "--name", "^" + title + "$").split()
 
     def focused_window(self):
         """Empty while nothing has the keyboard, as when a window has just gone."""
-        found = subprocess.run(["xdotool", "getwindowfocus"], env=self.environment, stdout=subprocess.PIPE,
-                               stderr=subprocess.DEVNULL, check=False)
-        return found.stdout.decode().strip()
+        return self.ask("xdotool", "getwindowfocus").strip()
 
     def await_flags(self, **expected):
         """Waits until the flags are on the cards of these keys, such as prio=["alpha"], and on no others."""

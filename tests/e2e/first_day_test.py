@@ -56,8 +56,7 @@ class FirstDay(unittest.TestCase):
         self.desktop.await_value(lambda: self.desktop.defaults().get(key), expected, key, 10)
 
     def prompt(self, kind):
-        return subprocess.run([os.environ["DAWNLYCTL"], "prompt", kind], env=self.desktop.environment, check=True,
-                              stdout=subprocess.PIPE, text=True).stdout.rstrip("\n")
+        return self.desktop.run(os.environ["DAWNLYCTL"], "prompt", kind).decode().rstrip("\n")
 
     # What is on the screen.
 
@@ -152,11 +151,8 @@ class FirstDay(unittest.TestCase):
         expected = self.prompt(kind)
         self.assertIn("\n\n%s/\n\n" % self.desktop.briefings, expected)
 
-        def clipboard():
-            return subprocess.run(["xclip", "-o", "-selection", "clipboard"], env=self.desktop.environment, text=True,
-                                  check=False, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
-
-        self.desktop.wait_for(lambda: clipboard() == expected, "the prompt on the clipboard")
+        self.desktop.wait_for(lambda: self.desktop.ask("xclip", "-o", "-selection", "clipboard") == expected,
+                              "the prompt on the clipboard")
         self.assertEqual(self.reader.find("push button", button).description, "Copied")
 
     def tour(self):

@@ -2,7 +2,6 @@
 columns, settings. Once the hotkey has opened the panel, the pointer stays where it is."""
 
 import datetime
-import os
 import time
 import unittest
 
@@ -16,7 +15,7 @@ class Keyboard(unittest.TestCase):
     def setUp(self):
         self.desktop = d = Desktop(window_manager=True)
         self.addCleanup(d.close)
-        self.opened = d.catch_addresses()
+        d.catch_addresses()
         d.write_briefing(time.strftime("%Y-%m-%d.md"), TODAY)
         yesterday = time.strftime("%Y-%m-%d.md", time.localtime(time.time() - 86400))
         d.write_briefing(yesterday, "# Older\n### Schedule\n- Delta\n")
@@ -117,7 +116,7 @@ class Keyboard(unittest.TestCase):
         self.press("Escape")  # the sheet alone
         self.assertTrue(d.report()["expanded"])
         self.assertEqual(sorted(d.todos()), ["Alpha", "Dentist"])
-        self.assertFalse(os.path.exists(self.opened))
+        self.assertFalse(d.opened())
 
     def test_a_missed_priority_hands_the_keyboard_on(self):
         d = self.desktop
@@ -137,9 +136,8 @@ class Keyboard(unittest.TestCase):
     def test_the_panels_menu_and_the_settings(self):
         d = self.desktop
         self.press("F6", "Up", "shift+F10", "Return")  # on a button of the header
-        d.wait_for(lambda: os.path.exists(self.opened), "the folder to open")
-        with open(self.opened) as file:
-            self.assertIn(d.briefings, file.read())
+        d.wait_for(d.opened, "the folder to open")
+        self.assertIn(d.briefings, d.opened()[0])
         self.press("Escape")
         d.wait_for(lambda: not d.report()["expanded"], "the panel to fold")
         time.sleep(0.7)

@@ -46,36 +46,29 @@ class Measure(unittest.TestCase):
         left, top, right, bottom = distance.point(lambda level: 255 if level < 24 else 0).getbbox()
         return box[0] + left, box[1] + top, box[0] + right, box[1] + bottom
 
-    def test_it_sees_a_card_that_moved(self):
-        card = (44, 184, 432, 262)
-        for distance in (4, 8):
-            changed = self.panel.copy()
-            changed.paste(self.panel.crop(card), (card[0] + distance, card[1]))
-            self.assertGreater(self.differing(changed), TOLERATED, distance)
-            changed.paste(self.panel.crop(card), (card[0], card[1] + distance))
-            self.assertGreater(self.differing(changed), TOLERATED, distance)
+    def with_another(self, box, part):
+        changed = self.panel.copy()
+        changed.paste(part, box[:2])
+        return changed
 
-    def test_it_sees_a_missing_chip_and_a_missing_symbol(self):
+    def test_it_sees_what_a_person_sees(self):
+        card, heading = (44, 184, 432, 262), (470, 114, 530, 134)
         join = self.find((48, 209, 88), (380, 104, 440, 140))
         star = self.find((255, 159, 10), (680, 180, 710, 210))
-        for box in (join, star):
-            changed = self.panel.copy()
-            background = self.panel.getpixel((box[0] - 4, (box[1] + box[3]) // 2))
-            ImageDraw.Draw(changed).rectangle(box, fill=background)
-            self.assertGreater(self.differing(changed), TOLERATED, box)
-
-    def test_it_sees_another_colour(self):
-        join = self.find((48, 209, 88), (380, 104, 440, 140))
-        changed = self.panel.copy()
         red, green, blue = self.panel.crop(join).split()
-        changed.paste(Image.merge("RGB", (green, red, blue)), join[:2])
-        self.assertGreater(self.differing(changed), TOLERATED)
-
-    def test_it_sees_another_word(self):
-        changed = self.panel.copy()
-        heading = (470, 114, 530, 134)
-        changed.paste(self.panel.crop((496, 184, 556, 204)), heading[:2])
-        self.assertGreater(self.differing(changed), TOLERATED)
+        cases = {"another colour": self.with_another(join, Image.merge("RGB", (green, red, blue))),
+                 "another word": self.with_another(heading, self.panel.crop((496, 184, 556, 204)))}
+        for distance in (4, 8):
+            for right, down in ((distance, 0), (0, distance)):
+                moved = (card[0] + right, card[1] + down)
+                cases["a card at %d, %d" % moved] = self.with_another(moved, self.panel.crop(card))
+        for name, box in (("chip", join), ("symbol", star)):
+            cases["a missing " + name] = self.panel.copy()
+            background = self.panel.getpixel((box[0] - 4, (box[1] + box[3]) // 2))
+            ImageDraw.Draw(cases["a missing " + name]).rectangle(box, fill=background)
+        for name, changed in cases.items():
+            with self.subTest(name):
+                self.assertGreater(self.differing(changed), TOLERATED)
 
     def test_it_bears_with_other_edges_of_letters(self):
         self.assertEqual(self.differing(self.panel), 0)

@@ -2,7 +2,6 @@
 
 import json
 import os
-import subprocess
 import sys
 import time
 import unittest
@@ -30,20 +29,16 @@ class Playing(unittest.TestCase):
             self.assertTrue(d.environment[name].startswith(d.home))
         d.write_briefing(time.strftime("%Y-%m-%d.md"), BRIEFING)
         d.start(*media.sound_server_command())
-        d.wait_for(lambda: "Server Name" in self.ask("pactl", "info"), "the sound server")
-
-    def ask(self, *command):
-        return subprocess.run(command, env=self.desktop.environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                              check=False).stdout.decode()
+        d.wait_for(lambda: "Server Name" in self.desktop.ask("pactl", "info"), "the sound server")
 
     def property(self, name):
-        reply = self.ask("dbus-send", "--session", "--print-reply=literal", "--dest=org.mpris.MediaPlayer2.mpv",
+        reply = self.desktop.ask("dbus-send", "--session", "--print-reply=literal", "--dest=org.mpris.MediaPlayer2.mpv",
                          "/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties.Get",
                          "string:org.mpris.MediaPlayer2.Player", "string:" + name)
         return " ".join(reply.split())
 
     def is_muted(self):
-        return self.ask("pactl", "get-sink-mute", "@DEFAULT_SINK@").strip() == "Mute: yes"
+        return self.desktop.ask("pactl", "get-sink-mute", "@DEFAULT_SINK@").strip() == "Mute: yes"
 
     def lit_pixels(self, x):
         """How much of the symbol at that place is drawn."""

@@ -2,13 +2,10 @@
 
 import json
 import os
-import subprocess
 import time
 import unittest
 
-from desktop import AWAY, Desktop
-
-SECONDS_FROM_1970_TO_2001 = 978307200
+from desktop import AWAY, REFERENCE_DATE, Desktop
 
 
 class Reminder(unittest.TestCase):
@@ -18,15 +15,13 @@ class Reminder(unittest.TestCase):
 
     def notification(self):
         """The window of a notification on screen, or nothing."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "Dunst"], stdout=subprocess.PIPE,
-                               env=self.desktop.environment, stderr=subprocess.DEVNULL, check=False)
-        return found.stdout.decode().split()[:1]
+        return self.desktop.ask("xdotool", "search", "--onlyvisible", "--class", "Dunst").split()[:1]
 
     def remind(self, at):
         path = self.desktop.briefings + "/todos.json"
         with open(path) as file:
             todos = json.load(file)
-        todos["todos"][0]["remindAt"] = at - SECONDS_FROM_1970_TO_2001
+        todos["todos"][0]["remindAt"] = at - REFERENCE_DATE
         with open(path + ".new", "w") as file:
             json.dump(todos, file)
         os.rename(path + ".new", path)

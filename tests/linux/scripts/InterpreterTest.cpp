@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "linux/scripts/Parser.h"
+#include "nowplaying/PlayerScripts.h"
 #include "support/ModelObjects.h"
 
 namespace sunpane::scripts {
@@ -20,7 +21,7 @@ std::string textOf(const std::optional<Value>& value) {
 
 TEST(Interpreter, ResultsOfScripts) {
     const struct {
-        const char* source;
+        std::string_view source;
         const char* result;
     } cases[] = {
         {"", "<nothing>"},
@@ -46,15 +47,10 @@ TEST(Interpreter, ResultsOfScripts) {
         {"output muted of (get volume settings)", "<false>"},
         {"set volume with output muted\noutput muted of (get volume settings)", "<true>"},
         {"tell application \"Spotify\" to playpause", "<nothing>"},
-        {"tell application \"Spotify\"\nif player state is stopped then return \"stopped\"\n"
-         "set s to player state as text\nset t to name of current track\nset a to artist of current track\n"
-         "set art to artwork url of current track\n"
-         "return s & \"|||\" & t & \"|||\" & a & \"|||\" & art\nend tell",
-         "playing|||Song|||Band|||https://covers.example/1.jpg"},
-        {"tell application \"Google Chrome\"\nset out to \"\"\nset n to 0\nrepeat with w in windows\nset n to n + 1\n"
-         "repeat with t in tabs of w\nset out to out & n & (id of t) & (URL of t) & (title of t) & \"\\n\"\n"
-         "end repeat\nend repeat\nreturn out\nend tell",
-         "17https://a.example/A\n28https://b.example/B\n29https://c.example/C\n"},
+        {player_scripts::query(Player::spotify), "playing|||Song|||Band|||https://covers.example/1.jpg"},
+        {player_scripts::scanTabs(),
+         "1|||1|||1|||7|||https://a.example/|||A\n2|||1|||0|||8|||https://b.example/|||B\n"
+         "2|||2|||1|||9|||https://c.example/|||C\n"},
     };
     for (const auto& test : cases) {
         auto host = sampleMachine();
@@ -144,15 +140,10 @@ TEST(Interpreter, ActsOnTheTabThatItLookedFor) {
     const auto windows = std::get<ObjectList>(host.applications["Google Chrome"]->properties[Term::windows]);
     const auto tab = std::dynamic_pointer_cast<ModelObject>(std::get<ObjectList>(*windows[1]->get(Term::tabs))[0]);
     tab->javaScriptResult = "ok";
-    const std::string head =
-        "tell application \"Google Chrome\"\nrepeat with w in windows\nset i to 0\nrepeat with t in tabs of w\n"
-        "set i to i + 1\nif (id of t as text) is \"8\" then\n";
-    const std::string tail = "\nend if\nend repeat\nend repeat\nreturn \"gone\"\nend tell";
-    EXPECT_EQ(textOf(runScript(head + "return execute t javascript \"f('\\\"')\"" + tail, host)), "ok");
-    EXPECT_EQ(tab->executed, std::vector<std::string>{"f('\"')"});
-    EXPECT_EQ(textOf(runScript(
-                  head + "set active tab index of w to i\nset index of w to 1\nactivate\nreturn \"ok\"" + tail, host)),
-              "ok");
+    EXPECT_EQ(textOf(runScript(player_scripts::runInTab(8, "f('x')"), host)), "ok");
+    EXPECT_EQ(tab->executed, std::vector<std::string>{"f('x')"});
+    EXPECT_EQ(textOf(runScript(player_scripts::runInTab(5, "f('x')"), host)), "gone");
+    EXPECT_EQ(textOf(runScript(player_scripts::showTab(8), host)), "ok");
     EXPECT_EQ(windows[1]->get(Term::activeTabIndex), Value(std::int64_t{1}));
     EXPECT_EQ(windows[1]->get(Term::index), Value(std::int64_t{1}));
     EXPECT_EQ(host.applications["Google Chrome"]->performed, std::vector{Verb::activate});
