@@ -28,17 +28,6 @@ std::string exampleIn(const std::string& prompt) {
     return prompt.substr(start + begin.size(), end - start - begin.size());
 }
 
-std::vector<std::string> headings(const std::string& prompt) {
-    std::vector<std::string> found;
-    for (std::size_t at = prompt.find("=== "); at != std::string::npos;) {
-        const auto end = prompt.find('\n', at);
-        found.push_back(prompt.substr(at, end - at));
-        at = end == std::string::npos ? end : prompt.find("\n=== ", end - 1);
-        if (at != std::string::npos) ++at;
-    }
-    return found;
-}
-
 std::vector<std::string> problems(const std::string& file) {
     std::vector<std::string> result;
     for (const auto& finding : briefing::check("2026-07-06.md", file, LocalCalendar("Europe/Amsterdam", "en_US"))) {
@@ -60,16 +49,6 @@ TEST(Prompts, ThePathStandsOnALineOfItsOwnAndReadsAsAFolder) {
         EXPECT_EQ(make("/home/ada/Briefings/"), make(folder));
         EXPECT_THAT(make("/"), HasSubstr("\n\n/\n\n"));
     }
-}
-
-TEST(Prompts, HaveTheirPartsInOrder) {
-    EXPECT_THAT(headings(prompts::morningTask(folder)),
-                ElementsAre("=== THE DAWNLY FOLDER ===", "=== STEP 0: READ FEEDBACK FIRST ===",
-                            "=== STEP 1: GATHER ===", "=== STEP 2: WRITE THE FILE ===", "=== END OF RUN ==="));
-    EXPECT_THAT(
-        headings(prompts::eveningTask(folder)),
-        ElementsAre("=== STEP 0: READ CONTEXT FIRST ===", "=== STEP 1: GATHER WHAT CHANGED SINCE THIS MORNING ===",
-                    "=== STEP 2: APPEND THE RECAP ===", "=== END OF RUN ==="));
 }
 
 // An assistant copies what it is shown, so the examples have to be files that the panel shows as they are meant.

@@ -168,13 +168,5 @@ TEST_F(ThemeStoreTest, ShowsWhatTheSettingsHoldAfterAnotherProgramChangedThemDur
     EXPECT_EQ(defaults.values, settled) << "nothing comes later that does not show";
 }
 
-TEST_F(ThemeStoreTest, TheFirstStoreIsTheSharedOne) {
-    {
-        const ThemeStore second(defaults, platform.runLoop);
-        EXPECT_EQ(&ThemeStore::shared(), &store);
-    }
-    EXPECT_EQ(&ThemeStore::shared(), &store);
-}
-
 }  // namespace
 }  // namespace sunpane

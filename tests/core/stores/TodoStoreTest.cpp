@@ -309,13 +309,5 @@ TEST_F(TodoStoreTest, AChangeBuildsOnWhatAnotherProgramHasJustWritten) {
     EXPECT_THAT(texts(), ElementsAre("theirs again", "next"));
 }
 
-TEST_F(TodoStoreTest, LeavesNoTimerBehind) {
-    store->add("a");
-    machine.settle();
-    store.reset();
-    machine.pass(10);
-    EXPECT_EQ(machine.platform.time.pendingCount(), 0U);
-}
-
 }  // namespace
 }  // namespace sunpane::testing
