@@ -11,7 +11,8 @@
 
 namespace sunpane {
 
-/// The window of the welcome tour, and the way of the tour to QML and back: made when it is opened. Holds no rules. One instance, owned by the start-up code; main thread only.
+/// The window of the welcome tour, and the way of the tour to QML and back: made when it is opened. Holds no rules. One
+/// instance, owned by the start-up code; main thread only.
 class OnboardingWindowController : public QObject {
     Q_OBJECT
     /// 0 intro, 1 connect, 2 done.
